@@ -1,0 +1,363 @@
+// kesta: the database. Typed, named columns; a list of records; named parameters; the text file they live in.
+//
+// Rows and columns out of range never fault: getters answer null, "", 0 or an empty string, setters answer
+// false or do nothing, searches answer -1 (all bits set where the result is unsigned). Column names compare
+// ignoring case.
+//
+// The operations of iKST are called through the interface by the others, so an override in a derived class
+// changes the behaviour of those too; loops read get_num_records() anew at every row.
+//
+// While show-tags-only is on, row numbers address the tagged index, and operations that change the list of
+// records refuse.
+//
+// Thread-safety: not locked. Callers serialise changes; reading while nobody writes is safe, look-ups by
+// identifier and by column name apart, which fill an index on first use. Only one sort may run at a time in a
+// process. Memory: running out throws Zr::Exception::BadAlloc; nothing else is ever thrown.
+#pragma once
+
+#include <map>
+#include <vector>
+
+#include "record/CookieIndex.h"
+#include "record/GapVector.h"
+#include "record/KSTBase.h"
+#include "record/dbrecord.h"
+#include "support/Notifier.h"
+#include "support/TextSearch.h"
+
+class TextFile;
+
+/// The version of the library, four numbers with dots between.
+KESTA_API const char* kestaDllVersionStr();
+
+class KESTA_API kesta : public KSTBase, public Notifier {
+ public:
+    struct IgnoringCase {
+        bool operator()(const LightweightString<char>& a, const LightweightString<char>& b) const noexcept {
+            return a.icompare(b.c_str()) < 0;
+        }
+    };
+    using FieldNameIndex = std::map<LightweightString<char>, unsigned short, IgnoringCase>;
+
+    // --- Construction and life cycle (kesta.cpp) ---
+
+    /// No columns, no records, not valid.
+    kesta();
+
+    /// The columns of an array that ends with a type of 0; null is an empty array.
+    explicit kesta(const DBFieldDesc* descs);
+    explicit kesta(const std::vector<DBFieldDesc>& descs);
+
+    /// The same columns and revision; the parameter list is shared, not copied. With `copyRecords` non-zero,
+    /// copies of the records that `other` presents (only tagged ones while it shows tags only). Listeners are
+    /// not copied.
+    kesta(const kesta& other, int copyRecords);
+
+    /// Loads the file; see loadFromFile.
+    kesta(const LightweightString<wchar_t>& fileName, int maxRecords, bool strict);
+
+    kesta& operator=(const kesta&) = delete;
+    ~kesta() override;
+
+    /// No parameters, no columns, not valid, unchanged, revision 1. Records and indices stay.
+    void init();
+
+    /// Releases records, columns, parameters and indices, then init().
+    void free();
+
+    /// To be called when the columns have come: sort field 0, the special-label flags, the field-name index.
+    void post_init();
+
+    /// free(), then these columns.
+    void setFields(const std::vector<DBFieldDesc>& descs);
+
+    /// Whether the columns are known.
+    int get_valid() const override;
+
+    /// The revision of the file format, as read from the file; 1 for a new database.
+    int get_revision() const noexcept { return m_revision; }
+
+    /// Whether a record or the record list has changed since the last clear_changed.
+    bool get_changed() const noexcept { return m_changed != 0; }
+
+    /// Called by records of this database when they change.
+    void markChanged() noexcept { m_changed = 1; }
+
+    // --- Columns (columns.cpp) ---
+
+    unsigned get_num_fields() const override;
+    const char* get_fieldname(unsigned field) const override;
+
+    /// The first column of that name; -1 when there is none or the name is empty.
+    unsigned get_fieldnum(const LightweightString<char>& name) const override;
+    const FieldNameIndex& getFieldNameIndexMap() const;
+
+    /// Appends a column, an empty field to every record, and answers the column's number; when a column of
+    /// that name is there, only its number.
+    unsigned addField(const DBFieldDesc& desc);
+
+    /// Renames a column; ampersands are removed unless the setting "remove_fieldname_ampersands" is 0.
+    bool set_fieldname(unsigned field, const char* name) override;
+
+    /// Removes the column, and its field from every record. Sort fields and the identifier index are left as
+    /// they are.
+    void removeField(const LightweightString<char>& name);
+
+    /// Type codes; 0 for a bad column. Storing 0 stores eText.
+    DBFieldTypes::eType get_field_type(unsigned field) const override;
+    DBFieldTypes::eType get_fieldtype(unsigned field) const override;
+    bool set_fieldtype(unsigned field, DBFieldTypes::eType type) override;
+
+    /// The greatest length in bytes that the column holds.
+    unsigned get_fieldsize(unsigned field) const override;
+
+    /// The least width of a column of that name in the file header: 4 unless it is a standard one.
+    static int getMinFieldSize(const char* name);
+
+    /// The type that a token of the file header names: a word, or any one character; 0 for anything else.
+    static DBFieldTypes::eType fieldTypeFromString(const LightweightString<char>& token);
+
+    /// Whether the column holds a start or end code of the standard log. Unlike every other comparison of
+    /// column names this one deliberately minds case.
+    bool isSpecialLabelField(unsigned long field) const;
+
+    static LightweightString<char> strip_char_from_string(char c, const char* s);
+
+    // --- Parameters (kesta.cpp) ---
+
+    /// As KSTBase's; the first parameter of a database is always preceded by its revision, "KESTA" = "Rev 1".
+    int add_param(const LightweightString<char>& key, const LightweightString<char>& value) override;
+
+    // --- The file (files.cpp) ---
+
+    void set_filename(LightweightString<wchar_t> name) override;
+    LightweightString<wchar_t> get_filename() const override;
+
+    /// Replaces parameters and columns with those of the database's file and appends its records, at most
+    /// `maxRecords` of them. A name ending in ".csv" is read as plain comma-separated text. When the file
+    /// cannot be read or is no database, the database stays without columns and not valid. With `strict`
+    /// false, a file that has column names but no full header is taken all the same. Records held before
+    /// stay.
+    void loadFromFile(int maxRecords, bool strict);
+
+    /// The same, with another file name.
+    void loadFromFile(const LightweightString<wchar_t>& fileName, int maxRecords, bool strict);
+
+    /// Appends the records of the database's file, whose first line is skipped. Answers how many.
+    int load_text(int maxRecords);
+
+    /// Appends records from the file's cursor on, until a blank line, a line with a wrong number of fields,
+    /// the end, or `maxRecords` of them. With `skipFirst` non-zero the first line is dropped. Answers how
+    /// many were appended.
+    int add_text(TextFile& file, int skipFirst, int maxRecords);
+
+    /// Reads parameter lines into the parameter list; `line` is the scratch record and holds the last line
+    /// read.
+    void read_params(TextFile& file, dbrecord* line);
+
+    /// Writes the database to its file: parameters, header, all records, whatever is shown. A "Tag" column
+    /// gets the records' tags first. Answers the number of records written; 0 when the file could not be
+    /// saved, in which case it is as it was before, and for a database without records.
+    int save_text() override;
+
+    /// The same with the names line for the whole header.
+    int save_text_without_header();
+
+    void save_params(TextFile& file) const;
+    void save_column_header(TextFile& file, bool namesOnly) const;
+
+    // --- Records (records.cpp) ---
+
+    unsigned get_num_records() const override;
+
+    /// The record at `row`; null when there is none.
+    Zr::Ptr<dbrecord> get_record(unsigned row) const override;
+    const LightweightString<char>& getField(unsigned row, unsigned field) const override;
+
+    /// A record with this database's number of fields, listed nowhere, contained in this database.
+    Zr::Ptr<dbrecord> newRecord();
+
+    /// The same without a container.
+    Zr::Ptr<dbrecord> make_dummy_record() override;
+
+    /// Makes room for `count` rows before `at`. Only the first of them gets a record, the others have none:
+    /// this is deliberate, callers know it. Does nothing past the end of the list.
+    void insert_records(unsigned at, unsigned count) override;
+
+    /// Appends new records; answers the number of records before, or -1 while show-tags-only is on.
+    unsigned add_records(int count) override;
+
+    /// Deletes rows and tells listeners of "recordsDeleted" with their numbers, each followed by a space.
+    /// `count` is clamped to the list.
+    void delete_records(unsigned first, unsigned count) override;
+
+    bool setField(unsigned row, unsigned field, const LightweightString<char>& value);
+    int set_field(unsigned row, unsigned field, const char* value) override;
+    bool set_field(unsigned row, unsigned field, int value) override;
+    bool set_field(unsigned row, unsigned field, double value) override;
+    bool set_field(unsigned row, unsigned field, bool value) override;
+
+    /// Typed reading; false, with the destination untouched, when the field is empty. Of the text at most
+    /// `len` bytes and a terminating zero are stored, so `dst` has room for `len` + 1.
+    bool in_field(unsigned row, unsigned field, char* dst, int len) const override;
+    bool in_field(unsigned row, unsigned field, int& value) const override;
+    bool in_field(unsigned row, unsigned field, double& value) const override;
+    bool in_field(unsigned row, unsigned field, bool& value) const override;
+
+    /// The first row whose field equals `value`: as a whole, or in its first `length` bytes when `length` is
+    /// not 0. The column "cookie" is looked up by identifier first. Case matters.
+    int findFirst(const char* field, const char* value, int length) override;
+
+    void clear_changed();
+
+    /// A database is its own base.
+    int baseIndex(int row) override;
+
+    // --- Identifiers (identity.cpp) ---
+    //
+    // Rows by identifier are found through an index that is built on the first look-up and emptied when rows
+    // are inserted, appended or deleted. Sorting and plain setters do not empty it: until one of those runs
+    // it answers the rows of before.
+
+    /// Stores the identifier's text in the column "cookie" and files the row under it.
+    bool set_field(unsigned row, const Cookie& id) override;
+
+    /// Appends a record that carries `id`; without a "cookie" column, one that does not.
+    Zr::Ptr<dbrecord> addRecord(const Cookie& id);
+
+    /// The row of the first record that carries `id`, or -1.
+    unsigned getRowIndexByID(const Cookie& id) const;
+    Zr::Ptr<dbrecord> get_record(const Cookie& id) const;
+
+    // --- Tags (tags.cpp) ---
+
+    void set_tag(unsigned row, int value) override;
+    void invert_tag(unsigned row) override;
+
+    /// The tag, 0 to 255; -1 when there is no record.
+    int get_tag(unsigned row) override;
+    void set_all_tags(int value) override;
+
+    /// Reaches every record, shown or not.
+    void invert_all_tags() override;
+    int get_num_tags() override;
+
+    /// Deletes the records whose tag is exactly 1, run by run; answers how many, or -1 while show-tags-only
+    /// is on.
+    unsigned delete_tagged_records() override;
+
+    /// Turning it on rebuilds the tagged index, which stays empty on a plain database: see index_tags.
+    void set_show_tags_only(int on) override;
+    int get_show_tags_only() override;
+
+    /// Rebuilds the tagged index from the rows below get_num_records(). While show-tags-only is on that is
+    /// the size of the index just emptied, so only a derived class with rows of its own gets a filled one.
+    /// Answers the rows walked.
+    unsigned index_tags();
+
+    /// From rows of the full list to shown rows and back; -1 when there is none.
+    unsigned get_new_row(unsigned rawRow);
+    unsigned get_raw_row(unsigned row);
+
+    // --- Sorting (sorting.cpp) ---
+
+    void set_sortfield(int field) override;
+
+    /// The fields up to the first negative one; null is the empty list.
+    void set_sortfields(int* fields) override;
+
+    /// The first sort field; 0 when there is none.
+    int getSortFieldIdx() const;
+
+    /// Prepares the process-wide keys from the sort fields.
+    void sortPrepare(int direction, int caseInsensitive) override;
+
+    /// Sorts all records: ascending with dbr_cmp's order, descending (`direction` below 0) with
+    /// dbr_backcmp's. Records that compare equal may change order.
+    void sort(int direction, int caseInsensitive) override;
+
+    // --- Queries (search/) ---
+
+    /// Replaces the query, one entry for each column by position; ignored when the list is shorter than the
+    /// columns.
+    void setQuery(const std::vector<TextSearch::Criteria>& criteria);
+
+    /// Whether the record's field satisfies the criteria; codes and dates are matched as they are shown.
+    bool matchField(const dbrecord* record, unsigned short field, const TextSearch::Criteria& criteria) const;
+
+    /// A query from a record whose texts are what its columns must contain; ignored when it has too few
+    /// fields.
+    void set_query(dbrecord* query) override;
+
+    bool match_field(const dbrecord* record, int index) const;
+    bool found_in_special_label_field(const dbrecord* record, int index) const;
+
+    /// 1 when the record matches the query, 0 when not, -1 without a record or a query.
+    int match_record(const Zr::Ptr<dbrecord>& record) const;
+    int match_record(int row) const override;
+
+    /// Tags the rows that match; the others lose their tags unless `keepTags` is non-zero. Answers how many
+    /// matched.
+    int tag_matching_records(int keepTags) override;
+
+    /// Sorts on `field` and tags the first record of every run of equal values; answers how many are tagged.
+    int tag_all_different(int field) override;
+
+    // --- Merging (merging.cpp) ---
+
+    /// Appends copies of all records of a database with the same columns and revision. Answers the rows of
+    /// `other`, or -1, with nothing added, when the two are not alike or show-tags-only is on.
+    int add_kesta(kesta* other);
+
+    /// Appends a record for each of `other`'s, filled by column name, time codes converted between their two
+    /// types. Answers 0 when no column matches, else 1.
+    int merge_all_matching(kesta* other);
+
+ private:
+    class ColumnWidths;
+
+    bool isShown(unsigned row) const noexcept;
+    Zr::Ptr<dbrecord> listedRecord(unsigned row) const;
+    void appendRecord(Zr::Ptr<dbrecord> record);
+    void buildIdentifierIndex() const;
+    bool readColumns(TextFile& file, const dbrecord& marker, bool strict);
+    void loadCSV(const TextFile& file);
+    int saveWithHeader(bool namesOnly);
+
+    // Columns; a column's number is its index.
+    std::vector<DBFieldDesc> m_fields;
+
+    // All records in order; an entry may hold none.
+    GapVector<Zr::Ptr<dbrecord>> m_records;
+
+    // What row numbers address while m_showTagsOnly is not 0.
+    std::vector<Zr::Ptr<dbrecord>> m_taggedIndex;
+
+    std::vector<unsigned short> m_sortFields;
+
+    // Caches, filled on demand; empty counts as not built.
+    mutable CookieIndex m_identifiers;
+    mutable FieldNameIndex m_fieldNames;
+
+    // One flag for each column: isSpecialLabelField.
+    std::vector<bool> m_specialLabels;
+
+    LightweightString<wchar_t> m_fileName;
+    int m_showTagsOnly = 0;
+    int m_changed = 0;
+    int m_valid = 0;
+    int m_revision = 1;
+
+    // One entry for each column by position; empty when no query is set.
+    std::vector<TextSearch::Criteria> m_query;
+    int m_matchOptions = 0;
+};
+
+/// The keys of the running sort: field numbers in order of priority, ended by a negative one. Never null. The
+/// comparators read their keys through it; sortPrepare points it at what it has prepared.
+extern KESTA_API int* cmp_fields;
+
+/// Compare two elements of a record list, each a Zr::Ptr<dbrecord>: negative, zero or positive as the first
+/// sorts before, level with or after the second. Valid after a sortPrepare.
+KESTA_API int dbr_cmp(void* a, void* b);
+KESTA_API int dbr_backcmp(void* a, void* b);

@@ -1,0 +1,177 @@
+// LightweightString: text that is shared until somebody writes to it.
+//
+// A string is a handle of two words on a counted body. The body is one block: count, length, capacity and the
+// characters, always followed by a zero character. Copying a string shares its body; a writer first makes its
+// own. Empty text needs no body, and a string without one reads exactly like one whose body has length 0.
+//
+// Thread-safety: as a std::string's, and different strings that share a body may be used on different
+// threads. Memory: every body comes from OS()->allocator(). Operations that need room throw
+// Zr::Exception::BadAlloc and leave the string as it was.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <string>
+#include <string_view>
+
+#include "support/Ascii.h"
+#include "support/Exception.h"
+#include "support/OS.h"
+#include "support/Ptr.h"
+
+template <class Char>
+class LightweightString {
+ public:
+    using View = std::basic_string_view<Char>;
+
+    LightweightString() noexcept = default;
+
+    /// The text up to its zero character; null is the empty text.
+    LightweightString(const Char* text) : LightweightString(text ? View(text) : View()) {}
+
+    /// The first `length` characters of `text`, zero characters among them.
+    LightweightString(const Char* text, unsigned length) : LightweightString(View(text, length)) {}
+
+    explicit LightweightString(View text) {
+        if (!text.empty()) m_body = Body::make(text, text.size());
+    }
+
+    /// The characters, followed by a zero character. Never null; valid until the string changes or dies.
+    const Char* c_str() const noexcept { return m_body ? m_body->characters() : emptyText(); }
+
+    /// In characters, without the closing zero.
+    unsigned length() const noexcept { return m_body ? m_body->length : 0; }
+
+    bool empty() const noexcept { return length() == 0; }
+
+    View view() const noexcept { return m_body ? View(m_body->characters(), m_body->length) : View(); }
+
+    /// Makes the body this string's own, with room for `length` characters. Text beyond `length` is cut.
+    void resizeFor(unsigned length) {
+        const View kept = view().substr(0, length);
+        if (m_body && m_body->isUnshared() && m_body->capacity >= length) {
+            setLength(kept.size());
+        } else {
+            m_body = Body::make(kept, length);
+        }
+    }
+
+    /// The characters, for writing: the body becomes this string's own. Null when the text is empty. Valid
+    /// until the string is copied, changed otherwise or dies.
+    Char* writableText() {
+        if (empty()) return nullptr;
+        resizeFor(length());
+        return m_body->characters();
+    }
+
+    /// Compares with zero-terminated text ignoring ASCII case: negative, zero or positive. Null is the empty
+    /// text.
+    int icompare(const Char* text) const noexcept {
+        const Char* a = c_str();
+        const Char* b = text ? text : emptyText();
+        while (*a && Ascii::fold(*a) == Ascii::fold(*b)) ++a, ++b;
+        const Char x = Ascii::fold(*a);
+        const Char y = Ascii::fold(*b);
+        return Unsigned(x) < Unsigned(y) ? -1 : Unsigned(x) > Unsigned(y) ? 1 : 0;
+    }
+
+    /// Appends in place while the body is this string's own and has room; otherwise makes a roomier one.
+    LightweightString& append(View text) {
+        if (text.empty()) return *this;
+        const std::size_t wanted = std::size_t(length()) + text.size();
+        if (!m_body || !m_body->isUnshared() || m_body->capacity < wanted) {
+            // A body made for a longer text; `text` may lie in the old one, which stays alive until the copy
+            // is done.
+            BodyPtr roomier =
+                Body::make(view(), m_body ? std::max(wanted, 2 * std::size_t(length())) : wanted);
+            std::memcpy(roomier->characters() + length(), text.data(), text.size() * sizeof(Char));
+            m_body.swap(roomier);
+        } else {
+            std::memcpy(m_body->characters() + length(), text.data(), text.size() * sizeof(Char));
+        }
+        setLength(wanted);
+        return *this;
+    }
+
+    LightweightString& operator+=(const LightweightString& text) { return append(text.view()); }
+    LightweightString& operator+=(const Char* text) { return text ? append(View(text)) : *this; }
+    LightweightString& operator+=(Char character) { return append(View(&character, 1)); }
+
+    friend LightweightString operator+(LightweightString a, const LightweightString& b) { return a += b; }
+    friend LightweightString operator+(LightweightString a, const Char* b) { return a += b; }
+    friend LightweightString operator+(const Char* a, const LightweightString& b) {
+        return LightweightString(a) += b;
+    }
+
+    friend bool operator==(const LightweightString& a, const LightweightString& b) noexcept {
+        return a.m_body == b.m_body || a.view() == b.view();
+    }
+    friend bool operator!=(const LightweightString& a, const LightweightString& b) noexcept {
+        return !(a == b);
+    }
+    friend bool operator==(const LightweightString& a, const Char* b) noexcept {
+        return a.view() == viewOf(b);
+    }
+    friend bool operator!=(const LightweightString& a, const Char* b) noexcept { return !(a == b); }
+
+    /// Order of the characters' unsigned values.
+    friend bool operator<(const LightweightString& a, const LightweightString& b) noexcept {
+        return a.view() < b.view();
+    }
+
+ private:
+    struct Body;
+    struct BodyDtor {
+        static void destroy(Body* body) noexcept { OS()->allocator()->release(body); }
+    };
+    /// The body is its own count's home, so both words of the handle are known when the body is.
+    using BodyPtr = Zr::Ptr<Body, BodyDtor, Zr::InternalRefCountTraits>;
+
+    struct Body {
+        Zr::RefCounter count;
+        std::uint32_t length;
+        std::uint32_t capacity;
+
+        Char* characters() noexcept { return reinterpret_cast<Char*>(this + 1); }
+        bool isUnshared() const noexcept { return count.load(std::memory_order_acquire) == 1; }
+
+        /// A body that holds `text` and has room for at least `capacity` characters, this call's share
+        /// counted.
+        static BodyPtr make(View text, std::size_t capacity) {
+            // Blocks of the C library's heap hold 16 k + 8 bytes: the room up to there costs nothing.
+            constexpr std::size_t largest = std::numeric_limits<std::uint32_t>::max() / sizeof(Char) - 64;
+            if (capacity > largest) throw Zr::Exception::BadAlloc();
+            const std::size_t needed = sizeof(Body) + (capacity + 1) * sizeof(Char);
+            const std::size_t size = needed <= 24 ? 24 : (needed - 8 + 15) / 16 * 16 + 8;
+            Body* body = new (OS()->allocator()->allocate(size)) Body;
+            body->count.store(1, std::memory_order_relaxed);
+            body->length = static_cast<std::uint32_t>(text.size());
+            body->capacity = static_cast<std::uint32_t>((size - sizeof(Body)) / sizeof(Char) - 1);
+            if (!text.empty()) std::memcpy(body->characters(), text.data(), text.size() * sizeof(Char));
+            body->characters()[text.size()] = Char();
+            return BodyPtr::adopt(&body->count, body);
+        }
+    };
+
+    using UnsignedChar = std::conditional_t<sizeof(Char) == 1, unsigned char, std::uint32_t>;
+    static constexpr UnsignedChar Unsigned(Char c) noexcept { return static_cast<UnsignedChar>(c); }
+
+    static const Char* emptyText() noexcept {
+        static constexpr Char none = Char();
+        return &none;
+    }
+    static View viewOf(const Char* text) noexcept { return text ? View(text) : View(); }
+
+    void setLength(std::size_t length) noexcept {
+        m_body->length = static_cast<std::uint32_t>(length);
+        m_body->characters()[length] = Char();
+    }
+
+    BodyPtr m_body;
+};
+
+/// Append the number in decimal, with a minus sign when negative.
+KESTA_API LightweightString<char>& operator+=(LightweightString<char>& text, int number);
+KESTA_API LightweightString<char>& operator+=(LightweightString<char>& text, unsigned number);

@@ -1,0 +1,78 @@
+// A text file in memory: a list of lines, read and written in one piece.
+//
+// Lines live one behind the other in large blocks, so a file costs little more than its bytes, and a save
+// writes the blocks as they are.
+//
+// Thread-safety: one thread at a time; reading lines from several threads while nobody writes is safe.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+#include "support/Export.h"
+#include "support/LightweightString.h"
+
+class KESTA_API TextFile {
+ public:
+    /// How save ends each line: 0 is CR LF, 1 is LF.
+    enum eEOLStyle : int { eCRLF = 0, eLF = 1 };
+
+    TextFile() noexcept = default;
+    TextFile(const TextFile&) = delete;
+    TextFile& operator=(const TextFile&) = delete;
+    ~TextFile();
+
+    /// Replaces the lines with those of the named file and puts the read cursor on the first. Lines end with
+    /// `separator`; with the line feed, a CR before it belongs to the end. Text behind the last end is a line
+    /// too. A UTF-8 byte order mark is dropped; all other bytes are kept. `flag` is reserved; pass false.
+    /// Answers false, with no lines, when the file cannot be read.
+    bool load(LightweightString<wchar_t> name, char separator, bool flag);
+
+    /// Writes all lines, each ended as `style` says. An existing file is never damaged: the lines go to a
+    /// temporary file beside it, which is flushed to disk and renamed over it. Symbolic links are followed,
+    /// permissions kept. Answers false on any failure; then the target is as it was and the temporary file is
+    /// gone. errno says why.
+    bool save(LightweightString<wchar_t> name, eEOLStyle style) const;
+
+    /// The number of lines.
+    unsigned size() const noexcept { return static_cast<unsigned>(m_lines.size()); }
+
+    /// The line without its end; past the last line, or for a discarded one, the empty string.
+    LightweightString<char> operator[](unsigned line) const {
+        return LightweightString<char>(lineView(line));
+    }
+
+    /// The same without a copy; valid until the lines change.
+    std::string_view lineView(unsigned line) const noexcept {
+        return line < m_lines.size() ? m_lines[line] : std::string_view();
+    }
+
+    void appendLine(const LightweightString<char>& text);
+
+    /// The two halves of appending a line without a string in between: room for a line of at most `longest`
+    /// bytes; then the line, which begins where the room does and ends at `end`. Without the second call
+    /// nothing is appended.
+    char* beginLine(std::size_t longest);
+    void endLine(char* end);
+
+    /// The index of the line that the next reader takes.
+    unsigned cursor() const noexcept { return m_cursor; }
+    void setCursor(unsigned line) noexcept { m_cursor = line; }
+
+    /// For readers that do not come back: lines before the cursor may be forgotten and their memory given
+    /// back.
+    void discardRead() noexcept;
+
+ private:
+    struct Block;
+
+    void clear() noexcept;
+    Block& addBlock(std::size_t capacity);
+    bool readBlocks(int file, char separator);
+
+    std::vector<Block> m_blocks;
+    std::vector<std::string_view> m_lines;
+    std::size_t m_firstKeptBlock = 0;
+    unsigned m_cursor = 0;
+};

@@ -1,0 +1,13 @@
+// The root of every counted object: one count, however many roads of inheritance lead to it.
+#pragma once
+
+#include "support/Ptr.h"
+
+/// Hold heirs through Zr::Ptr; the last Ptr destroys them.
+class KESTA_API iObject : public virtual Zr::InternalRefCount, public virtual iVirtual {
+ public:
+    iObject() = default;
+    iObject(const iObject&) = default;
+    iObject& operator=(const iObject&) = default;
+    ~iObject() override;
+};

@@ -1,0 +1,2 @@
+// The program kesta.
+int main() { return 0; }
