@@ -43,6 +43,9 @@ class KESTA_API dbrecord : public iObject {
 
     unsigned short get_num_fields() const noexcept { return static_cast<unsigned short>(m_fields.size()); }
 
+    /// All fields, those past the 65535th among them.
+    const std::vector<LightweightString<char>>& fields() const noexcept { return m_fields; }
+
     /// The field's text, "" when empty; null when `i` is out of range. Valid until the field changes.
     const char* get_field(unsigned short i) const noexcept;
 
@@ -81,8 +84,8 @@ class KESTA_API dbrecord : public iObject {
     /// Removes field `i`; the later ones move down.
     void removeField(unsigned short i);
 
-    /// Appends empty fields up to `n`, or drops those from `n` on. Does nothing when `n` is negative or
-    /// `fill` is null; what `fill` points to and the flag are not used.
+    /// Appends empty fields up to `n` (at most 65535), or drops those from `n` on. Does nothing when `n` is
+    /// negative or `fill` is null; what `fill` points to and the flag are not used.
     void resizeRecord(int n, int* fill, bool flag);
 
     /// Does nothing; kept because callers are built against it.

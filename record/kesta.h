@@ -314,15 +314,23 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     int merge_all_matching(kesta* other);
 
  private:
-    class ColumnWidths;
+    static constexpr unsigned notFound = static_cast<unsigned>(-1);
+    static constexpr unsigned mostFieldNumber = 0xFFFF;
+    static constexpr int currentRevision = 1;
+
+    static LightweightString<char> fieldTypeToString(DBFieldTypes::eType type);
+    std::vector<unsigned> measureWidths() const;
 
     bool isShown(unsigned row) const noexcept;
     Zr::Ptr<dbrecord> listedRecord(unsigned row) const;
     void appendRecord(Zr::Ptr<dbrecord> record);
     void buildIdentifierIndex() const;
-    bool readColumns(TextFile& file, const dbrecord& marker, bool strict);
+    void readColumns(TextFile& file);
+    void takeColumnNames(const dbrecord& names);
+    void appendParam(const LightweightString<char>& line);
     void loadCSV(const TextFile& file);
     int saveWithHeader(bool namesOnly);
+    void saveWidths(TextFile& file) const;
 
     // Columns; a column's number is its index.
     std::vector<DBFieldDesc> m_fields;
@@ -338,6 +346,10 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     // Caches, filled on demand; empty counts as not built.
     mutable CookieIndex m_identifiers;
     mutable FieldNameIndex m_fieldNames;
+
+    // While a header is being written: the greatest length in each column, measured in one pass. Empty
+    // otherwise.
+    mutable std::vector<unsigned> m_measuredWidths;
 
     // One flag for each column: isSpecialLabelField.
     std::vector<bool> m_specialLabels;

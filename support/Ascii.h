@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 
 namespace Ascii {
 
@@ -26,6 +27,14 @@ constexpr bool isDigit(Char c) noexcept {
 template <class Char>
 constexpr Char fold(Char c) noexcept {
     return c >= Char('A') && c <= Char('Z') ? static_cast<Char>(c + ('a' - 'A')) : c;
+}
+
+/// Whether the text is empty or holds nothing but white space.
+inline bool isBlank(std::string_view text) noexcept {
+    for (const char c : text) {
+        if (!isSpace(c)) return false;
+    }
+    return true;
 }
 
 /// Compares two zero-terminated texts by their folded bytes, at most `limit` of them: negative, zero or

@@ -18,7 +18,7 @@ class KESTA_API TextFile {
     /// How save ends each line: 0 is CR LF, 1 is LF.
     enum eEOLStyle : int { eCRLF = 0, eLF = 1 };
 
-    TextFile() noexcept = default;
+    TextFile() noexcept;
     TextFile(const TextFile&) = delete;
     TextFile& operator=(const TextFile&) = delete;
     ~TextFile();
@@ -38,7 +38,7 @@ class KESTA_API TextFile {
     /// The number of lines.
     unsigned size() const noexcept { return static_cast<unsigned>(m_lines.size()); }
 
-    /// The line without its end; past the last line, or for a discarded one, the empty string.
+    /// The line without its end; past the last line, or for a forgotten one, the empty string.
     LightweightString<char> operator[](unsigned line) const {
         return LightweightString<char>(lineView(line));
     }
@@ -58,11 +58,17 @@ class KESTA_API TextFile {
 
     /// The index of the line that the next reader takes.
     unsigned cursor() const noexcept { return m_cursor; }
-    void setCursor(unsigned line) noexcept { m_cursor = line; }
 
-    /// For readers that do not come back: lines before the cursor may be forgotten and their memory given
-    /// back.
-    void discardRead() noexcept;
+    /// Moves the cursor. Readers that go on to the next line do so when they are done with the one they have
+    /// read.
+    void setCursor(unsigned line) noexcept {
+        m_cursor = line;
+        if (m_forgetful) forgetRead();
+    }
+
+    /// From now on lines before the cursor may be forgotten, and their memory given back: for files that are
+    /// read once, from front to back.
+    void forgetReadLines() noexcept { m_forgetful = true; }
 
  private:
     struct Block;
@@ -70,9 +76,13 @@ class KESTA_API TextFile {
     void clear() noexcept;
     Block& addBlock(std::size_t capacity);
     bool readBlocks(int file, char separator);
+    bool writeLines(int file, eEOLStyle style) const;
+    void forgetRead() noexcept;
 
+    // Each line's bytes lie in one block. A block's end line is the number of lines up to and with its last.
     std::vector<Block> m_blocks;
     std::vector<std::string_view> m_lines;
     std::size_t m_firstKeptBlock = 0;
     unsigned m_cursor = 0;
+    bool m_forgetful = false;
 };

@@ -1,0 +1,167 @@
+#include "record/RecordLine.h"
+
+#include <cstring>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+#include "record/RecentTexts.h"
+#include "support/Ascii.h"
+
+namespace {
+
+/// The first byte in begin .. end that is one of the three; `end` when none is. Sixteen bytes at a time where
+/// possible.
+template <char A, char B, char C>
+const char* findOneOf(const char* begin, const char* end) noexcept {
+#if defined(__SSE2__)
+    const __m128i a = _mm_set1_epi8(A);
+    const __m128i b = _mm_set1_epi8(B);
+    const __m128i c = _mm_set1_epi8(C);
+    for (; end - begin >= 16; begin += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(begin));
+        const __m128i hits = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(bytes, a), _mm_cmpeq_epi8(bytes, b)),
+                                          _mm_cmpeq_epi8(bytes, c));
+        const int mask = _mm_movemask_epi8(hits);
+        if (mask != 0) return begin + __builtin_ctz(static_cast<unsigned>(mask));
+    }
+#endif
+    while (begin != end && *begin != A && *begin != B && *begin != C) ++begin;
+    return begin;
+}
+
+std::string_view withoutTrailingSpace(const char* begin, const char* end) noexcept {
+    while (end != begin && Ascii::isSpace(end[-1])) --end;
+    return {begin, static_cast<std::size_t>(end - begin)};
+}
+
+/// Takes a line apart, field by field.
+class Reader {
+ public:
+    Reader(std::string_view line, std::vector<LightweightString<char>>& fields, RecentTexts* recent) noexcept
+        : m_at(line.data()), m_end(line.data() + line.size()), m_fields(fields), m_recent(recent) {}
+
+    int readAll() {
+        int count = 0;
+        while (m_at != m_end) {
+            ++count;
+            if (Ascii::isControl(*m_at)) {
+                ++m_at;  // counts, but is no field: callers see that the line is not as it should be
+            } else {
+                readField();
+            }
+        }
+        return count;
+    }
+
+ private:
+    void readField() {
+        const bool quoted = *m_at == '"';
+        if (quoted) ++m_at;
+        while (m_at != m_end && Ascii::isSpace(*m_at)) ++m_at;
+        if (!(quoted ? readPlainQuoted() : readPlainUnquoted())) readWithEscapes(quoted);
+        if (m_at != m_end) ++m_at;  // the comma, or the byte at which a long field was cut
+    }
+
+    // Text up to a closing quote with nothing but the comma or the end behind it.
+    bool readPlainQuoted() {
+        const char* const stop = findOneOf<'"', '\\', '\\'>(m_at, m_end);
+        if (stop == m_end || *stop != '"' || !isShort(stop)) return false;
+        if (stop + 1 != m_end && stop[1] != ',') return false;
+        append(withoutTrailingSpace(m_at, stop));
+        m_at = stop + 1;
+        return true;
+    }
+
+    bool readPlainUnquoted() {
+        const char* const stop = findOneOf<'"', '\\', ','>(m_at, m_end);
+        if ((stop != m_end && *stop != ',') || !isShort(stop)) return false;
+        append(withoutTrailingSpace(m_at, stop));
+        m_at = stop;
+        return true;
+    }
+
+    // A field of just the greatest length is cut before its closing quote is seen, so it is no plain one.
+    bool isShort(const char* stop) const noexcept {
+        return static_cast<std::size_t>(stop - m_at) < RecordLine::longestField;
+    }
+
+    void readWithEscapes(bool quoted) {
+        char buffer[RecordLine::longestField + 1];  // two backslashes are stored together
+        char* out = buffer;
+        const char* const full = buffer + RecordLine::longestField;
+        while (m_at != m_end && out < full) {
+            const bool last = m_at + 1 == m_end;
+            if (*m_at == '"') {
+                if (!last && m_at[1] == '"') {
+                    *out++ = '"';
+                    m_at += 2;
+                } else {
+                    ++m_at;  // a quote inside an unquoted field is simply dropped
+                    quoted = false;
+                }
+            } else if (*m_at == '\\' && !last && m_at[1] == 'n') {
+                *out++ = '\n';
+                m_at += 2;
+            } else if (*m_at == '\\' && !last && m_at[1] == '\\') {
+                *out++ = '\\';
+                *out++ = '\\';
+                m_at += 2;
+            } else if (*m_at == ',' && !quoted) {
+                break;
+            } else {
+                *out++ = *m_at++;
+            }
+        }
+        append(withoutTrailingSpace(buffer, out < full ? out : full));
+    }
+
+    void append(std::string_view text) {
+        const std::size_t column = m_fields.size();
+        m_fields.push_back(m_recent ? m_recent->share(column, text) : LightweightString<char>(text));
+    }
+
+    const char* m_at;
+    const char* const m_end;
+    std::vector<LightweightString<char>>& m_fields;
+    RecentTexts* const m_recent;
+};
+
+}  // namespace
+
+int RecordLine::read(std::string_view line, std::vector<LightweightString<char>>& fields,
+                     RecentTexts* recent) {
+    return Ascii::isBlank(line) ? 0 : Reader(line, fields, recent).readAll();
+}
+
+std::size_t RecordLine::longestLine(const std::vector<LightweightString<char>>& fields) noexcept {
+    std::size_t longest = 0;
+    for (const auto& field : fields) longest += 2 * std::size_t(field.length()) + 3;
+    return longest;
+}
+
+char* RecordLine::write(const std::vector<LightweightString<char>>& fields, char* out) noexcept {
+    for (const auto& field : fields) {
+        if (&field != &fields.front()) *out++ = ',';
+        *out++ = '"';
+        const char* at = field.c_str();
+        const char* const end = at + field.length();
+        while (at != end) {
+            const char* const stop = findOneOf<'"', '\r', '\n'>(at, end);
+            std::memcpy(out, at, static_cast<std::size_t>(stop - at));
+            out += stop - at;
+            at = stop;
+            if (at == end) break;
+            if (*at == '"') {
+                *out++ = '"';
+                *out++ = '"';
+            } else if (*at == '\n') {
+                *out++ = '\\';
+                *out++ = 'n';
+            }
+            ++at;
+        }
+        *out++ = '"';
+    }
+    return out;
+}

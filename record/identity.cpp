@@ -1,0 +1,48 @@
+// kesta's records by identifier: the text of their "cookie" column, and the index over it.
+#include "record/kesta.h"
+
+namespace {
+constexpr const char* identifierColumn = "cookie";
+}
+
+bool kesta::set_field(unsigned row, const Cookie& id) {
+    const Zr::Ptr<dbrecord> record = get_record(row);
+    const unsigned column = get_fieldnum(identifierColumn);
+    if (!record || column == notFound) return false;
+    const bool stored = record->setField(static_cast<unsigned short>(column), id.asString(false));
+    // Filed even into an index that was never built, which then holds just this row and counts as built; an
+    // entry for the record's previous identifier stays. Both deliberate.
+    m_identifiers.assign(id, row);
+    return stored;
+}
+
+Zr::Ptr<dbrecord> kesta::addRecord(const Cookie& id) {
+    Zr::Ptr<dbrecord> record = newRecord();
+    appendRecord(record);
+    const unsigned column = get_fieldnum(identifierColumn);
+    if (column == notFound) return record;
+    record->setField(static_cast<unsigned short>(column), id.asString(false));
+    if (!m_identifiers.empty()) m_identifiers.insert(id, static_cast<unsigned>(m_records.size() - 1));
+    return record;
+}
+
+unsigned kesta::getRowIndexByID(const Cookie& id) const {
+    if (m_identifiers.empty()) buildIdentifierIndex();
+    return m_identifiers.find(id);
+}
+
+void kesta::buildIdentifierIndex() const {
+    const unsigned column = get_fieldnum(identifierColumn);
+    if (column == notFound) return;
+    CookieIndex rows;
+    rows.reserve(get_num_records());
+    for (unsigned row = 0; row < get_num_records(); ++row) {
+        rows.insert(Cookie(getField(row, column).c_str(), false), row);
+    }
+    std::swap(m_identifiers, rows);
+}
+
+Zr::Ptr<dbrecord> kesta::get_record(const Cookie& id) const {
+    const unsigned row = getRowIndexByID(id);
+    return static_cast<int>(row) < 0 ? Zr::Ptr<dbrecord>() : listedRecord(row);
+}
