@@ -11,16 +11,16 @@ namespace {
 class Decimal {
  public:
     template <class Number>
-    explicit Decimal(Number number) noexcept
-        : m_end(std::to_chars(m_digits.data(), m_digits.data() + m_digits.size(), number).ptr) {}
-
-    std::string_view view() const noexcept {
-        return {m_digits.data(), static_cast<std::size_t>(m_end - m_digits.data())};
+    explicit Decimal(Number number) noexcept {
+        const char* const end = std::to_chars(m_digits, m_digits + sizeof m_digits, number).ptr;
+        m_length = static_cast<std::size_t>(end - m_digits);
     }
 
+    std::string_view view() const noexcept { return {m_digits, m_length}; }
+
  private:
-    std::array<char, 16> m_digits;
-    const char* m_end;
+    char m_digits[16];
+    std::size_t m_length;
 };
 
 bool equalFolded(std::string_view a, std::string_view b) noexcept {
