@@ -131,7 +131,7 @@ class Reader {
 
 int RecordLine::read(std::string_view line, std::vector<LightweightString<char>>& fields,
                      RecentTexts* recent) {
-    return Ascii::isBlank(line) ? 0 : Reader(line, fields, recent).readAll();
+    return Ascii::trimmed(line).empty() ? 0 : Reader(line, fields, recent).readAll();
 }
 
 std::size_t RecordLine::longestLine(const std::vector<LightweightString<char>>& fields) noexcept {

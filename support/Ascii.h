@@ -29,12 +29,22 @@ constexpr Char fold(Char c) noexcept {
     return c >= Char('A') && c <= Char('Z') ? static_cast<Char>(c + ('a' - 'A')) : c;
 }
 
-/// Whether the text is empty or holds nothing but white space.
-inline bool isBlank(std::string_view text) noexcept {
-    for (const char c : text) {
-        if (!isSpace(c)) return false;
-    }
-    return true;
+/// The capital form of an ASCII letter; every other character is its own.
+template <class Char>
+constexpr Char upper(Char c) noexcept {
+    return c >= Char('a') && c <= Char('z') ? static_cast<Char>(c - ('a' - 'A')) : c;
+}
+
+template <class Char>
+constexpr bool isLetter(Char c) noexcept {
+    return fold(c) >= Char('a') && fold(c) <= Char('z');
+}
+
+/// The text without the white space around it.
+constexpr std::string_view trimmed(std::string_view text) noexcept {
+    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
+    return text;
 }
 
 /// Compares two zero-terminated texts by their folded bytes, at most `limit` of them: negative, zero or

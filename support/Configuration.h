@@ -27,10 +27,12 @@ class KESTA_API strp_field {
     LightweightString<char> m_value;
 };
 
-/// A configuration block: values by key. Keys compare by their bytes.
+/// A configuration block: values by key. Keys compare by their bytes; a null key is the empty one.
 class KESTA_API configb {
  public:
     configb();
+    configb(const configb&) = delete;
+    configb& operator=(const configb&) = delete;
     ~configb();
 
     void set(const char* key, const strp_field& value);

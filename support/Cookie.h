@@ -33,8 +33,8 @@ class KESTA_API Cookie {
     /// The null identifier.
     Cookie() noexcept = default;
 
-    Cookie(const Zr::UUID& uuid, CookieType type, unsigned char qualifier) noexcept
-        : m_uuid(uuid), m_type(type), m_qualifier(qualifier) {}
+    /// A small kind letter counts as its capital; a kind that is no letter gives the null identifier.
+    Cookie(const Zr::UUID& uuid, CookieType type, unsigned char qualifier) noexcept;
 
     /// Null is the empty text. `flag` makes no difference to reading.
     Cookie(const char* text, bool flag) noexcept;
@@ -49,7 +49,7 @@ class KESTA_API Cookie {
     const Zr::UUID& uuid() const noexcept { return m_uuid; }
     CookieType type() const noexcept { return m_type; }
     unsigned char qualifier() const noexcept { return m_qualifier; }
-    bool isNull() const noexcept { return compare(Cookie()) == 0; }
+    bool isNull() const noexcept { return m_type == 0; }
 
     friend bool operator==(const Cookie& a, const Cookie& b) noexcept { return a.compare(b) == 0; }
     friend bool operator!=(const Cookie& a, const Cookie& b) noexcept { return a.compare(b) != 0; }
@@ -57,9 +57,9 @@ class KESTA_API Cookie {
 
  private:
     Zr::UUID m_uuid;
-    CookieType m_type = 0;
+    CookieType m_type = 0;  // a capital letter, or 0 with everything else 0
     unsigned char m_qualifier = 0;
 };
 
-/// The same UUID with another kind and qualifier.
+/// The same UUID with another kind and qualifier, which mean what they mean to the constructor.
 KESTA_API Cookie convertCookie(const Cookie& cookie, CookieType type, unsigned char qualifier) noexcept;

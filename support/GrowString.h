@@ -9,6 +9,7 @@ class KESTA_API GrowString {
     GrowString();
     ~GrowString();
 
+    /// Null adds nothing.
     void append(const char* text);
     void append(char character);
 

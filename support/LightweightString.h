@@ -9,6 +9,7 @@
 // Zr::Exception::BadAlloc and leave the string as it was.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -84,8 +85,8 @@ class LightweightString {
         if (!m_body || !m_body->isUnshared() || m_body->capacity < wanted) {
             // A body made for a longer text; `text` may lie in the old one, which stays alive until the copy
             // is done.
-            BodyPtr roomier =
-                Body::make(view(), m_body ? std::max(wanted, 2 * std::size_t(length())) : wanted);
+            const std::size_t doubled = std::min(2 * std::size_t(length()), Body::largest);
+            BodyPtr roomier = Body::make(view(), std::max(wanted, doubled));
             std::memcpy(roomier->characters() + length(), text.data(), text.size() * sizeof(Char));
             m_body.swap(roomier);
         } else {
@@ -134,6 +135,8 @@ class LightweightString {
         std::uint32_t length;
         std::uint32_t capacity;
 
+        static constexpr std::size_t largest = std::numeric_limits<std::uint32_t>::max() / sizeof(Char) - 64;
+
         Char* characters() noexcept { return reinterpret_cast<Char*>(this + 1); }
         bool isUnshared() const noexcept { return count.load(std::memory_order_acquire) == 1; }
 
@@ -141,7 +144,6 @@ class LightweightString {
         /// counted.
         static BodyPtr make(View text, std::size_t capacity) {
             // Blocks of the C library's heap hold 16 k + 8 bytes: the room up to there costs nothing.
-            constexpr std::size_t largest = std::numeric_limits<std::uint32_t>::max() / sizeof(Char) - 64;
             if (capacity > largest) throw Zr::Exception::BadAlloc();
             const std::size_t needed = sizeof(Body) + (capacity + 1) * sizeof(Char);
             const std::size_t size = needed <= 24 ? 24 : (needed - 8 + 15) / 16 * 16 + 8;

@@ -30,8 +30,9 @@ class InternalRefCount {
     InternalRefCount(const InternalRefCount&) noexcept {}
     InternalRefCount& operator=(const InternalRefCount&) noexcept { return *this; }
 
-    /// How many Ptrs hold the object, at some moment during the call.
-    std::int32_t refCount() const noexcept { return m_count.load(std::memory_order_relaxed); }
+    /// How many Ptrs hold the object, at some moment during the call. Who reads 1 from its own Ptr is alone:
+    /// all that earlier holders did to the object has happened.
+    std::int32_t refCount() const noexcept { return m_count.load(std::memory_order_acquire); }
 
  protected:
     ~InternalRefCount() = default;

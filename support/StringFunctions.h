@@ -34,7 +34,7 @@ KESTA_API LightweightString<char> toUTF8(const LightweightString<wchar_t>& text)
 KESTA_API LightweightString<wchar_t> stripPathAndExt(const LightweightString<wchar_t>& fileName);
 
 /// Whether something of that name exists (a folder counts).
-KESTA_API bool fileExists(const LightweightString<wchar_t>& fileName) noexcept;
+KESTA_API bool fileExists(const LightweightString<wchar_t>& fileName);
 
 /// Whether the text is empty or holds nothing but white space.
 KESTA_API bool isEssentiallyEmpty(const LightweightString<char>& text) noexcept;

@@ -1,0 +1,12 @@
+#include "support/GrowString.h"
+
+GrowString::GrowString() = default;
+GrowString::~GrowString() = default;
+
+void GrowString::append(const char* text) {
+    m_text += text;
+}
+
+void GrowString::append(char character) {
+    m_text += character;
+}

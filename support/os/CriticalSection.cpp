@@ -1,0 +1,12 @@
+#include "support/CriticalSection.h"
+
+CriticalSection::CriticalSection() = default;
+CriticalSection::~CriticalSection() = default;
+
+void CriticalSection::enter() {
+    m_mutex.lock();
+}
+
+void CriticalSection::leave() noexcept {
+    m_mutex.unlock();
+}

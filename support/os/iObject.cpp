@@ -1,0 +1,4 @@
+#include "support/iObject.h"
+
+iVirtual::~iVirtual() = default;
+iObject::~iObject() = default;
