@@ -9,10 +9,9 @@
 // while a listener runs.
 #pragma once
 
+#include <atomic>
 #include <functional>
-#include <memory>
 
-#include "support/CriticalSection.h"
 #include "support/Export.h"
 #include "support/IdStamp.h"
 #include "support/NotifyMsg.h"
@@ -44,9 +43,13 @@ class MethodCallback {
 /// What notifiers of every message class share.
 class KESTA_API NotifierBase {
  public:
+    /// The Guard that every registration answers.
     class CallbackGuard;
 
  protected:
+    struct Place;
+    class ListenerTable;
+
     NotifierBase() = default;
     ~NotifierBase() = default;
 };
@@ -71,42 +74,41 @@ class GenericNotifier : public NotifierBase {
     virtual ~GenericNotifier();
 
     /// Registers a callback for messages of `type`. The registration ends when the last copy of the answered
-    /// guard is released, which may be after the notifier has gone.
+    /// guard is released, which may be after the notifier has gone. An empty callback gets no guard.
     Zr::Ptr<Zr::Guard> registerNotification(int type, Callback callback);
 
-    /// Registers a client, not owned, under its stamp. The guard works as above.
+    /// Registers a client, not owned, under its stamp. The guard works as above; a null client gets none.
     Zr::Ptr<Zr::Guard> registerNotification(int type, Client* client);
 
-    /// Ends all registrations under the stamp.
+    /// Ends all registrations under the stamp. Searches all registrations, so a guard is the cheaper way.
     void deregisterNotification(const IdStamp& stamp);
 
     /// Ends the guard's registration and empties the Ptr. Null, and a guard of another notifier, are only
     /// emptied.
     void deregisterNotification(Zr::Ptr<Zr::Guard>& guard);
 
-    /// Delivers the message to every listener registered for `type`.
+    /// Delivers the message to every listener registered for `type`. What a listener throws is passed on;
+    /// those after it do not get the message.
     void issueNotification(const Message& message, int type) const;
 
-    /// Whether anybody is registered for `type`: an issuer may spare itself the message when not.
+    /// Whether anybody is registered for `type`: an issuer may spare itself the message when not. Cheap.
     bool hasListeners(int type) const;
 
  private:
-    struct Listeners;
-    std::shared_ptr<Listeners> m_listeners;
+    class Listeners;
+
+    Listeners& madeListeners();
+    Zr::Ptr<Zr::Guard> add(int type, const IdStamp& stamp, Callback callback);
+
+    // Null until the first registration: most objects never have a listener. The share is set by whoever set
+    // the pointer, and read by the destructor only.
+    std::atomic<Listeners*> m_listeners{nullptr};
+    Zr::Ptr<Listeners> m_share;
 };
 
 extern template class KESTA_API GenericNotifier<NotifyMsg>;
 
-class KESTA_API NotifierBase::CallbackGuard : public Zr::Guard {
- public:
-    explicit CallbackGuard(std::function<void()> deregister);
-    ~CallbackGuard() override;
-
- private:
-    std::function<void()> m_deregister;
-};
-
-/// The notifier of NotifyMsg messages. Listeners belong to one object: a copy starts without any.
+/// The notifier of NotifyMsg messages. Listeners belong to one object and are never copied.
 class KESTA_API Notifier : public GenericNotifier<NotifyMsg> {
  public:
     Notifier();

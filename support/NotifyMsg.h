@@ -3,6 +3,10 @@
 // Thread-safety: the type dictionary may be used from any thread; messages are plain values.
 #pragma once
 
+#include <map>
+#include <string_view>
+
+#include "support/CriticalSection.h"
 #include "support/Export.h"
 #include "support/LightweightString.h"
 #include "support/iObject.h"
@@ -36,11 +40,11 @@ class KESTA_API NotifyMsgTypeDictionary {
     NotifyMsgTypeDictionary& operator=(const NotifyMsgTypeDictionary&) = delete;
 
  private:
-    NotifyMsgTypeDictionary();
-    ~NotifyMsgTypeDictionary();
+    NotifyMsgTypeDictionary() = default;
+    ~NotifyMsgTypeDictionary() = default;
 
-    struct Names;
-    Names* m_names;
+    CriticalSection m_lock;
+    std::map<LightweightString<char>, int> m_numbers;
 };
 
 /// Walks the words of a message text, which spaces separate. Begins on the first word. The text must outlive

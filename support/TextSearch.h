@@ -5,6 +5,8 @@
 // it.
 #pragma once
 
+#include <array>
+#include <string_view>
 #include <vector>
 
 #include "support/Export.h"
@@ -20,20 +22,23 @@ enum eOption : unsigned {
     eSeparatorsEqual = 2,  ///< The separators ":;.," are one character.
 };
 
-/// One text to look for, and where.
+/// One text to look for, and where. Case is that of ASCII letters; a zero character is a character like any
+/// other.
 class KESTA_API Criterion {
  public:
+    /// A method that is none of eMatchMethod counts as eWhole.
     Criterion(const LightweightString<char>& text, eMatchMethod method);
 
-    const LightweightString<char>& text() const noexcept { return m_text; }
+    const LightweightString<char>& text() const noexcept { return m_canonical[eMatchCase]; }
     eMatchMethod method() const noexcept { return m_method; }
 
-    /// An empty text matches everything.
+    /// An empty text matches everything. Bits of `options` beyond eOption are ignored.
     bool matches(std::string_view text, unsigned options) const noexcept;
 
  private:
-    LightweightString<char> m_text;
-    LightweightString<char> m_folded;
+    // The text as each sum of options compares it: characters that count as one are written as one. That of
+    // eMatchCase alone is the text itself.
+    std::array<LightweightString<char>, 4> m_canonical;
     eMatchMethod m_method;
 };
 
@@ -51,6 +56,9 @@ class KESTA_API Criteria {
 
     unsigned size() const noexcept { return static_cast<unsigned>(m_criteria.size()); }
 
+    /// Whether `text` satisfies all of them; `options` as for Criterion::matches.
+    bool matches(std::string_view text, unsigned options) const noexcept;
+
     /// The criterion at `index`; one without text when there is none.
     const Criterion& getCriterion(unsigned short index) const noexcept;
 
@@ -58,7 +66,8 @@ class KESTA_API Criteria {
     std::vector<Criterion> m_criteria;
 };
 
-/// Whether `text` satisfies all criteria; `options` is a sum of eOption bits, others are ignored.
+/// Whether `text` satisfies all criteria; `options` is a sum of eOption bits, others are ignored. The time is
+/// linear in the text for each criterion.
 KESTA_API bool match(const LightweightString<char>& text, const Criteria& criteria,
                      unsigned options) noexcept;
 
