@@ -2,6 +2,7 @@
 option(KESTA_TESTS "Build the tests" ON)
 option(KESTA_BENCH "Build the benchmarks" OFF)
 option(KESTA_FUZZ "Build the fuzzers (needs Clang)" OFF)
+option(KESTA_WERROR "Treat warnings as errors" ON)
 set(KESTA_SANITIZE "" CACHE STRING "Sanitizers to build with, as in -fsanitize: address,undefined or thread")
 
 set(CMAKE_CXX_STANDARD 17)
@@ -20,10 +21,16 @@ endif()
 
 add_library(kesta_options INTERFACE)
 target_include_directories(kesta_options INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
-target_compile_options(kesta_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+target_compile_options(kesta_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+                       $<$<BOOL:${KESTA_WERROR}>:-Werror>)
 
+# Release builds are hardened: checked calls of the C library, stack canaries, tables that are read-only after the
+# start, no executable stack. The sanitizers bring checks of their own.
 if(KESTA_SANITIZE)
     target_compile_options(kesta_options INTERFACE -fsanitize=${KESTA_SANITIZE} -fno-sanitize-recover=all
                            -fno-omit-frame-pointer)
     target_link_options(kesta_options INTERFACE -fsanitize=${KESTA_SANITIZE})
+elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
+    target_compile_options(kesta_options INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong)
+    target_link_options(kesta_options INTERFACE LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack)
 endif()

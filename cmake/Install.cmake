@@ -1,0 +1,30 @@
+# What `cmake --install` puts under a prefix: the libraries, their public headers, the program, the CMake package
+# kesta and the pkg-config file. The whole may be moved afterwards: each part finds the others from its own place.
+include(CMakePackageConfigHelpers)
+
+# Headers keep their folders. Every header of these folders is public but the internal ones.
+set(kesta_header_folders support expr record search view fieldmap container)
+set(kesta_internal_headers record/RecordLine.h)
+
+foreach(folder IN LISTS kesta_header_folders)
+    file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/${folder}/*.h)
+    list(REMOVE_ITEM headers ${kesta_internal_headers})
+    install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kesta/${folder})
+endforeach()
+
+file(RELATIVE_PATH libraries_from_programs ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+set_target_properties(kesta misc zr OS PROPERTIES INSTALL_RPATH "$ORIGIN")
+set_target_properties(kesta_program PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_programs}")
+install(TARGETS kesta misc zr OS EXPORT kesta_targets)
+install(TARGETS kesta_program)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/kesta)
+install(EXPORT kesta_targets NAMESPACE kesta:: FILE kesta-targets.cmake DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/kesta-config-version.cmake COMPATIBILITY SameMajorVersion)
+install(FILES cmake/kesta-config.cmake ${PROJECT_BINARY_DIR}/kesta-config-version.cmake
+        DESTINATION ${package_dir})
+
+set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH prefix_from_pkgconfig ${CMAKE_INSTALL_PREFIX}/${pkgconfig_dir} ${CMAKE_INSTALL_PREFIX})
+configure_file(cmake/kesta.pc.in ${PROJECT_BINARY_DIR}/kesta.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/kesta.pc DESTINATION ${pkgconfig_dir})

@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Installs the release build under a prefix, moves the prefix, and checks it from outside: the program runs, every header
+# stands on its own, applications build with it by way of CMake and of pkg-config.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cmake --install build/release --prefix "$work/first" >/dev/null
+mv "$work/first" "$work/moved"
+prefix=$work/moved
+
+"$prefix/bin/kesta" --help >/dev/null
+
+# The libraries' operator new and delete are their own business.
+if nm --dynamic --defined-only "$prefix"/lib/lib*.so | grep -E ' _Z(nw|na|dl|da)'; then
+    echo "check-install: a library exports operator new or delete" >&2
+    exit 1
+fi
+
+warnings=(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+(cd "$prefix/include/kesta" && find . -name '*.h' -printf '#include "%P"\n') | while read -r include; do
+    g++ -std=c++17 "${warnings[@]}" -fsyntax-only -I "$prefix/include/kesta" -x c++ - <<<"$include"
+done
+
+cmake -S tests/consumer -B "$work/build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+cmake --build "$work/build" -- --quiet
+"$work/build/consumer"
+
+export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
+# shellcheck disable=SC2046  # flags are words
+g++ -std=c++17 "${warnings[@]}" tests/consumer/main.cpp -o "$work/by-pkg-config" $(pkg-config --cflags --libs kesta)
+LD_LIBRARY_PATH=$prefix/lib "$work/by-pkg-config"
