@@ -148,8 +148,8 @@ inline Zr::Ptr<kesta> makeDatabase(const std::vector<DBFieldDesc>& columns,
 }
 
 /// All columns are text.
-inline Zr::Ptr<kesta> makeDatabase(const std::vector<std::string>& columns,
-                                   const std::vector<Fields>& rows = {}) {
+inline Zr::Ptr<kesta> makeTextDatabase(const std::vector<std::string>& columns,
+                                       const std::vector<Fields>& rows = {}) {
     return makeDatabase(textColumns(columns), rows);
 }
 
