@@ -362,6 +362,7 @@ class KESTA_API kesta : public KSTBase, public Notifier {
 
     // One entry for each column by position; empty when no query is set.
     std::vector<TextSearch::Criteria> m_query;
+    std::vector<unsigned> m_conditions;  // the entries of m_query that are not empty, while there are any
     int m_matchOptions = 0;
 };
 

@@ -1,0 +1,225 @@
+// Sorting records by a few bytes of their keys at a time.
+//
+// What a record sorts by is seen as a row of 64-bit words, eight characters in each, that compare as the
+// comparators compare the texts. The records are sorted by their first words; each group that is still level
+// is sorted by its next ones, and so on. So a text is fetched once for each key, most comparisons are of two
+// numbers that stand side by side, and the cost stays linear in the characters that decide, however alike the
+// texts are.
+#include "record/SortKeys.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string_view>
+
+#include "record/dbrecord.h"
+#include "record/kesta.h"
+#include "support/Ascii.h"
+
+SortKeys sortKeys;
+
+namespace {
+
+using Word = std::uint64_t;
+constexpr unsigned wordSize = sizeof(Word);
+
+struct Key {
+    unsigned short field;
+    KeyRule rule;
+};
+
+struct Entry {
+    Word word;
+    const char* text;
+    unsigned length;
+    unsigned row;
+};
+
+// Where in the words of its key a group stands; equal for all its entries, as their words so far are equal.
+struct Place {
+    std::size_t key = 0;
+    unsigned offset = 0;
+    bool exact = false;  // in the second round of the dictionary rule, which minds case
+};
+
+struct Group {
+    std::size_t begin;
+    std::size_t end;
+    Place place;
+};
+
+// The first characters of a text as a number that compares as they do; zeros fill what the text lacks.
+Word leadingWord(const char* text, std::size_t length) noexcept {
+    Word word = 0;
+    if (length >= wordSize) {
+        for (unsigned i = 0; i < wordSize; ++i) word = word << 8 | static_cast<unsigned char>(text[i]);
+    } else {
+        for (unsigned i = 0; i < length; ++i) {
+            word |= Word(static_cast<unsigned char>(text[i])) << (56 - 8 * i);
+        }
+    }
+    return word;
+}
+
+// Ascii::fold of all eight characters at once. Adding to the low seven bits of a byte carries into its top
+// bit exactly when the byte reaches the bound.
+Word folded(Word word) noexcept {
+    constexpr Word ones = 0x0101010101010101;
+    const Word low = word & ones * 0x7F;
+    const Word fromA = low + ones * (0x80 - 'A');
+    const Word pastZ = low + ones * (0x7F - 'Z');
+    const Word capitals = (fromA ^ pastZ) & ~word & ones * 0x80;
+    return word | capitals >> 2;
+}
+
+class RecordSorter {
+ public:
+    RecordSorter(const std::vector<const dbrecord*>& records, bool descending)
+        : m_records(records), m_descending(descending) {
+        takeKeys();
+    }
+
+    std::vector<unsigned> order() {
+        m_entries.reserve(m_records.size());
+        for (unsigned row = 0; row < m_records.size(); ++row) {
+            if (m_records[row]) m_entries.push_back({0, nullptr, 0, row});
+        }
+        if (m_keys.empty()) {
+            moveBlanksBehind(0);
+        } else {
+            sortEntries();
+        }
+        return rows();
+    }
+
+ private:
+    void takeKeys() {
+        for (const int* field = cmp_fields; field && *field >= 0; ++field) {
+            const KeyRule rule = m_descending ? KeyRule::ignoringCase : sortKeys.rule(*field);
+            m_keys.push_back({static_cast<unsigned short>(*field), rule});
+        }
+    }
+
+    void sortEntries() {
+        m_groups.push_back({0, m_entries.size(), Place()});
+        while (!m_groups.empty()) {
+            Group group = m_groups.back();
+            m_groups.pop_back();
+            if (group.place.offset == 0 && !group.place.exact) fetchTexts(group);
+            fetchWords(group);
+            sortByWord(group);
+            keepLevelOnes(group);
+        }
+    }
+
+    // Gives each entry its text for the group's key. In ascending order those without one leave the group:
+    // they come behind the others, and for them the comparison ends here.
+    void fetchTexts(Group& group) {
+        const unsigned short field = m_keys[group.place.key].field;
+        m_withoutText.clear();
+        std::size_t kept = group.begin;
+        for (std::size_t i = group.begin; i < group.end; ++i) {
+            Entry& entry = m_entries[i];
+            const std::string_view text = m_records[entry.row]->getField(field).view();
+            if (text.empty() && !m_descending) {
+                m_withoutText.push_back(entry);
+                continue;
+            }
+            setText(entry, text);
+            m_entries[kept++] = entry;
+        }
+        const auto behind = m_entries.begin() + static_cast<std::ptrdiff_t>(kept);
+        std::copy(m_withoutText.begin(), m_withoutText.end(), behind);
+        // A record with text in the first key is not blank, so only the others need looking at.
+        if (group.place.key == 0 && !m_withoutText.empty()) moveBlanksBehind(kept);
+        group.end = kept;
+    }
+
+    void setText(Entry& entry, std::string_view text) const noexcept {
+        // The comparators see texts that end at a zero character.
+        text = text.substr(0, text.find('\0'));
+        if (!m_descending) {
+            while (!text.empty() && Ascii::isSpace(text.front())) text.remove_prefix(1);
+        }
+        entry.text = text.data();
+        entry.length = static_cast<unsigned>(text.size());
+    }
+
+    void fetchWords(const Group& group) noexcept {
+        const Place place = group.place;
+        const Word flip = m_descending ? ~Word(0) : 0;
+        for (std::size_t i = group.begin; i < group.end; ++i) {
+            Entry& entry = m_entries[i];
+            entry.word = 0;
+            if (place.offset < entry.length) {
+                entry.word = leadingWord(entry.text + place.offset, entry.length - place.offset);
+                if (!place.exact) entry.word = folded(entry.word);
+            }
+            entry.word ^= flip;
+        }
+    }
+
+    void sortByWord(const Group& group) {
+        const auto begin = m_entries.begin() + static_cast<std::ptrdiff_t>(group.begin);
+        const auto end = m_entries.begin() + static_cast<std::ptrdiff_t>(group.end);
+        const auto before = [](const Entry& a, const Entry& b) {
+            return a.word != b.word ? a.word < b.word : a.row < b.row;
+        };
+        if (!std::is_sorted(begin, end, before)) std::sort(begin, end, before);
+    }
+
+    void keepLevelOnes(const Group& group) {
+        for (std::size_t begin = group.begin; begin < group.end;) {
+            const Word word = m_entries[begin].word;
+            std::size_t end = begin + 1;
+            while (end < group.end && m_entries[end].word == word) ++end;
+            if (end - begin > 1) {
+                const Place next = following(group.place, m_descending ? ~word : word);
+                if (next.key < m_keys.size()) m_groups.push_back({begin, end, next});
+            }
+            begin = end;
+        }
+    }
+
+    // Where texts that are level in `word` go on.
+    Place following(Place place, Word word) const noexcept {
+        const KeyRule rule = m_keys[place.key].rule;
+        const bool textEnds = (word & 0xFF) == 0;
+        if (!textEnds) {
+            // The ninth character of a time code, the separator before the frames, is never compared.
+            const unsigned separator = rule == KeyRule::timecode && place.offset == 0 ? 1 : 0;
+            place.offset += wordSize + separator;
+            return place;
+        }
+        if (rule == KeyRule::dictionary && !place.exact) return {place.key, 0, true};
+        return {place.key + 1, 0, false};
+    }
+
+    void moveBlanksBehind(std::size_t begin) {
+        if (m_descending) return;
+        std::stable_partition(m_entries.begin() + static_cast<std::ptrdiff_t>(begin), m_entries.end(),
+                              [this](const Entry& entry) { return !m_records[entry.row]->is_blank(); });
+    }
+
+    std::vector<unsigned> rows() const {
+        std::vector<unsigned> rows;
+        rows.reserve(m_records.size());
+        for (const Entry& entry : m_entries) rows.push_back(entry.row);
+        for (unsigned row = 0; row < m_records.size(); ++row) {
+            if (!m_records[row]) rows.push_back(row);
+        }
+        return rows;
+    }
+
+    const std::vector<const dbrecord*>& m_records;
+    const bool m_descending;
+    std::vector<Key> m_keys;
+    std::vector<Entry> m_entries;
+    std::vector<Entry> m_withoutText;
+    std::vector<Group> m_groups;
+};
+
+}  // namespace
+
+std::vector<unsigned> sortedOrder(const std::vector<const dbrecord*>& records, bool descending) {
+    return RecordSorter(records, descending).order();
+}

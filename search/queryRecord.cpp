@@ -1,0 +1,130 @@
+// kesta: matching records against the query, and tagging by match or by distinct value.
+#include <algorithm>
+#include <cstring>
+
+#include "record/kesta.h"
+#include "support/Ascii.h"
+
+namespace {
+
+constexpr unsigned noField = static_cast<unsigned>(-1);
+
+// The columns that hold the two ends of one code range.
+struct LabelPair {
+    LightweightString<char> start;
+    LightweightString<char> end;
+};
+
+// The pair that a column belongs to, by its exact name; null when to none.
+const LabelPair* labelPairOf(const LightweightString<char>& name) {
+    static const LabelPair pairs[] = {
+        {"Start time", "End time"},         {"snd start", "snd end"},
+        {"start 24P code", "end 24P code"}, {"start keycode", "end keycode"},
+        {"start camcode", "end camcode"},   {"start inkcode", "end inkcode"},
+    };
+    const auto found = std::find_if(std::begin(pairs), std::end(pairs), [&name](const LabelPair& pair) {
+        return pair.start == name || pair.end == name;
+    });
+    return found == std::end(pairs) ? nullptr : found;
+}
+
+const LightweightString<char>& textOf(const dbrecord& record, unsigned field) noexcept {
+    return record.getField(static_cast<unsigned short>(field));
+}
+
+}  // namespace
+
+void kesta::set_query(dbrecord* query) {
+    if (!query || query->get_num_fields() < get_num_fields()) return;
+    const unsigned short count = query->get_num_fields();
+    std::vector<TextSearch::Criteria> criteria;
+    criteria.reserve(count);
+    for (unsigned short i = 0; i < count; ++i) {
+        criteria.emplace_back(TextSearch::Criterion(query->getField(i), TextSearch::eContains));
+    }
+    setQuery(criteria);
+}
+
+// A query text in either field of a pair finds the records whose range from start to end touches it.
+bool kesta::found_in_special_label_field(const dbrecord* record, int index) const {
+    const auto field = static_cast<unsigned>(index);
+    if (field >= m_query.size() || m_query[field].empty()) return true;
+    const LabelPair* const pair = field < m_fields.size() ? labelPairOf(m_fields[field].name) : nullptr;
+    if (!pair) return true;
+
+    const unsigned startField = get_fieldnum(pair->start);
+    if (!record || startField == noField) return false;
+    const LightweightString<char>& start = textOf(*record, startField);
+    if (start.empty()) return false;
+
+    // Only the first criterion counts, and only its text. As many characters as it has are compared, so it
+    // stands for every code that begins with it.
+    const LightweightString<char>& sought = m_query[field].getCriterion(0).text();
+    const unsigned length = sought.length();
+    const int againstStart = std::strncmp(sought.c_str(), start.c_str(), length);
+    if (againstStart == 0) return true;
+
+    const unsigned endField = get_fieldnum(pair->end);
+    if (endField == noField) return false;
+    const LightweightString<char>& end = textOf(*record, endField);
+    if (end.empty() || againstStart < 0) return false;
+    return std::strncmp(sought.c_str(), end.c_str(), length) <= 0;
+}
+
+bool kesta::match_field(const dbrecord* record, int index) const {
+    const auto field = static_cast<unsigned>(index);
+    if (field < m_specialLabels.size() && m_specialLabels[field]) {
+        return found_in_special_label_field(record, index);
+    }
+    if (field >= m_query.size() || m_query[field].empty()) return true;
+    return matchField(record, static_cast<unsigned short>(field), m_query[field]);
+}
+
+int kesta::match_record(const Zr::Ptr<dbrecord>& record) const {
+    if (!record || m_query.empty()) return -1;
+    // Fields without a condition match, so only the others are looked at.
+    for (const unsigned field : m_conditions) {
+        if (field >= get_num_fields()) break;
+        if (!match_field(record.get(), static_cast<int>(field))) return 0;
+    }
+    return 1;
+}
+
+int kesta::match_record(int row) const {
+    return match_record(get_record(static_cast<unsigned>(row)));
+}
+
+int kesta::tag_matching_records(int keepTags) {
+    if (m_query.empty()) return 0;
+    int count = 0;
+    for (unsigned row = 0; row < get_num_records(); ++row) {
+        // Deliberately not only 1: a row without a record, which answers -1, counts as well.
+        if (match_record(static_cast<int>(row)) != 0) {
+            ++count;
+            set_tag(row, 1);
+        } else if (keepTags == 0) {
+            set_tag(row, 0);
+        }
+    }
+    return count;
+}
+
+int kesta::tag_all_different(int field) {
+    set_all_tags(0);
+    set_show_tags_only(0);
+    set_sortfield(field);
+    sort(1, 0);
+
+    // What is longer than the buffer deliberately differs from its own cut copy: equal long values are all
+    // tagged.
+    char previous[256] = "";
+    for (unsigned row = 0; row < get_num_records(); ++row) {
+        const char* const value = getField(row, static_cast<unsigned>(field)).c_str();
+        if (Ascii::compareFolded(value, previous) == 0) continue;
+        const std::size_t length = strnlen(value, sizeof(previous) - 1);
+        std::memcpy(previous, value, length);
+        previous[length] = '\0';
+        set_tag(row, 1);
+    }
+    return get_num_tags();
+}
