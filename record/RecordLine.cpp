@@ -87,7 +87,7 @@ class Reader {
     }
 
     void readWithEscapes(bool quoted) {
-        char buffer[RecordLine::longestField + 1];  // two backslashes are stored together
+        char buffer[RecordLine::longestField];
         char* out = buffer;
         const char* const full = buffer + RecordLine::longestField;
         while (m_at != m_end && out < full) {
@@ -103,7 +103,7 @@ class Reader {
             } else if (*m_at == '\\' && !last && m_at[1] == 'n') {
                 *out++ = '\n';
                 m_at += 2;
-            } else if (*m_at == '\\' && !last && m_at[1] == '\\') {
+            } else if (*m_at == '\\' && !last && m_at[1] == '\\' && out + 1 < full) {
                 *out++ = '\\';
                 *out++ = '\\';
                 m_at += 2;
@@ -113,7 +113,7 @@ class Reader {
                 *out++ = *m_at++;
             }
         }
-        append(withoutTrailingSpace(buffer, out < full ? out : full));
+        append(withoutTrailingSpace(buffer, out));
     }
 
     void append(std::string_view text) {
