@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr unsigned noRow = static_cast<unsigned>(-1);
-
 void invert(dbrecord& record) noexcept {
     record.set_tag(record.get_tag() == 0 ? 1 : 0);
 }
@@ -47,7 +45,7 @@ int kesta::get_num_tags() {
 }
 
 unsigned kesta::delete_tagged_records() {
-    if (m_showTagsOnly) return noRow;
+    if (m_showTagsOnly) return notFound;
     unsigned deleted = 0;
     unsigned first = 0;
     unsigned length = 0;
@@ -94,16 +92,16 @@ unsigned kesta::index_tags() {
 
 unsigned kesta::get_new_row(unsigned rawRow) {
     if (!m_showTagsOnly) return rawRow;
-    if (rawRow >= m_records.size()) return noRow;
+    if (rawRow >= m_records.size()) return notFound;
     const auto found = std::find(m_taggedIndex.begin(), m_taggedIndex.end(), m_records[rawRow]);
-    return found == m_taggedIndex.end() ? noRow : static_cast<unsigned>(found - m_taggedIndex.begin());
+    return found == m_taggedIndex.end() ? notFound : static_cast<unsigned>(found - m_taggedIndex.begin());
 }
 
 unsigned kesta::get_raw_row(unsigned row) {
     if (!m_showTagsOnly) return row;
-    if (row >= m_taggedIndex.size()) return noRow;
+    if (row >= m_taggedIndex.size()) return notFound;
     for (unsigned raw = 0; raw < m_records.size(); ++raw) {
         if (m_records[raw] == m_taggedIndex[row]) return raw;
     }
-    return noRow;
+    return notFound;
 }

@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr unsigned noField = static_cast<unsigned>(-1);
-
 // The columns that hold the two ends of one code range.
 struct LabelPair {
     LightweightString<char> start;
@@ -53,7 +51,7 @@ bool kesta::found_in_special_label_field(const dbrecord* record, int index) cons
     if (!pair) return true;
 
     const unsigned startField = get_fieldnum(pair->start);
-    if (!record || startField == noField) return false;
+    if (!record || startField == notFound) return false;
     const LightweightString<char>& start = textOf(*record, startField);
     if (start.empty()) return false;
 
@@ -65,7 +63,7 @@ bool kesta::found_in_special_label_field(const dbrecord* record, int index) cons
     if (againstStart == 0) return true;
 
     const unsigned endField = get_fieldnum(pair->end);
-    if (endField == noField) return false;
+    if (endField == notFound) return false;
     const LightweightString<char>& end = textOf(*record, endField);
     if (end.empty() || againstStart < 0) return false;
     return std::strncmp(sought.c_str(), end.c_str(), length) <= 0;
