@@ -26,5 +26,6 @@ install(FILES cmake/kesta-config.cmake ${PROJECT_BINARY_DIR}/kesta-config-versio
 
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH prefix_from_pkgconfig ${CMAKE_INSTALL_PREFIX}/${pkgconfig_dir} ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" prefix_from_pkgconfig "${prefix_from_pkgconfig}")
 configure_file(cmake/kesta.pc.in ${PROJECT_BINARY_DIR}/kesta.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kesta.pc DESTINATION ${pkgconfig_dir})
