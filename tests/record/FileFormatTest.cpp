@@ -1,0 +1,647 @@
+// The database file: what is written, what is read, and what becomes of files that are not as they should be.
+#include <random>
+#include "tests/TestSupport.h"
+#include "tests/record/LineModel.h"
+
+using namespace TestSupport;
+
+namespace {
+
+const char* const exampleFile =
+    "\"KESTA:Rev 1\"\n"
+    "\"Mode:x\"\n"
+    "\"KESTA\"\n"
+    "\"32\",\"12\",\"1\"\n"
+    "\"text\",\"timecode\",\"text\"\n"
+    "\"Name\",\"Start time\",\"Tag\"\n"
+    "\"Shot 1\",\"01:00:00:00\",\"0\"\n"
+    "\"Shot 2\",\"01:00:10:00\",\"1\"\n";
+
+const char* const wrongCount = "kesta::add_text: returning because not all fields filled\n";
+const char* const noMoreLines = "kesta::add_text: returning because no more lines\n";
+
+const std::vector<DBFieldDesc> exampleColumns = {
+    {"Name", DBFieldTypes::eText}, {"Start time", DBFieldTypes::eTimecode}, {"Tag", DBFieldTypes::eText}};
+
+Zr::Ptr<kesta> makeExample() {
+    const Zr::Ptr<kesta> database =
+        makeDatabase(exampleColumns, {{"Shot 1", "01:00:00:00", ""}, {"Shot 2", "01:00:10:00", ""}});
+    database->add_param("Mode", "x");
+    database->set_tag(1, 1);
+    return database;
+}
+
+// A file with a header of columns a, b, c ... and these lines behind it.
+std::string fileOf(unsigned columns, const std::vector<std::string>& lines) {
+    std::string types;
+    std::string names;
+    for (unsigned i = 0; i < columns; ++i) {
+        const std::string comma = i == 0 ? "" : ",";
+        types += comma + "\"text\"";
+        names += comma + '"' + static_cast<char>('a' + i) + '"';
+    }
+    std::string content = "\"KESTA:Rev 1\"\n\"KESTA\"\n\"1\"\n" + types + '\n' + names + '\n';
+    for (const std::string& line : lines) content += line + '\n';
+    return content;
+}
+
+class File : public TempFolderTest {
+ protected:
+    Zr::Ptr<kesta> load(std::string_view content, int maxRecords = 1 << 30, bool strict = true) {
+        return loadDatabase(folder.with("a.kst", content), maxRecords, strict);
+    }
+
+    Zr::Ptr<kesta> loadCSV(std::string_view content, int maxRecords = 1 << 30) {
+        return loadDatabase(folder.with("a.csv", content), maxRecords);
+    }
+
+    int save(kesta& database, const std::filesystem::path& name = "a.kst") {
+        database.set_filename(wide(folder / name));
+        return database.save_text();
+    }
+
+    std::string saved(kesta& database) {
+        save(database);
+        return readFile(folder / "a.kst");
+    }
+
+    // Loads the content in the library and in the slow loader, and compares all there is to see.
+    void expectSameAsModel(const std::string& content, int maxRecords, bool strict) {
+        const LineModel::Database expected = LineModel::Loader(content).load(maxRecords, strict);
+        log.clear();
+        const Zr::Ptr<kesta> actual = load(content, maxRecords, strict);
+        const std::string shown = testing::PrintToString(content);
+        ASSERT_EQ(actual->get_valid(), expected.valid) << shown;
+        ASSERT_EQ(actual->get_revision(), expected.revision) << shown;
+        ASSERT_EQ(paramsOf(*actual), expected.params) << shown;
+        ASSERT_EQ(columnNames(*actual), expected.names) << shown;
+        ASSERT_EQ(columnTypes(*actual), expected.types) << shown;
+        ASSERT_EQ(rowsOf(*actual), expected.rows) << shown;
+        ASSERT_EQ(log.messages(), expected.messages) << shown;
+        ASSERT_FALSE(actual->get_changed()) << shown;
+    }
+
+    CapturedLog log;
+};
+
+class FileLoading : public File {};
+class FileSaving : public File {};
+class CSVInput : public File {};
+
+std::vector<std::string> split(const std::string& content) {
+    std::vector<std::string> lines;
+    for (std::size_t at = 0; at < content.size();) {
+        const std::size_t end = content.find('\n', at) + 1;
+        lines.push_back(content.substr(at, end - at));
+        at = end;
+    }
+    return lines;
+}
+
+}  // namespace
+
+// --- Saving ---
+
+TEST_F(FileSaving, WritesParametersHeaderAndRecords) {
+    const Zr::Ptr<kesta> database = makeExample();
+    EXPECT_EQ(save(*database), 2);
+    EXPECT_EQ(readFile(folder / "a.kst"), exampleFile);
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"a.kst"}));
+
+    database->set_filename(wide(folder / "b.kst"));
+    EXPECT_EQ(database->save_text_without_header(), 2);
+    EXPECT_EQ(readFile(folder / "b.kst"),
+              "\"KESTA:Rev 1\"\n\"Mode:x\"\n\"Name\",\"Start time\",\"Tag\"\n"
+              "\"Shot 1\",\"01:00:00:00\",\"0\"\n\"Shot 2\",\"01:00:10:00\",\"1\"\n");
+}
+
+TEST_F(FileSaving, WidthsAreTheLongestTextsWhereThoseExceedTheLeastWidth) {
+    const Zr::Ptr<kesta> database =
+        makeTextDatabase({"TAG", "comment", "Mdrive"}, {{"", "12345", "1234"}, {"", "1234", "12345"}});
+    database->set_tag(0, 200);
+    EXPECT_EQ(saved(*database),
+              "\"KESTA\"\n\"1\",\"5\",\"5\"\n\"text\",\"text\",\"text\"\n\"TAG\",\"comment\",\"Mdrive\"\n"
+              "\"200\",\"12345\",\"1234\"\n\"0\",\"1234\",\"12345\"\n")
+        << "widths are taken before the tags are stored, and there are no parameters to write";
+    EXPECT_EQ(columnOf(*database, 0), (Fields{"200", "0"}));
+}
+
+TEST_F(FileSaving, AnswersZeroForAnEmptyDatabaseThoughItIsWritten) {
+    EXPECT_EQ(save(*makeTextDatabase({"a"})), 0);
+    EXPECT_EQ(readFile(folder / "a.kst"), "\"KESTA\"\n\"4\"\n\"text\"\n\"a\"\n");
+    EXPECT_EQ(save(*Zr::Ptr<kesta>(new kesta)), 0);
+    EXPECT_EQ(readFile(folder / "a.kst"), "\"KESTA\"\n\n\n\n");
+}
+
+TEST_F(FileSaving, WritesParametersAsTheyAreAndCutsHeaderFieldsAt254Bytes) {
+    const Zr::Ptr<kesta> database = makeTextDatabase(
+        {std::string(252, 'a'), "say \"x\"", std::string(253, 'b'), std::string(260, 'c'), "d"});
+    database->set_param_val("a\"key", "a \"value\"");
+    const std::string longest(300, 'p');
+    database->set_param_val("long", longest.c_str());
+    Lines lines;
+    database->save_params(lines);
+    database->save_column_header(lines, true);
+    EXPECT_EQ(lines.all(), (std::vector<std::string>{
+                               "\"KESTA:Rev 1\"", "\"a\"key:a \"value\"\"", "\"long:" + longest + '"',
+                               '"' + std::string(252, 'a') + "\",\"say \"x\"\",\"" + std::string(253, 'b') +
+                                   ",\"" + std::string(253, 'c') + ",\"d\""}));
+}
+
+TEST_F(FileSaving, ClearsTheRecordsMarksAndLeavesTheDatabasesAlone) {
+    const Zr::Ptr<kesta> database = makeTextDatabase({"a"}, {{"x"}, {"y"}});
+    database->get_record(1)->set_field(0, "z", true);
+    EXPECT_EQ(save(*database), 2);
+    EXPECT_FALSE(database->get_record(1)->get_changed());
+    EXPECT_TRUE(database->get_changed());
+
+    database->clear_changed();
+    save(*database);
+    EXPECT_FALSE(database->get_changed());
+}
+
+TEST_F(FileSaving, RowsWithoutARecordAreNoLines) {
+    const Zr::Ptr<kesta> database = makeTextDatabase({"a", "Tag"}, {{"x", ""}, {"y", ""}});
+    database->insert_records(1, 3);
+    database->set_param_val("key", "value");
+    EXPECT_EQ(save(*database), 3);
+    EXPECT_EQ(rowsOf(*loadDatabase(folder / "a.kst")),
+              (std::vector<Fields>{{"x", "0"}, {"", "0"}, {"y", "0"}}));
+}
+
+TEST_F(FileSaving, WritesAllRecordsWhateverIsShown) {
+    const Zr::Ptr<kesta> database = makeExample();
+    database->set_show_tags_only(1);
+    EXPECT_EQ(save(*database), 2);
+    database->set_show_tags_only(0);
+    EXPECT_EQ(database->get_num_records(), 2U);
+}
+
+TEST_F(FileSaving, FailureAnswersZeroAndLeavesTheOldFileWhole) {
+    const Zr::Ptr<kesta> database = makeExample();
+    EXPECT_EQ(save(*database, std::filesystem::path("missing") / "a.kst"), 0);
+    std::filesystem::create_directory(folder / "a.kst");
+    EXPECT_EQ(save(*database), 0);
+    EXPECT_EQ(database->save_text_without_header(), 0);
+    database->set_filename(WideText());
+    EXPECT_EQ(database->save_text(), 0);
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"a.kst"}));
+    EXPECT_TRUE(std::filesystem::is_directory(folder / "a.kst"));
+    EXPECT_TRUE(std::filesystem::is_empty(folder / "a.kst"));
+}
+
+TEST_F(FileSaving, TakesTheAnswersOfADerivedClass) {
+    class Derived : public kesta {
+     public:
+        using kesta::kesta;
+        unsigned get_fieldsize(unsigned field) const override { return 70 + field; }
+        unsigned get_fieldnum(const Text& name) const override {
+            return kesta::get_fieldnum(name == "Tag" ? Text("b") : name);
+        }
+        using kesta::set_field;
+        int set_field(unsigned row, unsigned field, const char* value) override {
+            return kesta::set_field(row, field, ('<' + std::string(value) + '>').c_str());
+        }
+    };
+    Derived database(textColumns({"a", "b", "Notes"}));
+    fill(database, {{"x", "y", "z"}});
+    EXPECT_EQ(saved(database),
+              "\"KESTA\"\n\"70\",\"71\",\"100\"\n\"text\",\"text\",\"text\"\n\"a\",\"b\",\"Notes\"\n"
+              "\"x\",\"<0>\",\"z\"\n");
+}
+
+// --- Loading ---
+
+TEST_F(FileLoading, GivesBackWhatWasSavedUnchanged) {
+    const Zr::Ptr<kesta> database = load(exampleFile);
+    EXPECT_EQ(database->get_valid(), 1);
+    EXPECT_EQ(database->get_revision(), 1);
+    EXPECT_EQ(paramsOf(*database), (Pairs{{"KESTA", "Rev 1"}, {"Mode", "x"}}));
+    EXPECT_EQ(columnNames(*database), (Fields{"Name", "Start time", "Tag"}));
+    EXPECT_EQ(columnTypes(*database), (std::vector<int>{'a', 't', 'a'}));
+    EXPECT_EQ(rowsOf(*database),
+              (std::vector<Fields>{{"Shot 1", "01:00:00:00", "0"}, {"Shot 2", "01:00:10:00", "1"}}));
+    EXPECT_EQ(str(toUTF8(database->get_filename())), (folder / "a.kst").string());
+    EXPECT_FALSE(database->get_changed());
+    for (unsigned row = 0; row < 2; ++row) {
+        EXPECT_FALSE(database->get_record(row)->get_changed());
+        EXPECT_EQ(database->get_record(row)->get_container(), database.get());
+        EXPECT_EQ(database->get_tag(row), 0) << "tags are text in a column; loading sets none";
+    }
+    EXPECT_TRUE(log.messages().empty());
+
+    database->set_tag(1, 1);
+    EXPECT_EQ(saved(*database), exampleFile);
+}
+
+TEST_F(FileLoading, EveryVisibleTypeCodeSurvives) {
+    std::vector<DBFieldDesc> columns;
+    std::vector<int> codes;
+    for (int code = 1; code < 128; ++code) {
+        // A token that is white space is lost with the white space around it, and a lone quote takes in
+        // what follows it.
+        if (LineModel::isSpace(static_cast<char>(code)) || code == '"') continue;
+        columns.emplace_back("x", static_cast<DBFieldTypes::eType>(code));
+        codes.push_back(code);
+    }
+    columns.emplace_back("x", static_cast<DBFieldTypes::eType>('"'));
+    codes.push_back('"');
+    const Zr::Ptr<kesta> database = makeDatabase(columns);
+    database->set_param_val("key", "value");
+    save(*database);
+    EXPECT_EQ(columnTypes(*loadDatabase(folder / "a.kst")), codes);
+}
+
+TEST_F(FileLoading, MissingAndUnreadableAndForeignFilesAreNoDatabases) {
+    for (const Zr::Ptr<kesta>& database :
+         {loadDatabase(folder / "missing"), loadDatabase(folder.path()), loadDatabase(""), load(""),
+          load("\xEF\xBB\xBF"), load("\n"), load("\"KESTA\"\n\"4\"\n\"text\"\n\"a\"\n\"x\"\n"),
+          load("KEST:Rev 1\n"), load("\"x\",\"KESTA:Rev 1\"\n"), load("\n" + std::string(exampleFile))}) {
+        EXPECT_EQ(database->get_valid(), 0);
+        EXPECT_EQ(database->get_num_fields(), 0U);
+        EXPECT_EQ(database->get_num_records(), 0U);
+        EXPECT_TRUE(database->params().empty());
+        EXPECT_EQ(database->get_revision(), 1);
+    }
+    EXPECT_TRUE(log.messages().empty());
+}
+
+TEST_F(FileLoading, ReplacesColumnsAndParametersAndKeepsRecords) {
+    const Zr::Ptr<kesta> database = makeTextDatabase({"old"}, {{"held before"}});
+    database->set_param_val("old", "1");
+    database->loadFromFile(wide(folder.with("b.kst", exampleFile)), 1 << 30, true);
+    EXPECT_EQ(columnNames(*database), (Fields{"Name", "Start time", "Tag"}));
+    EXPECT_EQ(paramsOf(*database), (Pairs{{"KESTA", "Rev 1"}, {"Mode", "x"}}));
+    EXPECT_EQ(database->get_fieldnum("old"), 0xFFFFFFFF);
+    EXPECT_EQ(rowsOf(*database),
+              (std::vector<Fields>{
+                  {"held before"}, {"Shot 1", "01:00:00:00", "0"}, {"Shot 2", "01:00:10:00", "1"}}));
+
+    database->loadFromFile(1, true);
+    EXPECT_EQ(database->get_num_records(), 4U) << "the same file again, one record of it";
+
+    database->loadFromFile(wide(folder / "missing"), 1, true);
+    EXPECT_EQ(database->get_valid(), 0);
+    EXPECT_EQ(database->get_num_fields(), 0U);
+    EXPECT_TRUE(database->params().empty());
+    EXPECT_EQ(database->get_num_records(), 4U);
+}
+
+TEST_F(FileLoading, TakesAtMostSoManyRecords) {
+    const std::pair<int, unsigned> limits[] = {{-1, 0}, {0, 0}, {1, 1}, {2, 2}, {3, 2}};
+    for (const auto& [limit, expected] : limits) {
+        const Zr::Ptr<kesta> database = load(exampleFile, limit);
+        EXPECT_EQ(database->get_num_records(), expected);
+        EXPECT_EQ(database->get_valid(), 1);
+        EXPECT_EQ(database->get_num_fields(), 3U);
+        EXPECT_EQ(database->params().size(), 2U);
+    }
+    EXPECT_TRUE(log.messages().empty());
+}
+
+TEST_F(FileLoading, ReadsParametersAsTheyCome) {
+    const Zr::Ptr<kesta> database = load(
+        "  kesta:  Rev 1\n"
+        "\"Mode:x\"\n"
+        "\"  key:  a value: with colons  \"\n"
+        "\"Mode:y\"\n"
+        "\":no key\"\n"
+        "\"  :no key either\"\n"
+        "\"no colon\"\n"
+        "\n"
+        "empty:\n"
+        "first:field\",\"second:field\"\n"
+        "MODE:z\n"
+        "KESTA:Rev 9\n"
+        "Kesta , whatever\n"
+        "\"4\"\n\"text\"\n\"a\"\n");
+    EXPECT_EQ(paramsOf(*database), (Pairs{{"kesta", "Rev 1"},
+                                          {"Mode", "x"},
+                                          {"key", "a value: with colons"},
+                                          {"Mode", "y"},
+                                          {"empty", ""},
+                                          {"first", "field"},
+                                          {"MODE", "z"},
+                                          {"KESTA", "Rev 9"}}));
+    EXPECT_STREQ(database->get_param_val("mode"), "x");
+    EXPECT_EQ(database->get_revision(), 1);
+    EXPECT_EQ(database->get_valid(), 1);
+    EXPECT_TRUE(log.messages().empty());
+}
+
+TEST_F(FileLoading, WarnsOfOtherRevisionsAndCarriesOn) {
+    const std::pair<const char*, int> revisions[] = {
+        {"Rev 2", 2}, {"Rev 01.5", 1}, {"7", 7}, {"Rev", 0}, {"", 0}, {"Rev -3", 3}, {"x12y34", 12},
+    };
+    for (const auto& [value, revision] : revisions) {
+        log.clear();
+        const Zr::Ptr<kesta> database =
+            load("\"KESTA:" + std::string(value) + "\"\n\"KESTA\"\n\"4\"\n\"text\"\n\"a\"\n\"x\"\n");
+        EXPECT_EQ(database->get_revision(), revision) << value;
+        EXPECT_EQ(rowsOf(*database), (std::vector<Fields>{{"x"}})) << value;
+        std::vector<std::string> expected;
+        if (revision != 1) {
+            expected.push_back("kesta::read_text:  Warning: kesta is revision " + std::to_string(revision) +
+                               ", current level is 1\n");
+        }
+        EXPECT_EQ(log.messages(), expected) << value;
+    }
+}
+
+TEST_F(FileLoading, ScratchRecordHoldsTheMarkerLineBehindTheParameters) {
+    Lines file({"KESTA:Rev 1", "Mode:x", "\"kesta\",\"more\"", "\"32\""});
+    kesta database;
+    dbrecord line(24);
+    database.read_params(file, &line);
+    EXPECT_EQ(fieldsOf(line), (Fields{"kesta", "more"}));
+    EXPECT_EQ(file.cursor(), 3U);
+    EXPECT_EQ(database.params().size(), 2U);
+
+    Lines other({"Mode:x", "KESTA"});
+    database.read_params(other, &line);
+    EXPECT_EQ(fieldsOf(line), (Fields{"Mode:x"}));
+    EXPECT_EQ(other.cursor(), 1U);
+    EXPECT_TRUE(database.params().empty()) << "emptied even when there are none to read";
+}
+
+TEST_F(FileLoading, NeedsAsManyTypesAsNames) {
+    const std::string begin = "\"KESTA:Rev 1\"\n\"KESTA\"\n\"4\",\"4\"\n";
+    for (const char* const header :
+         {"\"text\",\"text\"\n\"a\"\n\"x\"\n", "\"text\"\n\"a\",\"b\"\n", "\"text\"\n"}) {
+        for (const bool strict : {false, true}) {
+            const Zr::Ptr<kesta> database = load(begin + header, 10, strict);
+            EXPECT_EQ(database->get_valid(), 0) << header;
+            EXPECT_EQ(database->get_num_fields(), 0U) << header;
+            EXPECT_EQ(database->get_num_records(), 0U) << header;
+            EXPECT_EQ(database->params().size(), 1U) << header;
+        }
+    }
+    EXPECT_TRUE(log.messages().empty());
+}
+
+TEST_F(FileLoading, ABlankLineEndsTheRecordsSilently) {
+    for (const char* const blank : {"", "   ", "\t"}) {
+        EXPECT_EQ(columnOf(*load(fileOf(1, {"x", "y", blank, "z"})), 0), (Fields{"x", "y"}));
+    }
+    EXPECT_TRUE(log.messages().empty());
+}
+
+TEST_F(FileLoading, ALineWithAWrongNumberOfFieldsEndsTheRecordsWithAMessage) {
+    for (const char* const wrong : {"x", "x,y,z", "\x01", "\"x,y\""}) {
+        log.clear();
+        const Zr::Ptr<kesta> database = load(fileOf(2, {"1,2", "3,4,", wrong, "5,6"}));
+        EXPECT_EQ(rowsOf(*database), (std::vector<Fields>{{"1", "2"}, {"3", "4"}})) << wrong;
+        EXPECT_EQ(database->get_valid(), 1);
+        EXPECT_FALSE(database->get_changed());
+        EXPECT_EQ(log.messages(), (std::vector<std::string>{wrongCount})) << wrong;
+    }
+}
+
+TEST_F(FileLoading, ARepeatedHeaderLeavesItsNamesLineAsARecord) {
+    const Zr::Ptr<kesta> repeated =
+        load(fileOf(1, {"x", "\"kesta\"", "\"4\"", "\"text\"", "\"Names\",\"line\"", "y"}));
+    EXPECT_EQ(rowsOf(*repeated), (std::vector<Fields>{{"x"}, {"Names", "line"}, {"y"}}));
+    EXPECT_TRUE(log.messages().empty());
+
+    // Nothing asks how many columns there are, nor how many fields the names line has.
+    EXPECT_EQ(rowsOf(*load(fileOf(2, {"KESTA,x", "1,2", "3,4", "5,6,7", "8,9"}))),
+              (std::vector<Fields>{{"5", "6", "7"}, {"8", "9"}}));
+}
+
+TEST_F(FileLoading, ARepeatedHeaderThatIsCutEndsTheRecordsWithAMessage) {
+    for (const std::vector<std::string>& cut : {std::vector<std::string>{"x", "KESTA"},
+                                                {"x", "KESTA", "4", "text"},
+                                                {"x", "KESTA", "4", "text", " ", "y"}}) {
+        log.clear();
+        EXPECT_EQ(columnOf(*load(fileOf(1, cut)), 0), (Fields{"x"}));
+        EXPECT_EQ(log.messages(), (std::vector<std::string>{noMoreLines}));
+    }
+    log.clear();
+    EXPECT_EQ(columnOf(*load(fileOf(1, {"x", "KESTA", "", "", "names", "y"})), 0),
+              (Fields{"x", "names", "y"}))
+        << "only the third line must be there";
+    EXPECT_TRUE(log.messages().empty());
+}
+
+TEST_F(FileLoading, AddingTextBeginsAtTheCursorAndMaySkipItsFirstLine) {
+    const Zr::Ptr<kesta> database = makeTextDatabase({"a", "b"});
+    Lines file({"0,0", "1,2", "3,4", "5,6"});
+    file.setCursor(1);
+    EXPECT_EQ(database->add_text(file, 0, 2), 2);
+    EXPECT_EQ(file.cursor(), 3U);
+    EXPECT_EQ(rowsOf(*database), (std::vector<Fields>{{"1", "2"}, {"3", "4"}}));
+    EXPECT_TRUE(database->get_changed());
+    EXPECT_EQ(database->add_text(file, 0, 0), 0);
+    EXPECT_EQ(database->add_text(file, 0, -1), 0);
+    EXPECT_EQ(file.cursor(), 3U);
+    EXPECT_EQ(database->add_text(file, 0, 9), 1);
+    EXPECT_EQ(database->add_text(file, 0, 9), 0);
+
+    // The second line takes the first one's place, whatever its number of fields.
+    const Zr::Ptr<kesta> skipping = makeTextDatabase({"a", "b"});
+    Lines named({"a,b", "1,2,3", "4,5", "6,7"});
+    EXPECT_EQ(skipping->add_text(named, 1, 2), 2);
+    EXPECT_EQ(rowsOf(*skipping), (std::vector<Fields>{{"1", "2", "3"}, {"4", "5"}}));
+    EXPECT_TRUE(log.messages().empty());
+
+    // But the first must have the right number, and the second must be there.
+    Lines wrong({"a", "1,2"});
+    EXPECT_EQ(skipping->add_text(wrong, 1, 9), 0);
+    EXPECT_EQ(log.messages(), (std::vector<std::string>{wrongCount}));
+    log.clear();
+    Lines alone({"a,b"});
+    EXPECT_EQ(skipping->add_text(alone, 1, 9), 0);
+    EXPECT_EQ(log.messages(), (std::vector<std::string>{noMoreLines}));
+    EXPECT_EQ(skipping->get_num_records(), 2U);
+}
+
+TEST_F(FileLoading, LoadingTextAppendsThePlainFileBehindItsFirstLine) {
+    const Zr::Ptr<kesta> database = makeTextDatabase({"a", "b"}, {{"x", "y"}});
+    database->set_filename(wide(folder.with("plain", "a,b\n1,2\n3,4\n")));
+    EXPECT_EQ(database->load_text(9), 2);
+    EXPECT_EQ(rowsOf(*database), (std::vector<Fields>{{"x", "y"}, {"1", "2"}, {"3", "4"}}));
+    EXPECT_EQ(database->load_text(0), 0);
+    database->set_filename(wide(folder / "missing"));
+    EXPECT_EQ(database->load_text(9), 0);
+    EXPECT_EQ(database->get_num_records(), 3U);
+}
+
+TEST_F(FileLoading, TakesLineEndsByteOrderMarkAndLastLineAsTheyCome) {
+    std::string crlf;
+    for (const char c : std::string(exampleFile)) crlf += c == '\n' ? "\r\n" : std::string(1, c);
+    std::string open = exampleFile;
+    open.pop_back();
+    for (const std::string& content : {crlf, open, "\xEF\xBB\xBF" + crlf}) {
+        const Zr::Ptr<kesta> database = load(content);
+        database->set_tag(1, 1);
+        database->set_filename(wide(folder / "b.kst"));
+        EXPECT_EQ(database->save_text(), 2);
+        EXPECT_EQ(readFile(folder / "b.kst"), exampleFile);
+    }
+}
+
+TEST_F(FileLoading, AgreesWithTheSlowLoaderOnEveryBeginningOfAFile) {
+    std::string file = exampleFile;
+    file.insert(file.find("\"KESTA\""), "\"Start:1\",\"End\"\r\n");
+    for (std::size_t length = 0; length <= file.size(); ++length) {
+        for (const bool strict : {false, true}) {
+            for (const int maxRecords : {1, 9}) {
+                ASSERT_NO_FATAL_FAILURE(expectSameAsModel(file.substr(0, length), maxRecords, strict));
+            }
+        }
+    }
+}
+
+TEST_F(FileLoading, AgreesWithTheSlowLoaderOnDamagedFiles) {
+    std::mt19937 random(5);
+    const std::string bytesToPut = bytes("\"\"\",,\\:\n\n\r\t K\0\x7F\xFFn1");
+    const std::vector<std::string> wholeFiles = {
+        exampleFile, fileOf(1, {"x", "KESTA", "4", "text", "Name", "y", "z"}),
+        fileOf(2, {"\"a\\nb\",\"c\"", "d,e", "f,\"g\"\"h\"", "a,b,c"}),
+        "\"KESTA:Rev 2\"\nStart,Ending,other\n1,2,3\n"};
+    for (int i = 0; i < 4000; ++i) {
+        const std::string& whole = wholeFiles[random() % wholeFiles.size()];
+        std::vector<std::string> lines = split(whole);
+        const std::size_t at = random() % lines.size();
+        switch (random() % 4) {
+            case 0:
+                lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(at));
+                break;
+            case 1:
+                std::swap(lines[at], lines[random() % lines.size()]);
+                break;
+            case 2:
+                lines.push_back(lines[at]);
+                break;
+            default:
+                break;
+        }
+        std::string content;
+        for (const std::string& line : lines) content += line;
+        for (unsigned changes = random() % 4; changes != 0 && !content.empty(); --changes) {
+            content[random() % content.size()] = bytesToPut[random() % bytesToPut.size()];
+        }
+        ASSERT_NO_FATAL_FAILURE(expectSameAsModel(content, 1 + static_cast<int>(random() % 5), random() % 2));
+    }
+}
+
+TEST_F(FileLoading, AgreesWithTheSlowReadingOnManyRepetitiveRecords) {
+    // Few different texts in random order, whatever they share; and all special bytes.
+    std::mt19937 random(13);
+    std::vector<std::string> texts = {"", "\"\"", "Reel 1", "\"Reel 1\"", "\"Reel 2\"", "\"01:00:00:00\""};
+    const std::string alphabet = bytes("\"\\n, \t\0a\x7F\x80");
+    while (texts.size() < 60) {
+        std::string any = "\"";
+        for (unsigned length = random() % 30; length != 0; --length)
+            any += alphabet[random() % alphabet.size()];
+        texts.push_back(any + '"');
+    }
+    std::vector<std::string> lines;
+    std::vector<Fields> expected;
+    while (lines.size() < 20000) {
+        std::string line;
+        for (int i = 0; i < 3; ++i) line += (i == 0 ? "" : ",") + texts[random() % texts.size()];
+        const LineModel::Line read = LineModel::readLine(line);
+        if (read.fields.size() != 3) continue;
+        lines.push_back(line);
+        expected.push_back(read.fields);
+    }
+    const Zr::Ptr<kesta> database = load(fileOf(3, lines));
+    ASSERT_EQ(rowsOf(*database), expected);
+
+    // What was shared in loading is nobody else's when it changes.
+    database->set_field(0, 0, "changed");
+    expected[0][0] = "changed";
+    ASSERT_EQ(rowsOf(*database), expected);
+}
+
+TEST_F(FileLoading, MoreColumnsThan16BitsCountDoNoHarm) {
+    constexpr unsigned columns = 70000;
+    std::string types = "t";
+    std::string names = "n0";
+    std::string row = "0";
+    for (unsigned i = 1; i < columns; ++i) {
+        types += ",t";
+        names += ",n" + std::to_string(i);
+        row += ',' + std::to_string(i);
+    }
+    const Zr::Ptr<kesta> database =
+        load("KESTA:Rev 1\nKESTA\n1\n" + types + '\n' + names + '\n' + row + '\n' + row + '\n');
+    EXPECT_EQ(database->get_valid(), 1);
+    EXPECT_EQ(database->get_num_fields(), columns % 65536) << "numbers of fields are taken as 16 bits";
+    EXPECT_EQ(database->get_num_records(), 2U);
+    EXPECT_EQ(str(database->getField(1, 4463)), "4463");
+    EXPECT_EQ(str(database->getField(1, 4464)), "");
+    EXPECT_EQ(str(database->getField(1, 65536)), "");
+
+    const Zr::Ptr<kesta> made = makeTextDatabase(std::vector<std::string>(columns, "x"));
+    EXPECT_EQ(made->get_num_fields(), columns);
+    made->add_records(1);
+    EXPECT_EQ(made->set_field(0, 69999, "x"), 0);
+    EXPECT_EQ(made->get_fieldsize(69999), 0U);
+    EXPECT_EQ(save(*made), 1);
+}
+
+// --- Comma-separated files ---
+
+TEST_F(CSVInput, TakesTheFirstLineForColumnsAndTheOthersForRecords) {
+    const Zr::Ptr<kesta> database =
+        loadCSV("a,b,c\n1,2\n\n1,2,3,4\n\"x,y\",\"say \\\"hi, you\\\"\",z \nlast\n");
+    EXPECT_EQ(database->get_valid(), 1);
+    EXPECT_EQ(columnNames(*database), (Fields{"a", "b", "c"}));
+    EXPECT_EQ(columnTypes(*database), (std::vector<int>{65, 65, 65}));
+    EXPECT_EQ(rowsOf(*database), (std::vector<Fields>{{"1", "2", ""},
+                                                      {"1", "2", "3"},
+                                                      {"\"x,y\"", "\"say \\\"hi, you\\\"\"", "z "},
+                                                      {"last", "", ""}}));
+    EXPECT_TRUE(database->get_changed());
+    EXPECT_TRUE(database->params().empty());
+    EXPECT_TRUE(log.messages().empty());
+}
+
+TEST_F(CSVInput, KeepsColumnsAsTheyStandAndHasNoLimit) {
+    const Zr::Ptr<kesta> database = loadCSV("\"a\", b ,,b\r\n1,2,3,4\r\n5,6,7,8", 0);
+    EXPECT_EQ(columnNames(*database), (Fields{"\"a\"", " b ", "", "b"}));
+    EXPECT_EQ(rowsOf(*database), (std::vector<Fields>{{"1", "2", "3", "4"}, {"5", "6", "7", "8"}}));
+    EXPECT_EQ(loadCSV("KESTA:Rev 1\nx\n")->get_num_records(), 1U);
+}
+
+TEST_F(CSVInput, AnEmptyFileOrFirstLineIsAValidDatabaseWithoutColumns) {
+    for (const char* const content : {"", "\n", "\na,b\n1,2\n"}) {
+        const Zr::Ptr<kesta> database = loadCSV(content);
+        EXPECT_EQ(database->get_valid(), 1);
+        EXPECT_EQ(database->get_num_fields(), 0U);
+        EXPECT_EQ(database->get_num_records(), 0U);
+    }
+    EXPECT_EQ(loadDatabase(folder / "missing.csv")->get_valid(), 0);
+}
+
+TEST_F(CSVInput, IsForNamesThatEndInLowerCaseOnly) {
+    for (const char* const name : {"a.CSV", "a.csv.kst", "acsv"}) {
+        EXPECT_EQ(loadDatabase(folder.with(name, "a,b\n1,2\n"))->get_valid(), 0) << name;
+    }
+    EXPECT_EQ(loadDatabase(folder.with(".csv", "a,b\n1,2\n"))->get_num_records(), 1U);
+}
+
+TEST_F(CSVInput, AddsRecordsThroughTheInterface) {
+    class Derived : public kesta {
+     public:
+        unsigned add_records(int count) override {
+            added += count;
+            return kesta::add_records(count);
+        }
+        int added = 0;
+    };
+    Derived database;
+    database.loadFromFile(wide(folder.with("a.csv", "a\nx\ny\n")), 9, true);
+    EXPECT_EQ(database.added, 2);
+    EXPECT_EQ(columnOf(database, 0), (Fields{"x", "y"}));
+
+    class Refusing : public kesta {
+     public:
+        unsigned add_records(int) override { return 0xFFFFFFFF; }
+    };
+    Refusing refusing;
+    refusing.loadFromFile(wide(folder / "a.csv"), 9, true);
+    EXPECT_EQ(refusing.get_num_records(), 0U);
+}

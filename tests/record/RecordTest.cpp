@@ -1,0 +1,279 @@
+// One record: its fields, its shape, its marks, and the labels it exports.
+#include <limits>
+
+#include "support/Configuration.h"
+#include "tests/TestSupport.h"
+
+using namespace TestSupport;
+
+namespace {
+
+Zr::Ptr<dbrecord> makeRecord(const Fields& fields) {
+    Zr::Ptr<dbrecord> record(new dbrecord(static_cast<unsigned short>(fields.size())));
+    for (unsigned short i = 0; i < fields.size(); ++i) record->setField(i, text(fields[i]));
+    record->clear_changed();
+    return record;
+}
+
+bool isBlankText(const char* field) {
+    return field && *field == '\0';
+}
+
+std::string valueIn(const configb& block, const char* key) {
+    const strp_field* const field = block.find(key);
+    return field ? str(field->get()) : "unset";
+}
+
+// A record in a database, both unchanged, with a way to see which of them a store marks.
+class RecordInDatabase : public ::testing::Test {
+ protected:
+    bool marks(bool stored) {
+        EXPECT_TRUE(stored);
+        EXPECT_EQ(record->get_changed(), database->get_changed());
+        const bool marked = record->get_changed();
+        database->clear_changed();
+        EXPECT_FALSE(record->get_changed());
+        EXPECT_FALSE(database->get_changed());
+        return marked;
+    }
+
+    Zr::Ptr<kesta> database = makeTextDatabase({"a", "b", "c"}, {{"", "", ""}});
+    Zr::Ptr<dbrecord> record = database->get_record(0);
+};
+
+}  // namespace
+
+TEST(Record, StartsWithEmptyFieldsUnmarkedAndFree) {
+    const Zr::Ptr<dbrecord> record(new dbrecord(3));
+    EXPECT_EQ(record->get_num_fields(), 3);
+    EXPECT_TRUE(isBlankText(record->get_field(2)));
+    EXPECT_TRUE(record->is_blank());
+    EXPECT_FALSE(record->get_changed());
+    EXPECT_EQ(record->get_tag(), 0);
+    EXPECT_EQ(record->get_container(), nullptr);
+    EXPECT_TRUE(dbrecord(0).is_blank());
+    EXPECT_EQ(dbrecord(65535).get_num_fields(), 65535);
+}
+
+TEST(Record, AnswersNothingForFieldsItDoesNotHave) {
+    const Zr::Ptr<dbrecord> record = makeRecord({"x", "", "z"});
+    EXPECT_STREQ(record->get_field(0), "x");
+    EXPECT_TRUE(isBlankText(record->get_field(1)));
+    EXPECT_EQ(record->get_field(3), nullptr);
+    EXPECT_EQ(record->get_field(65535), nullptr);
+    EXPECT_TRUE(record->getField(3).empty());
+    EXPECT_EQ(&record->getField(3), &record->getField(65535)) << "one string for all that are missing";
+    EXPECT_FALSE(record->is_blank());
+
+    for (const int bad : {-1, 3, 65536, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+        EXPECT_FALSE(record->set_field(bad, "y", true)) << bad;
+        EXPECT_FALSE(record->set_field(bad, nullptr, false)) << bad;
+        EXPECT_FALSE(record->set_field(bad, 1)) << bad;
+        EXPECT_FALSE(record->set_field(bad, 1U)) << bad;
+        EXPECT_FALSE(record->set_field(bad, 1.0)) << bad;
+        EXPECT_FALSE(record->set_field(bad, true)) << bad;
+    }
+    EXPECT_FALSE(record->setField(3, "y"));
+    EXPECT_FALSE(record->get_changed());
+    EXPECT_EQ(fieldsOf(*record), (Fields{"x", "", "z"}));
+}
+
+TEST(Record, CopiesAFieldIntoABufferWithAClosingZero) {
+    const Zr::Ptr<dbrecord> record = makeRecord({"abcdef", ""});
+    char buffer[11];
+    const auto reset = [&] { std::fill(std::begin(buffer), std::end(buffer), '#'); };
+
+    reset();
+    EXPECT_TRUE(record->in_field(0, buffer, 3));
+    EXPECT_EQ(std::string(buffer, 5), bytes("abc\0#"));
+
+    reset();
+    EXPECT_TRUE(record->in_field(0, buffer, 0));
+    EXPECT_EQ(std::string(buffer, 2), bytes("\0#"));
+
+    reset();
+    EXPECT_TRUE(record->in_field(0, buffer, 10));
+    EXPECT_STREQ(buffer, "abcdef");
+    EXPECT_EQ(buffer[10], '\0') << "the last byte of the room is always a zero";
+
+    reset();
+    EXPECT_TRUE(record->in_field(1, buffer, 10)) << "an empty field is a field";
+    EXPECT_EQ(buffer[0], '\0');
+
+    reset();
+    for (const int bad : {-1, 2, 65536}) EXPECT_FALSE(record->in_field(bad, buffer, 10)) << bad;
+    EXPECT_FALSE(record->in_field(0, buffer, -1));
+    EXPECT_FALSE(record->in_field(0, nullptr, 10));
+    EXPECT_EQ(std::string(buffer, 11), std::string(11, '#'));
+}
+
+TEST_F(RecordInDatabase, TextIsStoredWithoutItsLeadingWhiteSpaceWhenTrimming) {
+    EXPECT_TRUE(marks(record->set_field(0, "   abc  ", true)));
+    EXPECT_STREQ(record->get_field(0), "abc  ");
+    EXPECT_TRUE(marks(record->set_field(0, " \t\n\v\f\r x", true)));
+    EXPECT_STREQ(record->get_field(0), "x");
+    EXPECT_TRUE(marks(record->set_field(0, "\xA0x", true)));
+    EXPECT_STREQ(record->get_field(0), "\xA0x") << "only ASCII is white space";
+    EXPECT_TRUE(marks(record->set_field(0, "   abc  ", false)));
+    EXPECT_STREQ(record->get_field(0), "   abc  ");
+    EXPECT_TRUE(marks(record->set_field(0, "  ", false)));
+    EXPECT_STREQ(record->get_field(0), "  ");
+    EXPECT_TRUE(marks(record->set_field(0, "  ", true)));
+    EXPECT_TRUE(isBlankText(record->get_field(0)));
+}
+
+TEST_F(RecordInDatabase, StoringMarksEvenWhenNothingChanges) {
+    for (const char* const nothing : {"", static_cast<const char*>(nullptr)}) {
+        EXPECT_TRUE(marks(record->set_field(0, nothing, true)));
+        EXPECT_TRUE(marks(record->set_field(0, nothing, false)));
+        EXPECT_TRUE(isBlankText(record->get_field(0)));
+    }
+    EXPECT_TRUE(marks(record->set_field(1, "x", true)));
+    EXPECT_TRUE(marks(record->set_field(1, "x", true)));
+    EXPECT_TRUE(marks(record->set_field(1, nullptr, true)));
+    EXPECT_TRUE(isBlankText(record->get_field(1)));
+}
+
+TEST_F(RecordInDatabase, StoringAStringMarksOnlyWhenItDiffers) {
+    EXPECT_FALSE(marks(record->setField(0, "")));
+    EXPECT_TRUE(marks(record->setField(0, "  x ")));
+    EXPECT_STREQ(record->get_field(0), "  x ");
+    EXPECT_FALSE(marks(record->setField(0, "  x ")));
+    EXPECT_TRUE(marks(record->setField(0, "  X ")));
+    EXPECT_TRUE(marks(record->setField(0, text(bytes("x\0y")))));
+    EXPECT_TRUE(marks(record->setField(0, text(bytes("x\0z")))));
+    EXPECT_EQ(str(record->getField(0)), bytes("x\0z"));
+    EXPECT_TRUE(marks(record->setField(0, "")));
+    Text emptied("x");
+    emptied.resizeFor(0);
+    EXPECT_FALSE(marks(record->setField(0, emptied))) << "an empty body is the same as none";
+
+    const Text shared("shared by reference");
+    EXPECT_TRUE(marks(record->setField(1, shared)));
+    EXPECT_EQ(record->get_field(1), shared.c_str());
+}
+
+TEST_F(RecordInDatabase, NumbersAndFlagsAreStoredAsText) {
+    const auto after = [this](bool stored) {
+        EXPECT_TRUE(marks(stored));
+        return std::string(record->get_field(2));
+    };
+    EXPECT_EQ(after(record->set_field(2, 1.5)), "1.50000000");
+    EXPECT_EQ(after(record->set_field(2, -0.000000004)), "-0.00000000");
+    EXPECT_EQ(after(record->set_field(2, 123456789.123456789)), "123456789.12345679");
+    EXPECT_EQ(after(record->set_field(2, true)), "t");
+    EXPECT_EQ(after(record->set_field(2, false)), "f");
+    EXPECT_EQ(after(record->set_field(2, std::numeric_limits<int>::min())), "-2147483648");
+    EXPECT_EQ(after(record->set_field(2, 0)), "0");
+    EXPECT_EQ(after(record->set_field(2, std::numeric_limits<unsigned>::max())), "4294967295");
+    EXPECT_EQ(after(record->set_field(2, std::numeric_limits<double>::infinity())), "inf");
+    // The longest numbers do not fit the room that numbers get; what fits is stored.
+    const std::string longest = after(record->set_field(2, std::numeric_limits<double>::max()));
+    EXPECT_EQ(longest.substr(0, 10), "1797693134");
+    EXPECT_EQ(longest.size(), 255U);
+}
+
+TEST_F(RecordInDatabase, ClearingRemovingAndResizingMarkNothing) {
+    const Zr::Ptr<dbrecord> full = makeRecord({"a", "b", "c"});
+    full->set_container(database.get());
+    full->set_tag(3);
+    int fill = 0;
+
+    full->removeField(3);
+    EXPECT_EQ(full->get_num_fields(), 3);
+    full->removeField(0);
+    EXPECT_EQ(fieldsOf(*full), (Fields{"b", "c"}));
+    full->resizeRecord(4, &fill, false);
+    EXPECT_EQ(fieldsOf(*full), (Fields{"b", "c", "", ""}));
+    full->resizeRecord(1, nullptr, true);
+    full->resizeRecord(-1, &fill, true);
+    full->resizeField(0, 0);
+    EXPECT_EQ(full->get_num_fields(), 4);
+    full->resizeRecord(1, &fill, true);
+    EXPECT_EQ(fieldsOf(*full), (Fields{"b"}));
+    full->clear();
+    EXPECT_EQ(fieldsOf(*full), (Fields{""}));
+    EXPECT_TRUE(full->is_blank());
+    full->resizeRecord(0, &fill, true);
+    EXPECT_TRUE(full->is_blank());
+    EXPECT_EQ(full->get_tag(), 3);
+    EXPECT_FALSE(full->get_changed());
+    EXPECT_FALSE(database->get_changed());
+}
+
+TEST_F(RecordInDatabase, ACopyIsFreeAndUnmarkedAndSharesTheTexts) {
+    record->set_field(0, "  x", false);
+    record->set_tag(9);
+    const Zr::Ptr<dbrecord> copy(new dbrecord(*record));
+    EXPECT_EQ(copy->get_field(0), record->get_field(0));
+    EXPECT_EQ(copy->get_container(), nullptr);
+    EXPECT_FALSE(copy->get_changed());
+    EXPECT_EQ(copy->get_tag(), 0);
+
+    copy->set_field(0, "y", true);
+    EXPECT_STREQ(record->get_field(0), "  x");
+}
+
+TEST_F(RecordInDatabase, AssigningTakesShapeAndTrimmedTextsAndKeepsContainerAndTag) {
+    record->set_tag(5);
+    const Zr::Ptr<dbrecord> other = makeRecord({"  x", "y  ", "", "4"});
+    *record = *other;
+    EXPECT_EQ(fieldsOf(*record), (Fields{"x", "y  ", "", "4"}));
+    EXPECT_EQ(record->get_container(), database.get());
+    EXPECT_EQ(record->get_tag(), 5);
+    EXPECT_TRUE(marks(true));
+
+    *record = *makeRecord({"only"});
+    EXPECT_EQ(fieldsOf(*record), (Fields{"only"}));
+    EXPECT_TRUE(marks(true));
+
+    const dbrecord& itself = *record;
+    *record = itself;
+    EXPECT_EQ(fieldsOf(*record), (Fields{"only"}));
+
+    database->clear_changed();
+    *record = dbrecord(0);
+    EXPECT_EQ(record->get_num_fields(), 0);
+    EXPECT_FALSE(marks(true)) << "once for each field, so not at all without any";
+}
+
+TEST(RecordExport, SetsTheLabelKeysOfItsColumns) {
+    const std::vector<std::string> columns = {"NAME",      "Notes",    "who",      "Scene",    "Description",
+                                              "shot",      "REEL",     "snd reel", "24p REEL", "cam reel",
+                                              "comp reel", "lab reel", "Duration", "notes"};
+    Fields values;
+    for (const std::string& column : columns) values.push_back("of " + column);
+    const Zr::Ptr<kesta> database = makeTextDatabase(columns, {values});
+    configb block;
+    EXPECT_EQ(database->get_record(0)->update(&block), 12);
+
+    const std::pair<const char*, const char*> expected[] = {
+        {"slate/take", "of NAME"},   {"name", "of NAME"},        {"notes", "of notes"},
+        {"who", "of who"},           {"scene", "of Scene"},      {"description", "of Description"},
+        {"shot", "of shot"},         {"reelid", "of REEL"},      {"reelid1", "of snd reel"},
+        {"24P_reel", "of 24p REEL"}, {"camreel", "of cam reel"}, {"comp_reel", "of comp reel"},
+        {"lab_reel", "of lab reel"}, {"duration", "unset"},      {"reel", "unset"},
+    };
+    for (const auto& [key, value] : expected) EXPECT_EQ(valueIn(block, key), value) << key;
+}
+
+TEST(RecordExport, NeedsAContainerWithANameColumn) {
+    configb block;
+    const Zr::Ptr<kesta> unnamed = makeTextDatabase({"notes", "who"}, {{"x", "y"}});
+    EXPECT_EQ(unnamed->get_record(0)->update(&block), 0);
+    EXPECT_EQ(makeRecord({"x"})->update(&block), 0);
+    EXPECT_EQ(valueIn(block, "notes"), "unset");
+
+    const Zr::Ptr<kesta> named = makeTextDatabase({"notes", "Name"}, {{"x", ""}});
+    EXPECT_EQ(named->get_record(0)->update(nullptr), 0);
+    EXPECT_EQ(named->get_record(0)->update(&block), 1);
+    EXPECT_EQ(valueIn(block, "name"), "") << "an empty name is exported too";
+
+    // A record with fewer fields than its database exports those it has.
+    int fill = 1;
+    named->get_record(0)->resizeRecord(0, &fill, true);
+    configb second;
+    EXPECT_EQ(named->get_record(0)->update(&second), 0);
+    EXPECT_EQ(valueIn(second, "name"), "");
+    EXPECT_EQ(valueIn(second, "notes"), "unset");
+}
