@@ -1,0 +1,253 @@
+// Notifiers: order of delivery, what listeners may do while a message is being delivered, and how
+// registrations end.
+#include <atomic>
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/Exception.h"
+#include "support/Notifier.h"
+
+namespace {
+
+using GuardPtr = Zr::Ptr<Zr::Guard>;
+
+constexpr int deleted = 3;
+constexpr int changed = -4;
+
+const NotifyMsg message("text", Zr::Ptr<iObject>());
+
+class NotifierTest : public ::testing::Test {
+ protected:
+    /// A listener that notes its name, then acts.
+    Notifier::Callback noting(char name, std::function<void()> act = {}) {
+        return [this, name, act](const NotifyMsg&) {
+            heard += name;
+            if (act) act();
+            return 0;
+        };
+    }
+
+    std::string heardAfterIssue(int type = deleted) {
+        heard.clear();
+        notifier->issueNotification(message, type);
+        return heard;
+    }
+
+    std::string heard;
+    std::unique_ptr<Notifier> notifier = std::make_unique<Notifier>();
+};
+
+class NotingClient : public Notifier::Client {
+ public:
+    explicit NotingClient(std::string& heard) : m_heard(heard) {}
+    int notify(const NotifyMsg& received, int type) override {
+        m_heard += received.text().c_str() + std::to_string(type) + " ";
+        return 0;
+    }
+
+ private:
+    std::string& m_heard;
+};
+
+}  // namespace
+
+TEST_F(NotifierTest, DeliversByTypeInOrderOfRegistration) {
+    EXPECT_FALSE(notifier->hasListeners(deleted));
+    const GuardPtr a = notifier->registerNotification(deleted, noting('a'));
+    const GuardPtr b = notifier->registerNotification(changed, noting('b'));
+    GuardPtr c = notifier->registerNotification(deleted, noting('c'));
+    const GuardPtr d = notifier->registerNotification(deleted, noting('d'));
+
+    EXPECT_EQ(heardAfterIssue(deleted), "acd");
+    EXPECT_EQ(heardAfterIssue(changed), "b");
+    EXPECT_EQ(heardAfterIssue(0), "");
+    EXPECT_TRUE(notifier->hasListeners(changed));
+    EXPECT_FALSE(notifier->hasListeners(0));
+
+    c.reset();
+    c = notifier->registerNotification(deleted, noting('c'));
+    EXPECT_EQ(heardAfterIssue(), "adc");
+}
+
+TEST_F(NotifierTest, RegistrationEndsWithTheLastGuardOrByIt) {
+    GuardPtr first = notifier->registerNotification(deleted, noting('a'));
+    GuardPtr second = first;
+    first.reset();
+    EXPECT_EQ(heardAfterIssue(), "a");
+
+    const GuardPtr third = second;
+    notifier->deregisterNotification(second);
+    EXPECT_FALSE(second);
+    EXPECT_EQ(heardAfterIssue(), "") << "although a copy of the guard is left";
+    EXPECT_FALSE(notifier->hasListeners(deleted));
+}
+
+TEST_F(NotifierTest, ForeignAndNullGuardsAreOnlyEmptied) {
+    Notifier other;
+    const GuardPtr guard = notifier->registerNotification(deleted, noting('a'));
+    GuardPtr copy = guard;
+    other.deregisterNotification(copy);
+    EXPECT_FALSE(copy);
+    other.deregisterNotification(copy);
+    EXPECT_EQ(heardAfterIssue(), "a");
+
+    EXPECT_FALSE(notifier->registerNotification(changed, nullptr));
+    EXPECT_FALSE(notifier->registerNotification(changed, static_cast<Notifier::Client*>(nullptr)));
+    EXPECT_FALSE(notifier->hasListeners(changed));
+}
+
+TEST_F(NotifierTest, ClientsListenToSeveralTypesUntilTheirStampIsDeregistered) {
+    NotingClient client(heard);
+    NotingClient other(heard);
+    GuardPtr guards[] = {notifier->registerNotification(1, &client),
+                         notifier->registerNotification(2, &client),
+                         notifier->registerNotification(2, &other)};
+    EXPECT_EQ(heardAfterIssue(1), "text1 ");
+    EXPECT_EQ(heardAfterIssue(2), "text2 text2 ");
+
+    notifier->deregisterNotification(client.id());
+    EXPECT_EQ(heardAfterIssue(1), "");
+    EXPECT_EQ(heardAfterIssue(2), "text2 ");
+    guards[0].reset();
+    EXPECT_EQ(heardAfterIssue(2), "text2 ");
+}
+
+TEST_F(NotifierTest, ListenersRegisteredDuringADeliveryWaitForTheNext) {
+    std::vector<GuardPtr> late;
+    const auto registerAnother = [&] {
+        if (late.size() < 2) late.push_back(notifier->registerNotification(deleted, noting('b')));
+    };
+    const GuardPtr guard = notifier->registerNotification(deleted, noting('a', registerAnother));
+    EXPECT_EQ(heardAfterIssue(), "a");
+    EXPECT_EQ(heardAfterIssue(), "ab");
+    EXPECT_EQ(heardAfterIssue(), "abb");
+}
+
+TEST_F(NotifierTest, ListenersDeregisteredDuringADeliveryAreNotReached) {
+    GuardPtr a, b, c;
+    a = notifier->registerNotification(deleted, noting('a', [&] { b.reset(); }));
+    b = notifier->registerNotification(deleted, noting('b'));
+    c = notifier->registerNotification(deleted, noting('c', [&] {
+                                           a.reset();
+                                           c.reset();
+                                       }));
+    const GuardPtr d = notifier->registerNotification(deleted, noting('d'));
+    EXPECT_EQ(heardAfterIssue(), "acd");
+    EXPECT_EQ(heardAfterIssue(), "d");
+}
+
+TEST_F(NotifierTest, ACallbackThatEndsItselfLivesUntilItReturns) {
+    auto owned = std::make_shared<std::string>("owned by the callback alone");
+    const std::weak_ptr<std::string> watched = owned;
+    GuardPtr guard = notifier->registerNotification(deleted, [&, owned](const NotifyMsg&) {
+        guard.reset();
+        heard = *owned;
+        return 0;
+    });
+    owned.reset();
+    EXPECT_EQ(heardAfterIssue(), "owned by the callback alone");
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(NotifierTest, ListenersMayBeDestroyedDuringADelivery) {
+    struct Listener {
+        Listener(Notifier& source, std::string& text) : heard(text) {
+            guard = source.registerNotification(
+                deleted, MethodCallback<Listener, NotifyMsg, int>(this, &Listener::recordsDeleted));
+        }
+        int recordsDeleted(const NotifyMsg&) {
+            heard += 'x';
+            next.reset();
+            return 0;
+        }
+        std::string& heard;
+        GuardPtr guard;
+        std::unique_ptr<Listener> next;
+    };
+    Listener first(*notifier, heard);
+    first.next = std::make_unique<Listener>(*notifier, heard);
+    EXPECT_EQ(heardAfterIssue(), "x");
+    EXPECT_EQ(heardAfterIssue(), "x");
+}
+
+TEST_F(NotifierTest, MessagesNest) {
+    const GuardPtr a = notifier->registerNotification(deleted, noting('a', [&] {
+                                                          if (heard.size() < 4) {
+                                                              notifier->issueNotification(message, deleted);
+                                                          }
+                                                          notifier->issueNotification(message, changed);
+                                                      }));
+    const GuardPtr b = notifier->registerNotification(deleted, noting('b'));
+    const GuardPtr c = notifier->registerNotification(changed, noting('-'));
+    EXPECT_EQ(heardAfterIssue(), "aaaa-b-b-b-b");
+}
+
+TEST_F(NotifierTest, TheNotifierMayBeDestroyedDuringADelivery) {
+    GuardPtr a = notifier->registerNotification(deleted, noting('a'));
+    GuardPtr b = notifier->registerNotification(deleted, noting('b', [&] { notifier.reset(); }));
+    GuardPtr c = notifier->registerNotification(deleted, noting('c'));
+    notifier->issueNotification(message, deleted);
+    EXPECT_EQ(heard, "ab");
+    a.reset();
+
+    Notifier other;
+    const GuardPtr d = other.registerNotification(deleted, noting('d'));
+    other.deregisterNotification(b);
+    c.reset();
+    EXPECT_TRUE(other.hasListeners(deleted));
+}
+
+TEST_F(NotifierTest, CallbacksMayOwnGuardsOfTheirNotifier) {
+    auto owner = std::make_shared<std::vector<GuardPtr>>();
+    NotingClient client(heard);
+    for (int i = 0; i < 3; ++i) {
+        Notifier::Callback callback = [owner](const NotifyMsg&) { return static_cast<int>(owner->size()); };
+        owner->push_back(notifier->registerNotification(deleted, callback));
+        owner->push_back(notifier->registerNotification(deleted, &client));
+    }
+    const std::weak_ptr<std::vector<GuardPtr>> watched = owner;
+    notifier->deregisterNotification(client.id());
+    EXPECT_EQ(heardAfterIssue(), "");
+    owner.reset();
+    notifier.reset();
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(NotifierTest, WhatAListenerThrowsIsPassedOn) {
+    bool isFull = true;
+    const GuardPtr a = notifier->registerNotification(deleted, noting('a'));
+    const GuardPtr b = notifier->registerNotification(deleted, noting('b', [&] {
+                                                          if (isFull) throw Zr::Exception::BadAlloc();
+                                                      }));
+    const GuardPtr c = notifier->registerNotification(deleted, noting('c'));
+    EXPECT_THROW(notifier->issueNotification(message, deleted), Zr::Exception::BadAlloc);
+    EXPECT_EQ(heard, "ab");
+    isFull = false;
+    EXPECT_EQ(heardAfterIssue(), "abc");
+}
+
+TEST_F(NotifierTest, ListenersComeAndGoOnOtherThreads) {
+    std::atomic<int> calls{0};
+    std::atomic<bool> isDone{false};
+    const auto comeAndGo = [&] {
+        for (int i = 0; i < 2000; ++i) {
+            const GuardPtr guard =
+                notifier->registerNotification(deleted, [&](const NotifyMsg&) { return ++calls; });
+            notifier->issueNotification(message, deleted);
+        }
+    };
+    std::thread one(comeAndGo), two(comeAndGo);
+    std::thread issuer([&] {
+        while (!isDone) notifier->issueNotification(message, deleted);
+    });
+    one.join();
+    two.join();
+    isDone = true;
+    issuer.join();
+    EXPECT_GE(calls, 4000);
+    EXPECT_FALSE(notifier->hasListeners(deleted));
+}

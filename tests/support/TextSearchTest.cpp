@@ -1,0 +1,154 @@
+// Text matching, against a slow and obvious model of it.
+#include <gtest/gtest.h>
+#include <memory>
+#include <random>
+#include <string>
+#include <string_view>
+
+#include "support/TextSearch.h"
+
+namespace {
+
+using TextSearch::Criteria;
+using TextSearch::Criterion;
+using TextSearch::eMatchMethod;
+
+using Text = LightweightString<char>;
+
+std::string canonical(std::string_view text, unsigned options) {
+    std::string result;
+    for (char c : text) {
+        if (!(options & TextSearch::eMatchCase) && c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+        if ((options & TextSearch::eSeparatorsEqual) && c != '\0' && std::string_view(":;.,").find(c) < 4)
+            c = ':';
+        result += c;
+    }
+    return result;
+}
+
+bool modelMatches(std::string_view text, std::string_view query, eMatchMethod method, unsigned options) {
+    const std::string t = canonical(text, options);
+    const std::string q = canonical(query, options);
+    if (q.empty()) return true;
+    if (method == TextSearch::eContains) return t.find(q) != t.npos;
+    if (t.size() < q.size()) return false;
+    if (method == TextSearch::eBeginsWith) return t.substr(0, q.size()) == q;
+    if (method == TextSearch::eEndsWith) return t.substr(t.size() - q.size()) == q;
+    return t == q;
+}
+
+bool matches(std::string_view text, std::string_view query, eMatchMethod method, unsigned options = 0) {
+    return TextSearch::match(Text(text), Criteria(Criterion(Text(query), method)), options);
+}
+
+/// Random texts, of few characters so that much matches.
+class Texts {
+ public:
+    std::string make(std::size_t length) {
+        constexpr std::string_view characters("aAbB;:.,\0\xC1\xE1@[`{zZ", 18);
+        const std::size_t kinds = number(1, characters.size());
+        std::string text;
+        while (text.size() < length) text += characters[number(0, kinds - 1)];
+        return text;
+    }
+
+    std::size_t number(std::size_t lowest, std::size_t highest) {
+        return std::uniform_int_distribution<std::size_t>(lowest, highest)(m_random);
+    }
+
+ private:
+    std::mt19937 m_random{20240229};
+};
+
+}  // namespace
+
+TEST(TextSearch, AgreesWithTheModelOnRandomTexts) {
+    Texts texts;
+    for (int i = 0; i < 200000; ++i) {
+        const std::string made = texts.make(texts.number(0, i % 10 == 0 ? 200 : 50));
+        // A block of its own, so that reading beyond the text is seen by tools that watch memory.
+        const std::unique_ptr<char[]> block(new char[made.size()]);
+        made.copy(block.get(), made.size());
+        const std::string_view text(block.get(), made.size());
+
+        // Mostly a piece of the text, written otherwise or with one character changed.
+        const std::size_t at = texts.number(0, made.size());
+        std::string query = made.substr(at, texts.number(0, i % 4 == 0 ? 200 : 6));
+        if (i % 3 == 0) query = canonical(query, static_cast<unsigned>(texts.number(0, 3)));
+        if (i % 5 == 0 && !query.empty()) query[texts.number(0, query.size() - 1)] = 'b';
+        if (i % 7 == 0) query = texts.make(texts.number(0, 5));
+
+        const auto method = static_cast<eMatchMethod>(texts.number(0, 3));
+        const auto options = static_cast<unsigned>(texts.number(0, 3));
+        ASSERT_EQ(Criterion(Text(std::string_view(query)), method).matches(text, options),
+                  modelMatches(text, query, method, options))
+            << "text \"" << made << "\" query \"" << query << "\" method " << method << " options "
+            << options;
+    }
+}
+
+TEST(TextSearch, FindsEveryPieceOfATextAndNothingBesides) {
+    for (std::size_t length = 1; length <= 100; ++length) {
+        std::string text;
+        while (text.size() < length) text += static_cast<char>('A' + text.size() % 26);
+        for (std::size_t at = 0; at < length; ++at) {
+            const std::string piece = canonical(text.substr(at), 0);
+            ASSERT_TRUE(matches(text, piece, TextSearch::eContains)) << length << " from " << at;
+            ASSERT_FALSE(matches(text, piece + '!', TextSearch::eContains)) << length << " from " << at;
+            ASSERT_FALSE(matches(text, piece, TextSearch::eContains, TextSearch::eMatchCase));
+        }
+    }
+}
+
+TEST(TextSearch, OnlyAsciiLettersFoldAndOnlyTheSeparatorsAreOne) {
+    for (int a = 0; a < 256; ++a) {
+        for (int b = 0; b < 256; ++b) {
+            const std::string text = std::string(20, '-') + static_cast<char>(a) + "--";
+            const std::string query = "--" + std::string(1, static_cast<char>(b)) + '-';
+            for (unsigned options = 0; options < 4; ++options) {
+                ASSERT_EQ(matches(text, query, TextSearch::eContains, options),
+                          modelMatches(text, query, TextSearch::eContains, options))
+                    << a << " " << b << " " << options;
+            }
+        }
+    }
+}
+
+TEST(TextSearch, UnknownMethodsAndOptionsAreHarmless) {
+    EXPECT_TRUE(matches("Reel", "reel", static_cast<eMatchMethod>(77)));
+    EXPECT_FALSE(matches("Reels", "reel", static_cast<eMatchMethod>(-1)));
+    EXPECT_TRUE(matches("Reel", "reel", TextSearch::eWhole, ~3U));
+}
+
+TEST(TextSearch, RepetitiveTextsStayLinear) {
+    const std::string text(2000000, 'a');
+    const std::string half(1000000, 'a');
+    EXPECT_FALSE(matches(text, half + 'b' + half.substr(1), TextSearch::eContains));
+    EXPECT_TRUE(matches(text + 'b', half + 'B', TextSearch::eContains));
+}
+
+TEST(TextSearch, AllCriteriaMustMatch) {
+    const Text reel("Reel 12;04");
+    Criteria criteria;
+    EXPECT_TRUE(criteria.empty());
+    EXPECT_TRUE(TextSearch::match(reel, criteria, 0));
+
+    criteria.add(Criterion("", TextSearch::eWhole));
+    EXPECT_TRUE(criteria.empty());
+    EXPECT_TRUE(TextSearch::match(reel, criteria, 0));
+
+    criteria.add(Criterion("reel", TextSearch::eBeginsWith));
+    EXPECT_FALSE(criteria.empty());
+    EXPECT_TRUE(TextSearch::match(reel, criteria, 0));
+    EXPECT_FALSE(TextSearch::match(reel, criteria, TextSearch::eMatchCase));
+
+    criteria.add(Criterion("12:04", TextSearch::eEndsWith));
+    EXPECT_FALSE(TextSearch::match(reel, criteria, 0));
+    EXPECT_TRUE(TextSearch::match(reel, criteria, TextSearch::eSeparatorsEqual));
+
+    ASSERT_EQ(criteria.size(), 3U);
+    EXPECT_EQ(criteria.getCriterion(1).text(), "reel");
+    EXPECT_EQ(criteria.getCriterion(2).method(), TextSearch::eEndsWith);
+    EXPECT_TRUE(criteria.getCriterion(3).text().empty());
+    EXPECT_TRUE(criteria.getCriterion(3).matches("anything", 0));
+}
