@@ -4,7 +4,7 @@ include(CMakePackageConfigHelpers)
 
 # Headers keep their folders. Every header of these folders is public but the internal ones.
 set(kesta_header_folders support expr record search view fieldmap container)
-set(kesta_internal_headers record/RecordLine.h)
+set(kesta_internal_headers record/RecentTexts.h record/RecordLine.h record/RecordsDeleted.h record/SortKeys.h)
 
 foreach(folder IN LISTS kesta_header_folders)
     file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/${folder}/*.h)

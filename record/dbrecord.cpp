@@ -49,7 +49,7 @@ constexpr std::size_t mostFields = std::numeric_limits<unsigned short>::max();
 dbrecord::dbrecord(unsigned short n) : m_fields(n) {}
 
 dbrecord::dbrecord(const dbrecord& other)
-    : Zr::InternalRefCount(), iVirtual(), iObject(), m_fields(other.m_fields) {}
+    : Zr::InternalRefCount(other), iVirtual(other), iObject(other), m_fields(other.m_fields) {}
 
 dbrecord::~dbrecord() = default;
 

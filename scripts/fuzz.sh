@@ -16,6 +16,6 @@ for source in fuzz/*.cpp; do
     mkdir -p "${inputs[0]}"
     [[ ! -d fuzz/seeds/$name ]] || inputs+=("fuzz/seeds/$name")
     echo "fuzz: $name"
-    "build/fuzz/bin/fuzz_$name" -max_total_time="${1:-10}" -timeout=10 -rss_limit_mb=2048 -verbosity=0 \
+    "build/fuzz/bin/fuzz_$name" -max_total_time="${1:-10}" -timeout=10 -rss_limit_mb=2048 -verbosity=0 -print_funcs=0 \
         -print_final_stats=1 -artifact_prefix=build/fuzz/ "${inputs[@]}" </dev/null
 done
