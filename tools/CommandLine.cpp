@@ -1,0 +1,174 @@
+#include "tools/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <memory>
+
+#include "record/kesta.h"
+#include "tools/Commands.h"
+#include "tools/Failure.h"
+#include "tools/Messages.h"
+#include "tools/Output.h"
+
+namespace {
+
+constexpr const char* description =
+    "Works on the logs of a film and video editing application: shows, checks, edits, imports and exports "
+    "them.";
+
+constexpr const char* generalNotes =
+    "Exit codes: 0 done; 1 something was found wrong, or nothing was found; 2 a file could not be read or\n"
+    "written, or the command could not be carried out; 64 the command line was not understood.\n"
+    "Rows and columns are counted from 1. A value that begins with a dash goes behind \"--\".\n"
+    "kesta COMMAND --help shows a command's options and an example.";
+
+class CommandList {
+ public:
+    CommandList() : m_app(description, "kesta") {
+        m_app.set_version_flag("--version", kestaDllVersionStr());
+        m_app.require_subcommand(1);
+        m_app.footer(generalNotes);
+    }
+
+    template <class Options, class Declare>
+    void add(const char* name, const char* what, const char* example, int (*work)(const Options&),
+             Declare declare) {
+        CLI::App* const app = m_app.add_subcommand(name, what);
+        app->footer(std::string("Example:\n  ") + example);
+        const auto options = std::make_shared<Options>();
+        declare(*app, *options);
+        m_commands.push_back({app, [work, options] { return work(*options); }});
+    }
+
+    int run(int argc, char** argv) {
+        try {
+            m_app.parse(argc, argv);
+        } catch (const CLI::ParseError& end) {
+            return answer(end);
+        }
+        for (const Command& command : m_commands) {
+            if (command.app->parsed()) return command.run();
+        }
+        return exitUsage;
+    }
+
+ private:
+    struct Command {
+        CLI::App* app;
+        std::function<int()> run;
+    };
+
+    // Help and version come as exceptions too.
+    int answer(const CLI::ParseError& end) {
+        if (end.get_exit_code() != 0) {
+            complain(end.what());
+            complain("see kesta --help");
+            return exitUsage;
+        }
+        std::ostringstream text;
+        m_app.exit(end, text, text);
+        const auto output = standardOutput();
+        std::string lines = text.str();
+        while (!lines.empty() && lines.back() == '\n') lines.pop_back();
+        output->line(lines);
+        output->finish();
+        return exitDone;
+    }
+
+    CLI::App m_app;
+    std::vector<Command> m_commands;
+};
+
+void addLog(CLI::App& app, std::string& log) {
+    app.add_option("LOG", log, "the log's file")->required();
+}
+
+void addForce(CLI::App& app, bool& force) {
+    app.add_flag("--force", force, "save even when the file holds text that is lost by that");
+}
+
+void addReadingCommands(CommandList& commands) {
+    commands.add<InfoOptions>("info", "Show a log's parameters, columns and size", "kesta info day1.log",
+                              Commands::showInfo,
+                              [](CLI::App& app, InfoOptions& options) { addLog(app, options.log); });
+    commands.add<ShowOptions>(
+        "show", "Show records", "kesta show day1.log --columns Reel,\"Start time\" --rows 10-20",
+        Commands::showRecords, [](CLI::App& app, ShowOptions& options) {
+            addLog(app, options.log);
+            app.add_option("--columns", options.columns, "the columns to show, with commas between")
+                ->expected(1)
+                ->take_all();
+            app.add_option("--rows", options.rows, "the rows to show, as in 3,10-20 or 100-");
+            app.add_option("--format", options.format, "table, csv or json")
+                ->check(CLI::IsMember({"table", "csv", "json"}))
+                ->capture_default_str();
+        });
+    commands.add<CheckOptions>("check", "Say what is wrong with logs, and where",
+                               "kesta check day1.log day2.log", Commands::checkLogs,
+                               [](CLI::App& app, CheckOptions& options) {
+                                   app.add_option("LOG", options.logs, "the logs' files")->required();
+                               });
+}
+
+void addExchangeCommands(CommandList& commands) {
+    commands.add<ImportOptions>(
+        "import", "Make a log of a .csv or .ale file", "kesta import dailies.ale -o dailies.log",
+        Commands::importFile, [](CLI::App& app, ImportOptions& options) {
+            app.add_option("FILE", options.file, "a file whose name ends in .csv or .ale")->required();
+            app.add_option("-o,--output", options.log, "the log to write")->required();
+            app.add_flag("--force", options.force, "replace a log that is there already");
+            app.add_flag("--all-warnings", options.allWarnings,
+                         "list every value that a log cannot hold exactly");
+        });
+    commands.add<ExportOptions>(
+        "export", "Write a log in another form", "kesta export dailies.log --format csv -o dailies.csv",
+        Commands::exportLog, [](CLI::App& app, ExportOptions& options) {
+            addLog(app, options.log);
+            app.add_option("--format", options.format, "csv, ale or json")
+                ->required()
+                ->check(CLI::IsMember({"csv", "ale", "json"}));
+            app.add_option("-o,--output", options.output, "the file to write, instead of standard output");
+        });
+}
+
+void addEditingCommands(CommandList& commands) {
+    commands.add<SetOptions>("set", "Change one value", "kesta set day1.log 12 Notes \"good sound\"",
+                             Commands::setValue, [](CLI::App& app, SetOptions& options) {
+                                 addLog(app, options.log);
+                                 app.add_option("ROW", options.row, "the row's number")->required();
+                                 app.add_option("COLUMN", options.column, "the column's name")->required();
+                                 app.add_option("VALUE", options.value, "the new value")->required();
+                                 addForce(app, options.force);
+                             });
+    commands.add<AddOptions>("add", "Append a record", "kesta add day1.log Name=\"Shot 9\" Reel=A004",
+                             Commands::addRecord, [](CLI::App& app, AddOptions& options) {
+                                 addLog(app, options.log);
+                                 app.add_option("COLUMN=VALUE", options.values,
+                                                "the record's values; other columns stay empty")
+                                     ->required();
+                                 addForce(app, options.force);
+                             });
+    commands.add<DeleteOptions>("delete", "Delete records", "kesta delete day1.log 3,5-9",
+                                Commands::deleteRecords, [](CLI::App& app, DeleteOptions& options) {
+                                    addLog(app, options.log);
+                                    app.add_option("ROWS", options.rows, "the rows' numbers")->required();
+                                    addForce(app, options.force);
+                                });
+    commands.add<ParamOptions>("param", "List, show or set parameters", "kesta param day1.log FPS 23.976",
+                               Commands::parameters, [](CLI::App& app, ParamOptions& options) {
+                                   addLog(app, options.log);
+                                   app.add_option("KEY", options.key, "the parameter; all when left out");
+                                   app.add_option("VALUE", options.value, "its new value");
+                                   addForce(app, options.force);
+                               });
+}
+
+}  // namespace
+
+int runCommandLine(int argc, char** argv) {
+    CommandList commands;
+    addReadingCommands(commands);
+    addExchangeCommands(commands);
+    addEditingCommands(commands);
+    return commands.run(argc, argv);
+}

@@ -1,0 +1,45 @@
+#include "tools/Files.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "tools/Failure.h"
+
+namespace {
+
+struct stat statusOf(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) throw fileFailure(path, errno);
+    return status;
+}
+
+}  // namespace
+
+void requireReadable(const std::string& path) {
+    const struct stat status = statusOf(path);
+    if (S_ISDIR(status.st_mode)) throw fileFailure(path, EISDIR);
+    if (!S_ISREG(status.st_mode)) throw Failure(path + ": is no plain file");
+    if (access(path.c_str(), R_OK) != 0) throw fileFailure(path, errno);
+}
+
+std::uintmax_t fileSize(const std::string& path) {
+    return static_cast<std::uintmax_t>(statusOf(path).st_size);
+}
+
+std::string readBytes(const std::string& path) {
+    requireReadable(path);
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
+    if (!file) throw fileFailure(path, errno);
+    std::string bytes(fileSize(path), '\0');
+    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
+    if (std::ferror(file.get())) throw fileFailure(path, errno);
+    return bytes;
+}
+
+bool isThere(const std::string& path) noexcept {
+    struct stat status {};
+    return lstat(path.c_str(), &status) == 0;
+}

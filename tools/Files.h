@@ -1,0 +1,17 @@
+// Files as the commands meet them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+/// Throws Failure, with the reason, unless the path names a plain file that may be read.
+void requireReadable(const std::string& path);
+
+/// The size in bytes of a readable file.
+std::uintmax_t fileSize(const std::string& path);
+
+/// All bytes of the file. Throws Failure when it cannot be read.
+std::string readBytes(const std::string& path);
+
+/// Whether something of that name is there, a dangling link included.
+bool isThere(const std::string& path) noexcept;

@@ -1,0 +1,137 @@
+#include "tools/LogFile.h"
+
+#include <cerrno>
+#include <sys/stat.h>
+
+#include "support/StringFunctions.h"
+#include "support/TextFile.h"
+#include "tools/Failure.h"
+#include "tools/LogForm.h"
+#include "tools/LogInspector.h"
+#include "tools/Messages.h"
+#include "tools/Suggestion.h"
+
+namespace {
+
+constexpr unsigned none = static_cast<unsigned>(-1);
+constexpr int allRecords = 0x7FFFFFFF;
+
+Inspection inspected(const std::string& path) {
+    Inspection inspection = inspectLog(path);
+    if (!inspection.loads) throw Failure(describe(path, inspection.findings.back()));
+    return inspection;
+}
+
+void warnOfFindings(const std::string& path, const Inspection& inspection) {
+    Warnings warnings;
+    for (const Finding& finding : inspection.findings) warnings.add(describe(path, finding));
+    warnings.summarise("kesta check lists them all");
+}
+
+// The second reading must see what the first one saw: another program may be writing the file.
+Zr::Ptr<kesta> loaded(const std::string& path, const Inspection& inspection) {
+    Zr::Ptr<kesta> log(new kesta(Zr::WStringFromAscii(path.c_str()), allRecords, true));
+    if (log->get_valid() == 0 || log->get_num_records() != inspection.records) {
+        throw Failure(path + ": the file changed while it was read; try again");
+    }
+    return log;
+}
+
+// Saving writes the records' tags into the column "Tag", but loading does not take them from there.
+void takeTagsFromColumn(kesta& log) {
+    const unsigned column = log.get_fieldnum("Tag");
+    if (column == none) return;
+    for (unsigned row = 0; row < log.get_num_records(); ++row) {
+        int tag = 0;
+        log.set_tag(row, readTag(log.getField(row, column).view(), tag) ? tag : 0);
+    }
+}
+
+/// Tells one file under a name from the next one.
+class FileIdentity {
+ public:
+    explicit FileIdentity(const std::string& path) : m_exists(stat(path.c_str(), &m_status) == 0) {}
+
+    bool operator==(const FileIdentity& other) const noexcept {
+        return m_exists == other.m_exists && m_status.st_ino == other.m_status.st_ino &&
+               m_status.st_dev == other.m_status.st_dev;
+    }
+
+ private:
+    struct stat m_status {};
+    bool m_exists;
+};
+
+}  // namespace
+
+Zr::Ptr<kesta> openLog(const std::string& path) {
+    const Inspection inspection = inspected(path);
+    warnOfFindings(path, inspection);
+    return loaded(path, inspection);
+}
+
+Zr::Ptr<kesta> openLogForEditing(const std::string& path, bool force) {
+    if (isCommaSeparated(path)) {
+        throw Failure(path + ": is a comma-separated file; make a log of it first: kesta import");
+    }
+    const Inspection inspection = inspected(path);
+    warnOfFindings(path, inspection);
+    if (inspection.losesText() && !force) {
+        throw Failure(path +
+                      ": not changed, because saving would lose what the warnings name; mend the file "
+                      "first, or use --force");
+    }
+    return loaded(path, inspection);
+}
+
+void saveLog(kesta& log, const std::string& path) {
+    takeTagsFromColumn(log);
+    const FileIdentity before(path);
+    errno = 0;
+    const int written = log.save_text();
+    const int error = errno;
+    // Saving no records answers 0 as a failure does, but puts a new file in the place of the old one.
+    const bool saved = log.get_num_records() > 0 ? written > 0 : !(FileIdentity(path) == before);
+    if (!saved) throw fileFailure(path, error);
+}
+
+std::vector<std::string> columnNames(const kesta& log) {
+    std::vector<std::string> names;
+    for (unsigned i = 0; i < log.get_num_fields(); ++i) names.emplace_back(log.get_fieldname(i));
+    return names;
+}
+
+unsigned columnNamed(const kesta& log, const std::string& name) {
+    const unsigned column = log.get_fieldnum(libraryText(name));
+    if (column == none) throw Failure("no column " + suggestionFor(name, columnNames(log), "columns"));
+    return column;
+}
+
+std::vector<std::string> columnTypes(const kesta& log) {
+    const kesta columnsOnly(log, 0);
+    TextFile header;
+    columnsOnly.save_column_header(header, false);
+    dbrecord types(0);
+    header.setCursor(2);
+    types.read(header);
+    std::vector<std::string> result;
+    for (unsigned short i = 0; i < types.get_num_fields(); ++i) result.emplace_back(types.getField(i).view());
+    result.resize(log.get_num_fields());
+    return result;
+}
+
+std::string valueObjection(const kesta& log, unsigned column, const std::string& value) {
+    int tag = 0;
+    if (column == log.get_fieldnum("Tag")) {
+        return readTag(value, tag) ? "" : "it is no tag: tags are numbers from 0 to 255";
+    }
+    if (column == 0 && readsAsHeader(value)) return "it would be read as the beginning of a header";
+    return LineRoundTrip().keeps(value) ? "" : whyNotKept(value);
+}
+
+void requireKeptValue(const kesta& log, unsigned column, const std::string& value) {
+    const std::string objection = valueObjection(log, column, value);
+    if (objection.empty()) return;
+    throw Failure(std::string("a log does not keep the value for \"") + log.get_fieldname(column) +
+                  "\": " + objection);
+}

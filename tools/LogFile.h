@@ -1,0 +1,37 @@
+// Logs as the commands hold them: opened with what there is to say about them said, changed only when that
+// loses nothing, saved with the reason when it fails.
+//
+// Thread-safety: one thread at a time.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "record/kesta.h"
+
+/// A loaded log for reading. Warns of what the loader dropped. Throws Failure when the file cannot be read or
+/// is no log.
+Zr::Ptr<kesta> openLog(const std::string& path);
+
+/// A loaded log for changing and saving. Throws Failure as well when saving would lose any text of the file,
+/// unless `force`, and for a comma-separated file.
+Zr::Ptr<kesta> openLogForEditing(const std::string& path, bool force);
+
+/// Saves the log under its file name. Texts of a column "Tag" stay as they are. Throws Failure, with the file
+/// as it was, when it cannot be written.
+void saveLog(kesta& log, const std::string& path);
+
+/// The names of the log's columns, in order.
+std::vector<std::string> columnNames(const kesta& log);
+
+/// The first column of that name. Throws Failure, which lists the columns, when there is none.
+unsigned columnNamed(const kesta& log, const std::string& name);
+
+/// The file's types of the log's columns: "text", "timecode" ...
+std::vector<std::string> columnTypes(const kesta& log);
+
+/// Why the log would not give the value back from that column exactly; empty when it would.
+std::string valueObjection(const kesta& log, unsigned column, const std::string& value);
+
+/// Throws Failure for a value that the column would not give back exactly.
+void requireKeptValue(const kesta& log, unsigned column, const std::string& value);

@@ -1,0 +1,58 @@
+// What a log's file gives back of the texts that are put into it. The answers come from the library itself,
+// which writes each text and reads it back; only the reasons are worded here.
+//
+// Thread-safety: one thread at a time.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "record/dbrecord.h"
+#include "support/TextFile.h"
+
+class kesta;
+
+/// The library's string of these bytes.
+LightweightString<char> libraryText(std::string_view bytes);
+
+/// Whether the two names are the same to the library.
+bool sameName(std::string_view a, std::string_view b) noexcept;
+
+/// Writes records as lines of a log and reads them back.
+class LineRoundTrip {
+ public:
+    /// The record as the log gives it back; valid until the next call. Clears the record's changed mark.
+    const dbrecord& operator()(const dbrecord& record);
+
+    /// Whether a log gives `value` back exactly, in a column with others behind it.
+    bool keeps(std::string_view value);
+
+ private:
+    TextFile m_file;
+    dbrecord m_back{0};
+};
+
+/// Why a log does not give `value` back exactly, as in "it begins with white space, which is dropped".
+std::string whyNotKept(std::string_view value);
+
+/// The most bytes of a value that every column keeps.
+constexpr std::size_t longestSafeValue = 4094;
+
+/// As much of the text's beginning as fits, never cut inside a UTF-8 character.
+std::string_view cutTo(std::string_view text, std::size_t bytes) noexcept;
+
+/// Whether a saved log gives the parameter back exactly.
+bool keepsParameter(std::string_view key, std::string_view value);
+constexpr const char* parameterRules =
+    "keys and values take no double quotes, line ends, backslash followed by n or white space at their ends, "
+    "keys no colon, both together at most 4094 bytes";
+
+/// Whether a saved log gives the column's name back exactly.
+bool keepsColumnName(std::string_view name);
+
+/// A first field that reads as a header line inside the records: the loader then drops what follows it.
+bool readsAsHeader(std::string_view firstField) noexcept;
+
+/// Whether the text is what saving writes into a column "Tag": a number from 0 to 255 as the library writes
+/// it. `tag` gets the number.
+bool readTag(std::string_view text, int& tag) noexcept;

@@ -1,0 +1,26 @@
+// Where a command's result goes, line by line.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+enum class LineEnd { lf, crlf };
+
+/// Takes lines without their ends.
+class LineSink {
+ public:
+    virtual ~LineSink() = default;
+
+    /// May throw Failure, when writing has failed.
+    virtual void line(std::string_view text) = 0;
+
+    /// To be called after the last line: throws Failure unless every line has been written.
+    virtual void finish() = 0;
+};
+
+std::unique_ptr<LineSink> standardOutput(LineEnd end = LineEnd::lf);
+
+/// A file that is written as a whole by finish and stays as it was when that fails or is not reached. What is
+/// no plain file, such as a device, is written to directly.
+std::unique_ptr<LineSink> fileOutput(const std::string& path, LineEnd end);

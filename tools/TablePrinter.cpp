@@ -1,0 +1,112 @@
+#include "tools/TablePrinter.h"
+
+#include <algorithm>
+#include <string>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include "tools/DisplayText.h"
+
+namespace {
+
+constexpr const char* numberTitle = "Row";
+constexpr const char* gap = "  ";
+constexpr const char* cutMark = "\xE2\x80\xA6";  // an ellipsis, one cell
+
+// On a terminal no column takes more cells than this. Elsewhere values are never cut, but one of excessive
+// length does not widen the column for all the others.
+constexpr std::size_t widestOnTerminal = 40;
+constexpr std::size_t widestElsewhere = 256;
+
+std::string cutToCells(std::string text, std::size_t cells) {
+    if (displayWidth(text) <= cells) return text;
+    return std::string(fitting(text, cells - 1)) + cutMark;
+}
+
+class TablePrinter {
+ public:
+    TablePrinter(const kesta& log, const Selection& selection, std::optional<TerminalSize> terminal,
+                 LineSink& out)
+        : m_log(log), m_selection(selection), m_terminal(terminal), m_out(out) {}
+
+    void print() {
+        measure();
+        printHeader();
+        // A screenful is the header and the rows below it, with a line to spare for the prompt.
+        const unsigned height = m_terminal ? std::max(m_terminal->rows, 4U) - 2 : 0;
+        unsigned printed = 0;
+        forEachRow(m_selection, [&](unsigned row) {
+            if (height > 0 && printed > 0 && printed % height == 0) printHeader();
+            ++printed;
+            printRow(row);
+        });
+    }
+
+ private:
+    void measure() {
+        const std::size_t widest = m_terminal ? widestOnTerminal : widestElsewhere;
+        const unsigned lastRow = m_selection.rows.empty() ? 0 : m_selection.rows.back().last + 1;
+        m_numberWidth = std::max(std::to_string(lastRow).size(), std::string(numberTitle).size());
+        for (const unsigned column : m_selection.columns) {
+            std::size_t width = displayWidth(title(column));
+            forEachRow(m_selection,
+                       [&](unsigned row) { width = std::max(width, displayWidth(value(row, column))); });
+            m_widths.push_back(std::min(width, widest));
+        }
+    }
+
+    std::string title(unsigned column) const { return harmless(m_log.get_fieldname(column)); }
+    std::string value(unsigned row, unsigned column) const {
+        return harmless(m_log.getField(row, column).view());
+    }
+
+    void printHeader() {
+        std::string line = numberTitle;
+        line.insert(0, m_numberWidth - line.size(), ' ');
+        for (std::size_t i = 0; i < m_widths.size(); ++i) append(line, title(m_selection.columns[i]), i);
+        printLine(line);
+    }
+
+    void printRow(unsigned row) {
+        std::string line = std::to_string(row + 1);
+        line.insert(0, m_numberWidth - line.size(), ' ');
+        for (std::size_t i = 0; i < m_widths.size(); ++i) append(line, value(row, m_selection.columns[i]), i);
+        printLine(line);
+    }
+
+    void append(std::string& line, std::string text, std::size_t i) const {
+        if (m_terminal) text = cutToCells(std::move(text), m_widths[i]);
+        const std::size_t width = displayWidth(text);
+        line += gap;
+        line += text;
+        if (width < m_widths[i]) line.append(m_widths[i] - width, ' ');
+    }
+
+    void printLine(std::string& line) {
+        line.erase(line.find_last_not_of(' ') + 1);
+        m_out.line(m_terminal ? cutToCells(line, std::max(m_terminal->columns, 1U)) : line);
+    }
+
+    const kesta& m_log;
+    const Selection& m_selection;
+    const std::optional<TerminalSize> m_terminal;
+    LineSink& m_out;
+    std::size_t m_numberWidth = 0;
+    std::vector<std::size_t> m_widths;  // in cells, one for each selected column
+};
+
+}  // namespace
+
+std::optional<TerminalSize> standardOutputTerminal() noexcept {
+    if (!isatty(STDOUT_FILENO)) return std::nullopt;
+    winsize size{};
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) {
+        return TerminalSize{80, 24};
+    }
+    return TerminalSize{size.ws_col, size.ws_row};
+}
+
+void printTable(const kesta& log, const Selection& selection, std::optional<TerminalSize> terminal,
+                LineSink& out) {
+    TablePrinter(log, selection, terminal, out).print();
+}

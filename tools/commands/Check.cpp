@@ -1,0 +1,124 @@
+// kesta check: what is wrong with logs, and where.
+#include <algorithm>
+#include <map>
+#include <optional>
+
+#include "record/dbrecord.h"
+#include "support/Cookie.h"
+#include "support/time_def.h"
+#include "tools/Commands.h"
+#include "tools/DisplayText.h"
+#include "tools/Failure.h"
+#include "tools/LogForm.h"
+#include "tools/LogInspector.h"
+#include "tools/Messages.h"
+#include "tools/Output.h"
+
+namespace {
+
+constexpr const char* codePairs[][2] = {{"Start time", "End time"},
+                                        {"snd start", "snd end"},
+                                        {"start 24P code", "end 24P code"},
+                                        {"start camcode", "end camcode"},
+                                        {"start inkcode", "end inkcode"}};
+
+/// Looks at what the records say: identifiers that come twice, codes that end before they start.
+class RecordChecks : public RecordVisitor {
+ public:
+    void begin(const std::vector<std::string>& columnNames) override {
+        m_names = columnNames;
+        m_cookie = columnNamed("Cookie");
+        for (const auto& pair : codePairs) {
+            const Pair columns{columnNamed(pair[0]), columnNamed(pair[1])};
+            if (columns.start < m_names.size() && columns.end < m_names.size()) m_pairs.push_back(columns);
+        }
+    }
+
+    void record(unsigned line, const dbrecord& fields, std::vector<Finding>& findings) override {
+        if (m_cookie < m_names.size()) checkIdentifier(line, fields, findings);
+        for (const Pair& pair : m_pairs) checkCodes(pair, line, fields, findings);
+    }
+
+ private:
+    struct Pair {
+        std::size_t start;
+        std::size_t end;
+    };
+
+    std::size_t columnNamed(std::string_view name) const {
+        const auto found = std::find_if(m_names.begin(), m_names.end(),
+                                        [&](const std::string& other) { return sameName(name, other); });
+        return static_cast<std::size_t>(found - m_names.begin());
+    }
+
+    static const LightweightString<char>& field(const dbrecord& fields, std::size_t column) {
+        return fields.getField(static_cast<unsigned short>(column));
+    }
+
+    void report(unsigned line, std::size_t column, std::string text, std::vector<Finding>& findings) const {
+        findings.push_back(
+            {line, static_cast<unsigned>(column + 1), m_names[column], std::move(text), false});
+    }
+
+    void checkIdentifier(unsigned line, const dbrecord& fields, std::vector<Finding>& findings) {
+        const Cookie id(field(fields, m_cookie).c_str(), false);
+        if (id.isNull()) return;
+        const auto place = m_linesById.emplace(id, line);
+        if (place.second) return;
+        report(line, m_cookie,
+               "the identifier is that of line " + std::to_string(place.first->second) +
+                   " too, and look-ups find only that one; give one of the records another",
+               findings);
+    }
+
+    void checkCodes(const Pair& pair, unsigned line, const dbrecord& fields,
+                    std::vector<Finding>& findings) const {
+        const time_def start(field(fields, pair.start).c_str(), eTimecodeLabel);
+        const time_def end(field(fields, pair.end).c_str(), eTimecodeLabel);
+        if (!start.valid() || !end.valid()) return;
+        // Eight digits, hours first: their order as text is their order in time.
+        constexpr std::size_t digits = 8;
+        if (end.get_database_str().view().substr(0, digits) >=
+            start.get_database_str().view().substr(0, digits))
+            return;
+        report(line, pair.end,
+               std::string(end.get_punctuated_str().view()) + " is before the start, " +
+                   std::string(start.get_punctuated_str().view()) +
+                   "; correct one, unless the take passes midnight",
+               findings);
+    }
+
+    std::vector<std::string> m_names;
+    std::size_t m_cookie = 0;
+    std::vector<Pair> m_pairs;
+    std::map<Cookie, unsigned> m_linesById;
+};
+
+// A file that cannot be read does not keep the others from being checked.
+std::optional<Inspection> inspected(const std::string& path) {
+    try {
+        RecordChecks checks;
+        return inspectLog(path, &checks);
+    } catch (const Failure& failure) {
+        complain(failure.what());
+        return std::nullopt;
+    }
+}
+
+}  // namespace
+
+int Commands::checkLogs(const CheckOptions& options) {
+    const auto output = standardOutput();
+    int exitCode = exitDone;
+    for (const std::string& path : options.logs) {
+        const std::optional<Inspection> inspection = inspected(path);
+        if (!inspection) {
+            exitCode = exitFailed;
+            continue;
+        }
+        for (const Finding& finding : inspection->findings) output->line(harmless(describe(path, finding)));
+        if (!inspection->findings.empty()) exitCode = std::max<int>(exitCode, exitFindings);
+    }
+    output->finish();
+    return exitCode;
+}

@@ -1,0 +1,21 @@
+// kesta export: a log in the form of another program.
+#include "tools/Commands.h"
+#include "tools/Failure.h"
+#include "tools/LogFile.h"
+#include "tools/Output.h"
+#include "tools/Writers.h"
+
+int Commands::exportLog(const ExportOptions& options) {
+    const Zr::Ptr<kesta> log = openLog(options.log);
+    const LineEnd end = options.format == "csv" ? LineEnd::crlf : LineEnd::lf;
+    const auto output = options.output.empty() ? standardOutput(end) : fileOutput(options.output, end);
+    if (options.format == "csv") {
+        writeCsv(*log, everythingOf(*log), *output);
+    } else if (options.format == "json") {
+        writeJson(*log, everythingOf(*log), *output);
+    } else {
+        writeAle(*log, *output);
+    }
+    output->finish();
+    return exitDone;
+}

@@ -1,0 +1,210 @@
+// kesta import: a log from the file of another program.
+#include <algorithm>
+
+#include "record/kesta.h"
+#include "support/StringFunctions.h"
+#include "tools/Commands.h"
+#include "tools/Failure.h"
+#include "tools/Files.h"
+#include "tools/LogFile.h"
+#include "tools/LogForm.h"
+#include "tools/LogInspector.h"
+#include "tools/Messages.h"
+#include "tools/Output.h"
+#include "tools/StandardColumns.h"
+#include "tools/TableSource.h"
+
+namespace {
+
+constexpr std::size_t mostColumns = 65535;
+
+std::string atLine(const std::string& path, unsigned line) {
+    return path + ':' + std::to_string(line) + ": ";
+}
+
+/// Makes a log of a table. What a log cannot hold exactly is stored as the log would give it back, and warned
+/// of.
+class Importer {
+ public:
+    Importer(const ImportOptions& options, const TableSource& source)
+        : m_options(options), m_source(source), m_warnings(options.allWarnings) {}
+
+    void run() {
+        survey();
+        makeColumns();
+        storeParameters();
+        m_source.forEachRow(
+            [this](unsigned line, const std::vector<std::string>& values) { store(line, values); });
+        m_log.set_filename(Zr::WStringFromAscii(m_options.log.c_str()));
+        saveLog(m_log, m_options.log);
+        report();
+    }
+
+ private:
+    // Finds what must be known before the first record is made: how far the rows reach, and whether a column
+    // "Tag" holds what a log keeps there.
+    void survey() {
+        const auto& names = m_source.columns();
+        const auto isTag = [](const std::string& name) { return sameName(name, "Tag"); };
+        const auto tagColumn =
+            static_cast<std::size_t>(std::find_if(names.begin(), names.end(), isTag) - names.begin());
+        m_source.forEachRow([&](unsigned, const std::vector<std::string>& values) {
+            std::size_t reach = values.size();
+            while (reach > m_reach && values[reach - 1].empty()) --reach;
+            m_reach = std::max(m_reach, reach);
+            int tag = 0;
+            if (!readTag(tagColumn < values.size() ? values[tagColumn] : std::string(), tag))
+                m_keepsTags = false;
+        });
+    }
+
+    void makeColumns() {
+        std::vector<std::string> names = m_source.columns();
+        while (names.size() > m_reach && names.back().empty()) names.pop_back();
+        const std::size_t named = names.size();
+        names.resize(std::max(named, m_reach));
+        if (names.empty())
+            throw Failure(atLine(m_options.file, m_source.columnLine()) + "there are no column names");
+        if (names.size() > mostColumns) throw Failure(m_options.file + ": has more columns than a log takes");
+        const auto columns =
+            planColumns(names, m_keepsTags ? std::vector<std::string>() : std::vector<std::string>{"Tag"});
+        m_log.setFields(columns);
+        m_namedColumns = named;
+        for (std::size_t i = 0; i < named; ++i) warnOfRenaming(i, names[i], columns[i].name.view());
+    }
+
+    void warnOfRenaming(std::size_t column, const std::string& name, std::string_view stored) {
+        const StandardColumn* const standard = standardColumnFor(name);
+        if (sameName(name, stored) || (standard && sameName(standard->name, stored))) return;
+        m_warnings.add(atLine(m_options.file, m_source.columnLine()) + "column " +
+                       std::to_string(column + 1) + ": the name \"" + name + "\" becomes \"" +
+                       std::string(stored) + '"');
+    }
+
+    void storeParameters() {
+        // A log begins with its revision, which the first parameter brings along.
+        m_log.add_param("KESTA", "Rev 1");
+        for (const TableSource::Parameter& parameter : m_source.parameters()) {
+            const std::string place = atLine(m_options.file, parameter.line);
+            const std::string key = freeKey(parameter.key);
+            if (key != parameter.key) {
+                m_warnings.add(place + "the parameter \"" + parameter.key + "\" becomes \"" + key + '"');
+            }
+            if (keepsParameter(key, parameter.value)) {
+                m_log.add_param(libraryText(key), libraryText(parameter.value));
+            } else {
+                storeChangedParameter(place, key, parameter.value);
+            }
+        }
+    }
+
+    std::string freeKey(const std::string& key) const {
+        std::string candidate = key;
+        for (unsigned number = 2; m_log.findParamIndex(libraryText(candidate)) >= 0; ++number) {
+            candidate = key + ' ' + std::to_string(number);
+        }
+        return candidate;
+    }
+
+    void storeChangedParameter(const std::string& place, const std::string& key, const std::string& value) {
+        std::string keptKey = freeKey(keepableParameterText(key, ":\""));
+        if (keptKey.empty()) keptKey = freeKey("Parameter");
+        const std::string keptValue(cutTo(keepableParameterText(value, "\""), longestSafeValue / 2));
+        m_log.add_param(libraryText(keptKey), libraryText(keptValue));
+        ++m_changed;
+        m_warnings.add(place + "the parameter \"" + key + "\" is stored changed, as \"" + keptKey + ": " +
+                       std::string(cutTo(keptValue, 40)) + "\": " + parameterRules);
+    }
+
+    static std::string keepableParameterText(std::string_view text, std::string_view forbidden) {
+        std::string kept(cutTo(text, longestSafeValue / 2));
+        for (std::size_t at = 0; (at = kept.find("\\n", at)) != std::string::npos;) kept[at] = '/';
+        std::replace_if(
+            kept.begin(), kept.end(),
+            [&](char c) { return forbidden.find(c) != std::string_view::npos || c == '\r' || c == '\n'; },
+            '\'');
+        const std::size_t first = kept.find_first_not_of(" \t\v\f");
+        if (first == std::string::npos) return {};
+        return kept.substr(first, kept.find_last_not_of(" \t\v\f") + 1 - first);
+    }
+
+    void store(unsigned line, const std::vector<std::string>& values) {
+        const unsigned row = m_log.add_records(1);
+        const Zr::Ptr<dbrecord> record = m_log.get_record(row);
+        for (unsigned short i = 0; i < std::min(values.size(), m_reach); ++i) {
+            record->setField(i, libraryText(values[i]));
+        }
+        warnOfLongRow(line, values);
+        storeAsKept(line, *record, values);
+        if (readsAsHeader(record->getField(0).view())) {
+            throw Failure(atLine(m_options.file, line) + "column 1: a log takes the value \"" + values[0] +
+                          "\" in its first column for the beginning of a header; put another column first");
+        }
+    }
+
+    void warnOfLongRow(unsigned line, const std::vector<std::string>& values) {
+        std::size_t beyond = 0;
+        for (std::size_t i = m_namedColumns; i < values.size(); ++i) beyond += values[i].empty() ? 0 : 1;
+        if (beyond == 0) return;
+        m_warnings.add(atLine(m_options.file, line) + std::to_string(beyond) +
+                       (beyond == 1 ? " value" : " values") +
+                       " behind the last named column, kept from column \"" +
+                       m_log.get_fieldname(static_cast<unsigned>(m_namedColumns)) + "\" on");
+    }
+
+    // Replaces the record's values with those that the log will give back.
+    void storeAsKept(unsigned line, dbrecord& record, const std::vector<std::string>& values) {
+        if (m_roundTrip(record).get_num_fields() != record.get_num_fields()) cutLongValues(record, values);
+        const dbrecord& kept = m_roundTrip(record);
+        for (unsigned short i = 0; i < record.get_num_fields() && i < values.size(); ++i) {
+            if (kept.getField(i).view() == values[i]) continue;
+            ++m_changed;
+            m_warnings.add(atLine(m_options.file, line) + "column " + std::to_string(i + 1) + " (" +
+                           m_log.get_fieldname(i) +
+                           "): the value is not kept exactly: " + whyNotKept(values[i]));
+            record.setField(i, kept.getField(i));
+        }
+    }
+
+    static void cutLongValues(dbrecord& record, const std::vector<std::string>& values) {
+        for (unsigned short i = 0; i < record.get_num_fields() && i < values.size(); ++i) {
+            record.setField(i, libraryText(cutTo(values[i], longestSafeValue)));
+        }
+    }
+
+    void report() const {
+        m_warnings.summarise("--all-warnings lists them all");
+        std::string text = m_options.log + ": " + std::to_string(m_log.get_num_records()) + " records, " +
+                           std::to_string(m_log.get_num_fields()) + " columns";
+        if (m_changed > 0) text += ", " + std::to_string(m_changed) + " values not kept exactly";
+        const auto output = standardOutput();
+        output->line(text);
+        output->finish();
+    }
+
+    const ImportOptions& m_options;
+    const TableSource& m_source;
+    Warnings m_warnings;
+    kesta m_log;
+    LineRoundTrip m_roundTrip;
+    std::size_t m_reach = 0;  // the columns up to the last value of any row
+    std::size_t m_namedColumns = 0;
+    std::size_t m_changed = 0;
+    bool m_keepsTags = true;
+};
+
+}  // namespace
+
+int Commands::importFile(const ImportOptions& options) {
+    if (isCommaSeparated(options.log)) {
+        throw Failure(options.log +
+                      ": a log cannot have this name, because files ending in .csv are read as "
+                      "comma-separated text");
+    }
+    if (!options.force && isThere(options.log)) {
+        throw Failure(options.log + ": is there already; --force replaces it");
+    }
+    const auto source = readTable(options.file);
+    Importer(options, *source).run();
+    return exitDone;
+}

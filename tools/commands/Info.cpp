@@ -1,0 +1,64 @@
+// kesta info: what a log is.
+#include <algorithm>
+
+#include "tools/Commands.h"
+#include "tools/DisplayText.h"
+#include "tools/Failure.h"
+#include "tools/Files.h"
+#include "tools/LogFile.h"
+#include "tools/Output.h"
+
+namespace {
+
+std::string padded(const std::string& text, std::size_t cells) {
+    const std::size_t width = displayWidth(text);
+    return text + std::string(width < cells ? cells - width : 0, ' ');
+}
+
+std::size_t widest(const std::vector<std::string>& texts) {
+    std::size_t cells = 0;
+    for (const std::string& text : texts) cells = std::max(cells, displayWidth(text));
+    return cells;
+}
+
+void printParameters(const kesta& log, LineSink& out) {
+    std::vector<std::string> keys;
+    for (const auto& param : log.params()) keys.push_back(harmless(param.name().view()));
+    const std::size_t width = widest(keys);
+    out.line("parameters:");
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        out.line("  " + padded(keys[i], width) + "  " + harmless(log.params()[i].value().view()));
+    }
+}
+
+void printColumns(const kesta& log, LineSink& out) {
+    std::vector<std::string> names;
+    std::vector<std::string> types;
+    for (const std::string& name : columnNames(log)) names.push_back(harmless(name));
+    for (const std::string& type : columnTypes(log)) types.push_back(harmless(type));
+    const std::size_t numberWidth = std::to_string(names.size()).size();
+    const std::size_t nameWidth = widest(names);
+    const std::size_t typeWidth = widest(types);
+    out.line("columns:");
+    for (unsigned i = 0; i < names.size(); ++i) {
+        const auto least = static_cast<unsigned>(kesta::getMinFieldSize(log.get_fieldname(i)));
+        out.line("  " + padded(std::to_string(i + 1), numberWidth) + "  " + padded(names[i], nameWidth) +
+                 "  " + padded(types[i], typeWidth) + "  " +
+                 std::to_string(std::max(least, log.get_fieldsize(i))));
+    }
+}
+
+}  // namespace
+
+int Commands::showInfo(const InfoOptions& options) {
+    const Zr::Ptr<kesta> log = openLog(options.log);
+    const auto output = standardOutput();
+    output->line("file:     " + harmless(options.log));
+    output->line("size:     " + std::to_string(fileSize(options.log)) + " bytes");
+    output->line("revision: " + std::to_string(log->get_revision()));
+    output->line("records:  " + std::to_string(log->get_num_records()));
+    printParameters(*log, *output);
+    printColumns(*log, *output);
+    output->finish();
+    return exitDone;
+}

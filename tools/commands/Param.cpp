@@ -1,0 +1,58 @@
+// kesta param: the parameters of a log.
+#include "tools/Commands.h"
+#include "tools/DisplayText.h"
+#include "tools/Failure.h"
+#include "tools/LogFile.h"
+#include "tools/LogForm.h"
+#include "tools/Messages.h"
+#include "tools/Output.h"
+#include "tools/Suggestion.h"
+
+namespace {
+
+void print(const std::string& text) {
+    const auto output = standardOutput();
+    output->line(harmless(text));
+    output->finish();
+}
+
+int list(const kesta& log) {
+    const auto output = standardOutput();
+    for (const auto& param : log.params()) {
+        output->line(harmless(param.name().view()) + ": " + harmless(param.value().view()));
+    }
+    output->finish();
+    return exitDone;
+}
+
+int show(const kesta& log, const std::string& key) {
+    const int index = log.findParamIndex(libraryText(key));
+    if (index >= 0) {
+        print(std::string(log.params()[static_cast<std::size_t>(index)].value().view()));
+        return exitDone;
+    }
+    std::vector<std::string> keys;
+    for (const auto& param : log.params()) keys.emplace_back(param.name().view());
+    complain("no parameter " + suggestionFor(key, keys, "parameters"));
+    return exitFindings;
+}
+
+int set(const ParamOptions& options) {
+    const Zr::Ptr<kesta> log = openLogForEditing(options.log, options.force);
+    if (sameName(*options.key, "KESTA"))
+        throw Failure("the parameter KESTA is the log's revision and stays as it is");
+    if (!keepsParameter(*options.key, *options.value)) {
+        throw Failure(std::string("a log does not keep this parameter as it is: ") + parameterRules);
+    }
+    log->add_param(libraryText(*options.key), libraryText(*options.value));
+    saveLog(*log, options.log);
+    return exitDone;
+}
+
+}  // namespace
+
+int Commands::parameters(const ParamOptions& options) {
+    if (options.value) return set(options);
+    const Zr::Ptr<kesta> log = openLog(options.log);
+    return options.key ? show(*log, *options.key) : list(*log);
+}

@@ -1,0 +1,16 @@
+// kesta set: one value of a log.
+#include "tools/Commands.h"
+#include "tools/Failure.h"
+#include "tools/LogFile.h"
+#include "tools/LogForm.h"
+#include "tools/RowRanges.h"
+
+int Commands::setValue(const SetOptions& options) {
+    const Zr::Ptr<kesta> log = openLogForEditing(options.log, options.force);
+    const unsigned column = columnNamed(*log, options.column);
+    const unsigned row = parseRow(options.row, log->get_num_records());
+    requireKeptValue(*log, column, options.value);
+    log->setField(row, column, libraryText(options.value));
+    saveLog(*log, options.log);
+    return exitDone;
+}
