@@ -20,7 +20,9 @@ inline bool isControl(char c) {
     return (c >= 0 && c < 32) || c == 127;
 }
 
+/// For comparing: in lower case, and up to a zero byte.
 inline std::string folded(std::string text) {
+    text.resize(text.find('\0') == std::string::npos ? text.size() : text.find('\0'));
     for (char& c : text) {
         if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
     }
@@ -177,7 +179,7 @@ class Loader {
         Fields fields = read().fields;
         if (fields.empty() || folded(fields[0]).compare(0, 6, "kesta:") != 0) return fields;
         addPair(database, fields[0]);
-        std::string digits = database.params[0].second;
+        std::string digits = database.params[0].second.c_str();
         while (!digits.empty() && (digits[0] < '0' || digits[0] > '9')) digits.erase(0, 1);
         database.revision = static_cast<int>(std::strtol(digits.c_str(), nullptr, 10));
         if (database.revision != 1) {

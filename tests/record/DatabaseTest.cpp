@@ -1,0 +1,470 @@
+// The database object: construction, columns, parameters, and fields read and stored by row and column.
+#include <limits>
+
+#include "support/Configuration.h"
+#include "tests/TestSupport.h"
+
+using namespace TestSupport;
+
+namespace {
+
+constexpr unsigned notFound = 0xFFFFFFFF;
+
+const std::vector<DBFieldDesc> sceneAndDate = {{"Scene", DBFieldTypes::eText}, {"Date", DBFieldTypes::eDate}};
+
+void expectEmpty(const kesta& database, int valid) {
+    EXPECT_EQ(database.get_valid(), valid);
+    EXPECT_EQ(database.get_num_fields(), 0U);
+    EXPECT_EQ(database.get_num_records(), 0U);
+    EXPECT_TRUE(database.params().empty());
+    EXPECT_FALSE(database.get_changed());
+    EXPECT_EQ(database.get_revision(), 1);
+    EXPECT_TRUE(database.get_filename().empty());
+}
+
+}  // namespace
+
+// --- Construction and life cycle ---
+
+TEST(DatabaseConstruction, GivesTheDescribedColumnsAndNothingElse) {
+    expectEmpty(*Zr::Ptr<kesta>(new kesta), 0);
+    expectEmpty(*makeDatabase(std::vector<DBFieldDesc>()), 1);
+    const DBFieldDesc* const none = nullptr;
+    expectEmpty(*Zr::Ptr<kesta>(new kesta(none)), 1);
+
+    const DBFieldDesc array[] = {{"Scene", DBFieldTypes::eText},
+                                 {"Date", DBFieldTypes::eDate},
+                                 {"ends the array", DBFieldTypes::eNone},
+                                 {"never seen", DBFieldTypes::eText}};
+    for (const Zr::Ptr<kesta>& database : {Zr::Ptr<kesta>(new kesta(array)), makeDatabase(sceneAndDate)}) {
+        EXPECT_EQ(database->get_valid(), 1);
+        EXPECT_EQ(columnNames(*database), (Fields{"Scene", "Date"}));
+        EXPECT_EQ(columnTypes(*database), (std::vector<int>{'a', 'd'}));
+        EXPECT_EQ(database->get_num_records(), 0U);
+        EXPECT_FALSE(database->get_changed());
+        EXPECT_EQ(database->getFieldNameIndexMap().size(), 2U);
+    }
+}
+
+TEST(DatabaseConstruction, VersionIsFourNumbersWithDotsBetween) {
+    unsigned numbers[4];
+    char rest = 0;
+    EXPECT_EQ(std::sscanf(kestaDllVersionStr(), "%u.%u.%u.%u%c", &numbers[0], &numbers[1], &numbers[2],
+                          &numbers[3], &rest),
+              4);
+}
+
+TEST(DatabaseLifeCycle, InitKeepsRecordsAndFreeReleasesThem) {
+    const Zr::Ptr<kesta> database = makeTextDatabase({"a"}, {{"x"}});
+    database->set_param_val("key", "value");
+    database->set_field(0, 0, "y");
+    const Zr::Ptr<dbrecord> record = database->get_record(0);
+
+    database->init();
+    EXPECT_EQ(database->get_valid(), 0);
+    EXPECT_EQ(database->get_num_fields(), 0U);
+    EXPECT_TRUE(database->params().empty());
+    EXPECT_FALSE(database->get_changed());
+    EXPECT_EQ(database->get_record(0).get(), record.get());
+    EXPECT_EQ(database->get_fieldnum("a"), notFound);
+
+    database->setFields(sceneAndDate);
+    EXPECT_EQ(database->get_num_records(), 0U) << "columns come with the old records gone";
+    EXPECT_EQ(database->get_valid(), 1);
+    EXPECT_EQ(database->get_fieldnum("date"), 1U);
+    EXPECT_EQ(record->refCount(), 1);
+
+    database->add_records(2);
+    database->set_param_val("key", "value");
+    database->free();
+    expectEmpty(*database, 0);
+    EXPECT_TRUE(database->getFieldNameIndexMap().empty());
+}
+
+TEST(DatabaseLifeCycle, RecordsMayOutliveTheirDatabase) {
+    Zr::Ptr<kesta> database = makeTextDatabase({"a"}, {{"x"}});
+    const Zr::Ptr<dbrecord> kept = database->get_record(0);
+    const Zr::Ptr<dbrecord> unlisted = database->make_dummy_record();
+    database.reset();
+    EXPECT_STREQ(kept->get_field(0), "x");
+    EXPECT_TRUE(unlisted->set_field(0, "y", true));
+}
+
+TEST(DatabaseCopy, SharesParametersAndCopiesColumnsAndRecordsOnDemand) {
+    const Zr::Ptr<kesta> original = makeDatabase(sceneAndDate, {{"1", "  2"}, {"3", "4"}});
+    original->set_param_val("Mode", "x");
+    original->set_tag(0, 1);
+    original->set_field(1, 0, "changed");
+    original->set_filename(L"original");
+
+    const Zr::Ptr<kesta> shape(new kesta(*original, 0));
+    EXPECT_EQ(columnNames(*shape), columnNames(*original));
+    EXPECT_EQ(columnTypes(*shape), columnTypes(*original));
+    EXPECT_EQ(shape->get_num_records(), 0U);
+    EXPECT_EQ(shape->get_valid(), 1);
+    EXPECT_FALSE(shape->get_changed());
+    EXPECT_TRUE(shape->get_filename().empty());
+
+    const Zr::Ptr<kesta> copy(new kesta(*original, -1));
+    EXPECT_EQ(rowsOf(*copy), (std::vector<Fields>{{"1", "  2"}, {"changed", "4"}}));
+    EXPECT_EQ(copy->get_tag(0), 0);
+    EXPECT_EQ(copy->get_record(1)->get_container(), nullptr);
+    EXPECT_FALSE(copy->get_record(1)->get_changed());
+    EXPECT_EQ(copy->getField(0, 1).c_str(), original->getField(0, 1).c_str());
+    copy->set_field(0, 0, "other");
+    EXPECT_EQ(str(original->getField(0, 0)), "1");
+    copy->addField({"New", DBFieldTypes::eText});
+    EXPECT_EQ(original->get_fieldnum("New"), notFound);
+
+    copy->set_param_val("mode", "y");
+    shape->set_param_val("Other", "z");
+    EXPECT_EQ(paramsOf(*original), (Pairs{{"KESTA", "Rev 1"}, {"Mode", "y"}, {"Other", "z"}}));
+}
+
+TEST(DatabaseCopy, TakesTheRevisionAndEmptyRecordsForMissingOnes) {
+    TempFolder folder;
+    CapturedLog log;
+    const Zr::Ptr<kesta> original = loadDatabase(folder.with(
+        "a", "\"KESTA:Rev 3\"\n\"KESTA\"\n\"1\",\"1\"\n\"text\",\"text\"\n\"a\",\"b\"\n\"x\",\"y\"\n"));
+    original->insert_records(1, 2);
+    const Zr::Ptr<kesta> copy(new kesta(*original, 1));
+    EXPECT_EQ(copy->get_revision(), 3);
+    EXPECT_EQ(rowsOf(*copy), (std::vector<Fields>{{"x", "y"}, {"", ""}, {"", ""}}));
+}
+
+TEST(DatabaseCopy, HoldsWhatTheOriginalShows) {
+    // A database that always presents just its second record.
+    class Showing : public kesta {
+     public:
+        using kesta::kesta;
+        unsigned get_num_records() const override { return 1; }
+        using kesta::get_record;
+        Zr::Ptr<dbrecord> get_record(unsigned) const override { return kesta::get_record(1); }
+    };
+    Showing original(textColumns({"a"}));
+    fill(original, {{"x"}});
+    original.add_records(1);
+    original.setField(0, 0, "shown");
+    EXPECT_EQ(rowsOf(*Zr::Ptr<kesta>(new kesta(original, 1))), (std::vector<Fields>{{"shown"}}));
+}
+
+// --- Columns ---
+
+TEST(DatabaseColumns, AreFoundByNameInAnyCaseTheFirstOfEqualNames) {
+    const Zr::Ptr<kesta> database = makeTextDatabase({"Date", "Scene", "", "SCENE", "scene"});
+    EXPECT_EQ(database->get_fieldnum("SCENE"), 1U);
+    EXPECT_EQ(database->get_fieldnum("date"), 0U);
+    for (const char* const missing : {"", "Scene ", "Scen", "Scenes"}) {
+        EXPECT_EQ(database->get_fieldnum(missing), notFound) << missing;
+    }
+    EXPECT_EQ(database->getFieldNameIndexMap().size(), 3U);
+    EXPECT_EQ(Zr::Ptr<kesta>(new kesta)->get_fieldnum("a"), notFound);
+
+    EXPECT_STREQ(database->get_fieldname(1), "Scene");
+    for (const unsigned unnamed : {2U, 5U, notFound}) EXPECT_STREQ(database->get_fieldname(unnamed), "");
+}
+
+TEST(DatabaseColumns, AddingOneLengthensEveryRecordUnlessItIsThere) {
+    const Zr::Ptr<kesta> database = makeDatabase(sceneAndDate, {{"1", "2"}, {"3", "4"}});
+    database->insert_records(1, 2);
+    EXPECT_EQ(database->addField({"DATE", DBFieldTypes::eText}), 1U);
+    EXPECT_EQ(columnTypes(*database), (std::vector<int>{'a', 'd'}));
+    EXPECT_EQ(database->addField({"Start time", DBFieldTypes::eTimecode}), 2U);
+    EXPECT_EQ(database->get_fieldnum("start TIME"), 2U);
+    EXPECT_EQ(columnTypes(*database), (std::vector<int>{'a', 'd', 't'}));
+    EXPECT_TRUE(database->isSpecialLabelField(2));
+    EXPECT_EQ(rowsOf(*database),
+              (std::vector<Fields>{{"1", "2", ""}, {"", "", ""}, {"no record"}, {"3", "4", ""}}));
+    EXPECT_EQ(database->newRecord()->get_num_fields(), 3);
+
+    // Columns without a name are never there already.
+    EXPECT_EQ(database->addField({"", DBFieldTypes::eText}), 3U);
+    EXPECT_EQ(database->addField({"", DBFieldTypes::eText}), 4U);
+}
+
+TEST(DatabaseColumns, AddingAsksTheInterfaceWhetherTheNameIsKnown) {
+    class Knowing : public kesta {
+     public:
+        unsigned get_fieldnum(const Text& name) const override {
+            return name == "known" ? 77 : kesta::get_fieldnum(name);
+        }
+    };
+    Knowing database;
+    EXPECT_EQ(database.addField({"known", DBFieldTypes::eText}), 77U);
+    EXPECT_EQ(database.get_num_fields(), 0U);
+}
+
+TEST(DatabaseColumns, RenamingRemovesAmpersandsAndIsSeenByLookUps) {
+    const Zr::Ptr<kesta> database = makeTextDatabase({"a", "b"});
+    EXPECT_EQ(database->get_fieldnum("a"), 0U);
+    EXPECT_TRUE(database->set_fieldname(0, "&Sc&&ene&"));
+    EXPECT_STREQ(database->get_fieldname(0), "Scene");
+    EXPECT_EQ(database->get_fieldnum("scene"), 0U);
+    EXPECT_EQ(database->get_fieldnum("a"), notFound);
+    for (const char* const nothing : {"", "&", static_cast<const char*>(nullptr)}) {
+        EXPECT_TRUE(database->set_fieldname(0, "x"));
+        EXPECT_TRUE(database->set_fieldname(0, nothing));
+        EXPECT_STREQ(database->get_fieldname(0), "");
+    }
+    EXPECT_FALSE(database->set_fieldname(2, "c"));
+    EXPECT_EQ(columnNames(*database), (Fields{"", "b"}));
+}
+
+TEST(DatabaseColumns, StrippingACharacterKeepsTheOthersInOrder) {
+    const auto strip = [](char c, const char* s) { return str(kesta::strip_char_from_string(c, s)); };
+    EXPECT_EQ(strip('&', "&a&&b&"), "ab");
+    EXPECT_EQ(strip('&', "&&"), "");
+    EXPECT_EQ(strip('x', "abc"), "abc");
+    EXPECT_EQ(strip('\xE9',
+                    "\xE9"
+                    "a\xE9"),
+              "a");
+    EXPECT_EQ(strip('&', ""), "");
+    EXPECT_EQ(strip('&', nullptr), "");
+}
+
+TEST(DatabaseColumns, RemovingOneTakesItsFieldFromEveryRecord) {
+    const Zr::Ptr<kesta> database =
+        makeTextDatabase({"a", "Start time", "c"}, {{"1", "2", "3"}, {"4", "5", "6"}});
+    database->insert_records(1, 2);
+    EXPECT_EQ(database->get_fieldnum("c"), 2U);
+    database->removeField("missing");
+    database->removeField("");
+    EXPECT_EQ(database->get_num_fields(), 3U);
+    database->removeField("A");
+    EXPECT_EQ(columnNames(*database), (Fields{"Start time", "c"}));
+    EXPECT_EQ(database->get_fieldnum("c"), 1U);
+    EXPECT_TRUE(database->isSpecialLabelField(0));
+    EXPECT_EQ(rowsOf(*database), (std::vector<Fields>{{"2", "3"}, {"", ""}, {"no record"}, {"5", "6"}}));
+    EXPECT_FALSE(database->get_record(0)->get_changed());
+}
+
+// --- Parameters ---
+
+TEST(DatabaseParameters, AreKeptInOrderBehindTheRevision) {
+    kesta database;
+    EXPECT_EQ(database.add_param("Mode", "x"), 0);
+    EXPECT_EQ(paramsOf(database), (Pairs{{"KESTA", "Rev 1"}, {"Mode", "x"}}));
+    EXPECT_EQ(database.add_param("MODE", "y"), 0);
+    EXPECT_EQ(database.add_param("mode", "y"), 0);
+    EXPECT_EQ(database.add_param("", "z"), -1);
+    database.set_param_val("Empty", nullptr);
+    database.set_param_val(nullptr, "ignored");
+    database.set_param_val("kesta", "Rev 5");
+    EXPECT_EQ(paramsOf(database), (Pairs{{"KESTA", "Rev 5"}, {"Mode", "y"}, {"Empty", ""}}));
+    EXPECT_EQ(str(database.params()[1].asString()), "Mode=y");
+    EXPECT_EQ(database.get_revision(), 1);
+
+    EXPECT_STREQ(database.get_param_val("mODE"), "y");
+    EXPECT_EQ(str(database.getParamVal("mODE")), "y");
+    EXPECT_EQ(database.getParamVal("Mode").c_str(), database.get_param_val("Mode"));
+    for (const char* const empty : {"missing", "Empty", "", "Mod", static_cast<const char*>(nullptr)}) {
+        EXPECT_STREQ(database.get_param_val(empty), "");
+        EXPECT_TRUE(database.getParamVal(empty).empty());
+    }
+    EXPECT_EQ(database.findParamIndex("EMPTY"), 2);
+    EXPECT_EQ(database.findParamIndex("missing"), -1);
+    EXPECT_EQ(database.findParamIndex(""), -1);
+}
+
+TEST(DatabaseParameters, SettingPlainTextsGoesThroughTheInterface) {
+    class Listening : public kesta {
+     public:
+        int add_param(const Text& key, const Text& value) override {
+            heard = str(key) + '=' + str(value);
+            return 0;
+        }
+        std::string heard;
+    };
+    Listening database;
+    database.set_param_val("key", "value");
+    EXPECT_EQ(database.heard, "key=value");
+    EXPECT_TRUE(database.params().empty());
+}
+
+// --- Fields by row and column ---
+
+TEST(DatabaseFields, AreStoredAndReadAsTextNumbersAndFlags) {
+    const Zr::Ptr<kesta> database = makeTextDatabase({"a", "b"}, {{"", ""}});
+    int number = 0;
+    double real = 0;
+    bool flag = false;
+
+    EXPECT_EQ(database->set_field(0, 1, "  12abc "), 1);
+    EXPECT_EQ(str(database->getField(0, 1)), "12abc ");
+    EXPECT_TRUE(database->in_field(0, 1, number));
+    EXPECT_EQ(number, 12);
+    EXPECT_TRUE(database->in_field(0, 1, real));
+    EXPECT_EQ(real, 12.0);
+
+    EXPECT_TRUE(database->setField(0, 1, "  kept"));
+    EXPECT_EQ(str(database->getField(0, 1)), "  kept");
+    EXPECT_TRUE(database->in_field(0, 1, number));
+    EXPECT_EQ(number, 0);
+
+    EXPECT_TRUE(database->set_field(0, 1, -42));
+    EXPECT_EQ(str(database->getField(0, 1)), "-42");
+    EXPECT_TRUE(database->in_field(0, 1, number));
+    EXPECT_EQ(number, -42);
+
+    EXPECT_TRUE(database->set_field(0, 1, 0.125));
+    EXPECT_EQ(str(database->getField(0, 1)), "0.12500000");
+    EXPECT_TRUE(database->in_field(0, 1, real));
+    EXPECT_EQ(real, 0.125);
+
+    EXPECT_TRUE(database->set_field(0, 1, true));
+    EXPECT_EQ(str(database->getField(0, 1)), "t");
+    EXPECT_TRUE(database->in_field(0, 1, flag));
+    EXPECT_TRUE(flag);
+    for (const char* const notTrue : {"f", "T", "1", "yes"}) {
+        database->set_field(0, 1, notTrue);
+        flag = true;
+        EXPECT_TRUE(database->in_field(0, 1, flag));
+        EXPECT_FALSE(flag) << notTrue;
+    }
+    database->set_field(0, 1, "tomorrow");
+    EXPECT_TRUE(database->in_field(0, 1, flag));
+    EXPECT_TRUE(flag) << "only the first byte counts";
+
+    EXPECT_TRUE(database->getField(0, 0).empty());
+}
+
+TEST(DatabaseFields, EmptyAndMissingOnesLeaveTheDestinationAlone) {
+    const Zr::Ptr<kesta> database = makeTextDatabase({"a", "b"}, {{"", "x"}});
+    database->insert_records(1, 2);
+    const std::pair<unsigned, unsigned> places[] = {{0, 0}, {0, 2}, {0, 65537},   {0, notFound},
+                                                    {2, 1}, {3, 1}, {notFound, 1}};
+    for (const auto& [row, field] : places) {
+        int number = 7;
+        double real = 7;
+        bool flag = true;
+        char buffer[] = "#";
+        EXPECT_FALSE(database->in_field(row, field, number));
+        EXPECT_FALSE(database->in_field(row, field, real));
+        EXPECT_FALSE(database->in_field(row, field, flag));
+        EXPECT_FALSE(database->in_field(row, field, buffer, 1));
+        EXPECT_EQ(number, 7);
+        EXPECT_EQ(real, 7);
+        EXPECT_TRUE(flag);
+        EXPECT_STREQ(buffer, "#");
+        EXPECT_TRUE(database->getField(row, field).empty());
+        if (row == 0 && field == 0) continue;
+        EXPECT_EQ(database->set_field(row, field, "y"), 0);
+        EXPECT_FALSE(database->setField(row, field, "y"));
+        EXPECT_FALSE(database->set_field(row, field, 1));
+        EXPECT_FALSE(database->set_field(row, field, 1.0));
+        EXPECT_FALSE(database->set_field(row, field, true));
+    }
+    EXPECT_FALSE(database->get_changed());
+    EXPECT_EQ(rowsOf(*database), (std::vector<Fields>{{"", "x"}, {"", ""}, {"no record"}}));
+}
+
+TEST(DatabaseFields, AreCopiedIntoABufferWithAClosingZero) {
+    const Zr::Ptr<kesta> database = makeTextDatabase({"a"}, {{"abcdef"}});
+    char buffer[9] = "########";
+    EXPECT_TRUE(database->in_field(0, 0, buffer, 3));
+    EXPECT_EQ(std::string(buffer, 5), bytes("abc\0#"));
+    EXPECT_TRUE(database->in_field(0, 0, buffer, 8));
+    EXPECT_STREQ(buffer, "abcdef");
+    EXPECT_EQ(buffer[8], '\0');
+    EXPECT_FALSE(database->in_field(0, 0, buffer, -1));
+    EXPECT_FALSE(database->in_field(0, 0, nullptr, 3));
+    EXPECT_STREQ(buffer, "abcdef");
+}
+
+TEST(DatabaseFields, GoThroughTheInterfacesRecordsAndFields) {
+    // Presents its rows in reverse.
+    class Reversed : public kesta {
+     public:
+        using kesta::get_record;
+        using kesta::kesta;
+        Zr::Ptr<dbrecord> get_record(unsigned row) const override { return kesta::get_record(1 - row); }
+        const Text& getField(unsigned row, unsigned field) const override {
+            return kesta::getField(row, 1 - field);
+        }
+    };
+    Reversed database(textColumns({"a", "b"}));
+    database.add_records(2);
+    kesta& base = database;
+    EXPECT_TRUE(base.set_field(0, 0, 5));
+    EXPECT_EQ(base.set_field(0, 1, "6"), 1);
+    EXPECT_TRUE(base.setField(1, 0, "7"));
+    EXPECT_EQ(fieldsOf(*base.kesta::get_record(1U)), (Fields{"5", "6"}));
+    EXPECT_EQ(fieldsOf(*base.kesta::get_record(0U)), (Fields{"7", ""}));
+    int number = 0;
+    EXPECT_TRUE(base.in_field(1, 1, number));
+    EXPECT_EQ(number, 7);
+}
+
+TEST(DatabaseRecords, NewOnesAreContainedAndDummiesAreFree) {
+    const Zr::Ptr<kesta> database = makeTextDatabase({"a", "b"});
+    const Zr::Ptr<dbrecord> contained = database->newRecord();
+    const Zr::Ptr<dbrecord> dummy = database->make_dummy_record();
+    EXPECT_EQ(contained->get_num_fields(), 2);
+    EXPECT_EQ(dummy->get_num_fields(), 2);
+    EXPECT_EQ(contained->get_container(), database.get());
+    EXPECT_EQ(dummy->get_container(), nullptr);
+    EXPECT_EQ(database->get_num_records(), 0U);
+    EXPECT_FALSE(database->get_changed());
+    EXPECT_EQ(database->baseIndex(5), 5);
+    EXPECT_EQ(database->baseIndex(-1), -1);
+    EXPECT_EQ(database->get_show_tags_only(), 0);
+}
+
+TEST(DatabaseName, IsKeptAsGiven) {
+    kesta database;
+    database.set_filename(L"/a/b\u00E9.kst");
+    database.set_filename(database.get_filename());
+    EXPECT_EQ(database.get_filename(), WideText(L"/a/b\u00E9.kst"));
+}
+
+// --- Settings, which a process reads once: each of these runs in a process of its own ---
+
+namespace {
+
+// Ends the process with the number of the first expectation that does not hold, or with 0.
+[[noreturn]] void endWithFirstFailure(std::initializer_list<bool> expectations) {
+    int number = 1;
+    for (const bool holds : expectations) {
+        if (!holds) std::_Exit(number);
+        ++number;
+    }
+    std::_Exit(0);
+}
+
+}  // namespace
+
+class DatabaseSettings : public ::testing::Test {
+ protected:
+    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+TEST_F(DatabaseSettings, AmpersandsStayWhenTheSettingIsOff) {
+    EXPECT_EXIT(
+        {
+            config_set_int("remove_fieldname_ampersands", 0);
+            const Zr::Ptr<kesta> database = makeTextDatabase({"a"});
+            const bool renamed = database->set_fieldname(0, "Sc&ene");
+            const bool kept = std::string(database->get_fieldname(0)) == "Sc&ene";
+            config_set_int("remove_fieldname_ampersands", 1);
+            database->set_fieldname(0, "&b");
+            endWithFirstFailure({renamed, kept, database->get_fieldnum("Scene") == notFound,
+                                 std::string(database->get_fieldname(0)) == "&b"});
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST_F(DatabaseSettings, SecondaryReelsAreNotExportedWhenTheSettingIsOff) {
+    EXPECT_EXIT(
+        {
+            config_set_int("dbv_reel_field_editable", 0);
+            const Zr::Ptr<kesta> database = makeTextDatabase({"name", "reel", "snd reel", "lab reel", "who"},
+                                                             {{"n", "r", "s", "l", "w"}});
+            configb block;
+            const int exported = database->get_record(0)->update(&block);
+            endWithFirstFailure({exported == 2, block.find("reelid") != nullptr, block.find("who") != nullptr,
+                                 block.find("name") != nullptr, block.find("reelid1") == nullptr,
+                                 block.find("lab_reel") == nullptr});
+        },
+        testing::ExitedWithCode(0), "");
+}
