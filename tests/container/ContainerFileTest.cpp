@@ -336,18 +336,21 @@ TEST_F(ContainerSavedOver, AWrittenTemporaryNameNeverLeadsOutOfTheFolder) {
 TEST_F(ContainerSavedOver, AFailedSaveLeavesTheOldFileAndNothingElse) {
     const std::string longName(253, 'x');  // no room for the temporary name's ending
     for (const std::string& fileName : {std::string("box.sg"), longName}) saveClips(folder / fileName, 3);
-    std::filesystem::create_directory(folder / "folder.sg");
+    for (const char* taken : {"folder.sg", "other.sg", "other.sg.tmp"}) {
+        std::filesystem::create_directory(folder / taken);
+    }
     const std::vector<std::string> before = folder.names();
 
     saveClips(folder / longName, 4);
     EXPECT_TRUE(holdsClips(folder / longName, 3));
     saveClips(folder / "folder.sg", 4);  // written, but cannot be moved there
+    saveClips(folder / "other.sg", 4);   // cannot be written; the folder must not be moved instead
     saveClips(folder / "absent" / "box.sg", 4);
     saveClips({}, 4);
     EXPECT_EQ(folder.names(), before);
 
     // Neither half a file nor what an earlier writer left takes the place of the old one.
-    std::filesystem::copy_file(folder / longName, folder / "box.sg.tmp");
+    saveClips(folder / "box.sg.tmp", 4);
     {
         const FileSizeLimit limit(1024);
         saveClips(folder / "box.sg", 1000);
