@@ -11,7 +11,6 @@
 #include <cstdint>
 #include <string_view>
 
-#include "record/dbrecord.h"
 #include "record/kesta.h"
 #include "support/Ascii.h"
 
@@ -39,6 +38,8 @@ struct Place {
     std::size_t key = 0;
     unsigned offset = 0;
     bool exact = false;  // in the second round of the dictionary rule, which minds case
+
+    bool beginsKey() const noexcept { return offset == 0 && !exact; }
 };
 
 struct Group {
@@ -85,13 +86,38 @@ class RecordSorter {
         }
         if (m_keys.empty()) {
             moveBlanksBehind(0);
-        } else {
-            sortEntries();
+        } else if (!m_entries.empty()) {
+            m_groups.push_back({0, m_entries.size(), Place()});
         }
+        while (!m_groups.empty()) sortRound();
         return rows();
     }
 
  private:
+    // Walks the entries of all groups some steps ahead of the round.
+    class Scout {
+     public:
+        Scout(const RecordSorter& sorter, unsigned lead) : m_sorter(sorter) {
+            m_entry = sorter.m_groups.front().begin;
+            for (; lead != 0; --lead) step();
+        }
+
+        void step() noexcept {
+            if (atEnd() || ++m_entry != group().end) return;
+            ++m_group;
+            if (!atEnd()) m_entry = group().begin;
+        }
+
+        bool atEnd() const noexcept { return m_group == m_sorter.m_groups.size(); }
+        const Group& group() const noexcept { return m_sorter.m_groups[m_group]; }
+        const Entry& entry() const noexcept { return m_sorter.m_entries[m_entry]; }
+
+     private:
+        const RecordSorter& m_sorter;
+        std::size_t m_group = 0;
+        std::size_t m_entry;
+    };
+
     void takeKeys() {
         for (const int* field = cmp_fields; field && *field >= 0; ++field) {
             const KeyRule rule = m_descending ? KeyRule::ignoringCase : sortKeys.rule(*field);
@@ -99,42 +125,64 @@ class RecordSorter {
         }
     }
 
-    void sortEntries() {
-        m_groups.push_back({0, m_entries.size(), Place()});
-        while (!m_groups.empty()) {
-            Group group = m_groups.back();
-            m_groups.pop_back();
-            if (group.place.offset == 0 && !group.place.exact) fetchTexts(group);
-            fetchWords(group);
+    // Sorts each group by its next words and leaves the groups that are level in them.
+    void sortRound() {
+        fetchWords();
+        m_level.clear();
+        for (const Group& group : m_groups) {
             sortByWord(group);
             keepLevelOnes(group);
         }
+        m_groups.swap(m_level);
     }
 
-    // Gives each entry its text for the group's key. In ascending order those without one leave the group:
-    // they come behind the others, and for them the comparison ends here.
-    void fetchTexts(Group& group) {
-        const unsigned short field = m_keys[group.place.key].field;
-        m_withoutText.clear();
-        std::size_t kept = group.begin;
-        for (std::size_t i = group.begin; i < group.end; ++i) {
-            Entry& entry = m_entries[i];
-            const std::string_view text = m_records[entry.row]->getField(field).view();
-            if (text.empty() && !m_descending) {
-                m_withoutText.push_back(entry);
-                continue;
+    // One walk over all groups, so that what comes from memory is asked for in time, however small they are.
+    void fetchWords() {
+        Scout records(*this, 24);
+        Scout fields(*this, 16);
+        Scout texts(*this, 8);
+        for (Group& group : m_groups) {
+            m_withoutText.clear();
+            std::size_t kept = group.begin;
+            for (std::size_t i = group.begin; i < group.end; ++i) {
+                prefetch(records, fields, texts);
+                Entry entry = m_entries[i];
+                if (group.place.beginsKey() && !fetchText(entry, group.place)) {
+                    m_withoutText.push_back(entry);
+                    continue;
+                }
+                fetchWord(entry, group.place);
+                m_entries[kept++] = entry;
             }
-            setText(entry, text);
-            m_entries[kept++] = entry;
+            if (kept != group.end) moveBehind(group, kept);
         }
-        const auto behind = m_entries.begin() + static_cast<std::ptrdiff_t>(kept);
-        std::copy(m_withoutText.begin(), m_withoutText.end(), behind);
-        // A record with text in the first key is not blank, so only the others need looking at.
-        if (group.place.key == 0 && !m_withoutText.empty()) moveBlanksBehind(kept);
-        group.end = kept;
     }
 
-    void setText(Entry& entry, std::string_view text) const noexcept {
+    void prefetch(Scout& records, Scout& fields, Scout& texts) const noexcept {
+        if (!records.atEnd() && records.group().place.beginsKey()) {
+            __builtin_prefetch(m_records[records.entry().row]);
+        }
+        if (!fields.atEnd() && fields.group().place.beginsKey()) {
+            __builtin_prefetch(&field(fields.entry(), fields.group().place));
+        }
+        if (!texts.atEnd()) {
+            const Place& place = texts.group().place;
+            __builtin_prefetch(place.beginsKey() ? field(texts.entry(), place).c_str()
+                                                 : texts.entry().text + place.offset);
+        }
+        records.step();
+        fields.step();
+        texts.step();
+    }
+
+    const LightweightString<char>& field(const Entry& entry, const Place& place) const noexcept {
+        return m_records[entry.row]->getField(m_keys[place.key].field);
+    }
+
+    // Gives the entry its text for the key; false when in ascending order it has none.
+    bool fetchText(Entry& entry, const Place& place) const noexcept {
+        std::string_view text = field(entry, place).view();
+        if (text.empty() && !m_descending) return false;
         // The comparators see texts that end at a zero character.
         text = text.substr(0, text.find('\0'));
         if (!m_descending) {
@@ -142,20 +190,26 @@ class RecordSorter {
         }
         entry.text = text.data();
         entry.length = static_cast<unsigned>(text.size());
+        return true;
     }
 
-    void fetchWords(const Group& group) noexcept {
-        const Place place = group.place;
-        const Word flip = m_descending ? ~Word(0) : 0;
-        for (std::size_t i = group.begin; i < group.end; ++i) {
-            Entry& entry = m_entries[i];
-            entry.word = 0;
-            if (place.offset < entry.length) {
-                entry.word = leadingWord(entry.text + place.offset, entry.length - place.offset);
-                if (!place.exact) entry.word = folded(entry.word);
-            }
-            entry.word ^= flip;
+    void fetchWord(Entry& entry, const Place& place) const noexcept {
+        entry.word = 0;
+        if (place.offset < entry.length) {
+            entry.word = leadingWord(entry.text + place.offset, entry.length - place.offset);
+            if (!place.exact) entry.word = folded(entry.word);
         }
+        if (m_descending) entry.word = ~entry.word;
+    }
+
+    // Entries without a text for the key leave the group: they come behind the others, and for them the
+    // comparison ends here.
+    void moveBehind(Group& group, std::size_t kept) {
+        std::copy(m_withoutText.begin(), m_withoutText.end(),
+                  m_entries.begin() + static_cast<std::ptrdiff_t>(kept));
+        // A record with text in the first key is not blank, so only the others need looking at.
+        if (group.place.key == 0) moveBlanksBehind(kept);
+        group.end = kept;
     }
 
     void sortByWord(const Group& group) {
@@ -174,7 +228,7 @@ class RecordSorter {
             while (end < group.end && m_entries[end].word == word) ++end;
             if (end - begin > 1) {
                 const Place next = following(group.place, m_descending ? ~word : word);
-                if (next.key < m_keys.size()) m_groups.push_back({begin, end, next});
+                if (next.key < m_keys.size()) m_level.push_back({begin, end, next});
             }
             begin = end;
         }
@@ -215,7 +269,8 @@ class RecordSorter {
     std::vector<Key> m_keys;
     std::vector<Entry> m_entries;
     std::vector<Entry> m_withoutText;
-    std::vector<Group> m_groups;
+    std::vector<Group> m_groups;  // never an empty one
+    std::vector<Group> m_level;
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "record/Prefetch.h"
 #include "record/kesta.h"
 #include "support/Ascii.h"
 
@@ -89,6 +90,12 @@ int kesta::match_record(const Zr::Ptr<dbrecord>& record) const {
 }
 
 int kesta::match_record(int row) const {
+    // Callers walk the rows in order.
+    if (!m_showTagsOnly && !m_conditions.empty()) {
+        prefetchField(static_cast<unsigned>(row), m_records.size(),
+                      static_cast<unsigned short>(m_conditions.front()),
+                      [this](std::size_t i) { return m_records[i].get(); });
+    }
     return match_record(get_record(static_cast<unsigned>(row)));
 }
 
