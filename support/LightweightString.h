@@ -32,8 +32,9 @@ class LightweightString {
     /// The text up to its zero character; null is the empty text.
     LightweightString(const Char* text) : LightweightString(text ? View(text) : View()) {}
 
-    /// The first `length` characters of `text`, zero characters among them.
-    LightweightString(const Char* text, unsigned length) : LightweightString(View(text, length)) {}
+    /// The first `length` characters of `text`, zero characters among them; null is the empty text.
+    LightweightString(const Char* text, unsigned length)
+        : LightweightString(text ? View(text, length) : View()) {}
 
     explicit LightweightString(View text) {
         if (!text.empty()) m_body = Body::make(text, text.size());

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <ostream>
 #include <stdexcept>
 #include <stdlib.h>
 #include <string>
@@ -294,4 +295,25 @@ class CountingAllocator : public iAllocator {
     bool m_lasting = false;
 };
 
+/// Runs `attempt` with memory ending at its first request, then at its second, and so on until it has enough.
+/// After each failure `verify` looks at what is left, with memory back. Answers how many attempts failed.
+template <class Attempt, class Verify>
+unsigned failEachRequest(Attempt attempt, Verify verify) {
+    for (unsigned failures = 0;; ++failures) {
+        try {
+            CountingAllocator memory;
+            memory.failAt(failures + 1, true);
+            attempt();
+            return failures;
+        } catch (const Zr::Exception::BadAlloc&) {
+        }
+        verify();
+    }
+}
+
 }  // namespace TestSupport
+
+/// How tests show a string.
+inline void PrintTo(const LightweightString<char>& text, std::ostream* out) {
+    *out << testing::PrintToString(TestSupport::str(text));
+}

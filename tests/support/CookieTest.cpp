@@ -1,0 +1,117 @@
+#include <string>
+#include <unordered_set>
+
+#include "support/Cookie.h"
+#include "tests/TestSupport.h"
+
+using namespace TestSupport;
+
+namespace {
+
+const char plain[] = "M00112233445566778899aabbccddeeff5a";
+const char grouped[] = "M00112233-4455-6677-8899-aabbccddeeff5a";
+
+Cookie read(const std::string& text) {
+    return Cookie(text.c_str(), false);
+}
+
+}  // namespace
+
+TEST(Cookie, BothSpellingsReadBackToAnEqualCookie) {
+    const Cookie cookie = read(plain);
+    EXPECT_EQ(cookie.type(), 'M');
+    EXPECT_EQ(cookie.qualifier(), 0x5A);
+    EXPECT_EQ(cookie.uuid().bytes[0], 0x00);
+    EXPECT_EQ(cookie.uuid().bytes[15], 0xFF);
+    EXPECT_EQ(cookie.asString(false), plain);
+    EXPECT_EQ(cookie.asString(true), grouped);
+
+    for (const char* text : {plain, grouped, "m00112233445566778899AABBCCDDEEFF5A",
+                             "M00112233-4455-6677-8899-AABBCCDDEEFF5A\n"}) {
+        EXPECT_EQ(Cookie(text, false), cookie) << text;
+        EXPECT_EQ(Cookie(text, true), cookie) << text;
+    }
+    EXPECT_EQ(Cookie(LightweightString<wchar_t>(L"M00112233-4455-6677-8899-aabbccddeeff5a"), false), cookie);
+}
+
+TEST(Cookie, BlankTextIsTheNullIdentifier) {
+    for (const char* text : {static_cast<const char*>(nullptr), "", " \t\n"}) {
+        const Cookie cookie(text, false);
+        EXPECT_TRUE(cookie.isNull());
+        EXPECT_EQ(cookie, Cookie());
+        EXPECT_EQ(cookie.asString(true), "");
+    }
+    EXPECT_FALSE(read("M0000000000000000000000000000000000").isNull());
+}
+
+TEST(Cookie, OtherTextIsAName) {
+    // The hash is stored in files: it must never change.
+    const Cookie fox = read("The quick brown fox jumps over the lazy dog");
+    EXPECT_EQ(fox.asString(false), "Ne34bbc7bbc071b6c7a433ca9c49a934700");
+    EXPECT_EQ(read(" The quick brown fox jumps over the lazy dog\n"), fox);
+    EXPECT_EQ(read(str(fox.asString(true))), fox);
+    EXPECT_EQ(Cookie(LightweightString<wchar_t>(L"h\u00E9"), false), read("h\xC3\xA9"));
+
+    // Almost, but not, a text form.
+    for (const char* text :
+         {"M00112233445566778899aabbccddeeff5", "M00112233445566778899aabbccddeeff5aa",
+          "M00112233445566778899aabbccddeefg5a", "700112233445566778899aabbccddeeff5a",
+          "M00112233+4455-6677-8899-aabbccddeeff5a", "M0011223-34455-6677-8899-aabbccddeeff5a"}) {
+        EXPECT_EQ(read(text).type(), 'N') << text;
+        EXPECT_NE(read(text), read(plain)) << text;
+    }
+}
+
+TEST(Cookie, DifferentNamesAreDifferentIdentifiers) {
+    std::unordered_set<std::string> seen;
+    const auto isNew = [&](const std::string& name) {
+        return seen.insert(str(read(name).asString(false))).second;
+    };
+    for (int i = 0; i < 20000; ++i) ASSERT_TRUE(isNew("clip " + std::to_string(i))) << i;
+    for (std::size_t length = 1; length < 100; ++length)
+        ASSERT_TRUE(isNew(std::string(length, 'x'))) << length;
+    EXPECT_TRUE(isNew("Clip 1"));
+}
+
+TEST(Cookie, OrderIsByUuidThenKindThenQualifier) {
+    const Cookie ascending[] = {
+        Cookie(),
+        read("A0000000000000000000000000000000000"),
+        read("A0000000000000000000000000000000001"),
+        read("A00000000000000000000000000000000ff"),
+        read("B0000000000000000000000000000000000"),
+        read("A0000000000000000000000000000000100"),
+        read("A7f00000000000000000000000000000000"),
+        read("A8000000000000000000000000000000000"),
+    };
+    for (const Cookie& a : ascending) {
+        for (const Cookie& b : ascending) {
+            EXPECT_EQ(a < b, &a < &b) << a.asString(false).c_str() << " / " << b.asString(false).c_str();
+            EXPECT_EQ(a.compare(b) == 0, &a == &b);
+            EXPECT_EQ(a.compare(b) > 0, &a > &b);
+        }
+    }
+}
+
+TEST(Cookie, ConversionReplacesKindAndQualifier) {
+    const Cookie cookie = convertCookie(read(plain), 'B', 255);
+    EXPECT_EQ(cookie.asString(false), "B00112233445566778899aabbccddeeffff");
+    EXPECT_EQ(convertCookie(cookie, 'M', 0x5A), read(plain));
+}
+
+TEST(Cookie, EveryCookieThatCanBeMadeReadsBack) {
+    const Zr::UUID uuid = read(plain).uuid();
+    for (int type = 0; type < 256; ++type) {
+        const Cookie cookie(uuid, static_cast<char>(type), 200);
+        EXPECT_EQ(read(str(cookie.asString(false))), cookie) << type;
+    }
+    EXPECT_EQ(Cookie(uuid, 'b', 1), Cookie(uuid, 'B', 1));
+    EXPECT_TRUE(Cookie(uuid, '?', 1).isNull());
+}
+
+TEST(Cookie, ReadingTakesNoMemory) {
+    const CountingAllocator memory;
+    EXPECT_FALSE(Cookie(grouped, false).isNull());
+    EXPECT_FALSE(Cookie("a name longer than any text form of an identifier", false).isNull());
+    EXPECT_EQ(memory.requests(), 0u);
+}

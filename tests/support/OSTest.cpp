@@ -1,0 +1,166 @@
+#include <cstdlib>
+#include <dlfcn.h>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/CriticalSection.h"
+#include "support/IdStamp.h"
+#include "support/OS.h"
+#include "support/SystemWatchdog.h"
+#include "tests/TestSupport.h"
+
+using namespace TestSupport;
+
+using Files = TempFolderTest;
+
+// Sanitizers end the process when malloc is asked for more than there can be, unless they are told to answer
+// as the C library does.
+extern "C" KESTA_API const char* __asan_default_options() {
+    return "allocator_may_return_null=1";
+}
+extern "C" KESTA_API const char* __tsan_default_options() {
+    return "allocator_may_return_null=1";
+}
+
+TEST(Allocator, AnswersABlockForEverySizeOrThrows) {
+    iAllocator& memory = *OS()->allocator();
+    void* const nothing = memory.allocate(0);
+    EXPECT_NE(nothing, nullptr);
+    memory.release(nothing);
+    memory.release(nullptr);
+    EXPECT_THROW(memory.allocate(SIZE_MAX / 2), Zr::Exception::BadAlloc);
+    std::free(memory.allocate(100));  // blocks are malloc's
+}
+
+TEST(Allocator, AnotherMayTakeItsPlace) {
+    iAllocator* const builtIn = OS()->allocator();
+    {
+        CountingAllocator mine;
+        EXPECT_EQ(OS()->allocator(), &mine);
+        EXPECT_EQ(OS()->setAllocator(nullptr), &mine);
+        EXPECT_EQ(OS()->allocator(), builtIn);
+    }
+    EXPECT_EQ(OS()->allocator(), builtIn);
+}
+
+TEST(Allocator, LibrariesKeepTheirMemoryOperatorsToThemselves) {
+    for (const char* symbol : {"_Znwm", "_Znam", "_ZdlPv", "_ZdlPvm", "_ZnwmRKSt9nothrow_t"}) {
+        Dl_info owner{};
+        ASSERT_NE(dladdr(dlsym(RTLD_DEFAULT, symbol), &owner), 0);
+        const std::string file = std::filesystem::path(owner.dli_fname).filename();
+        for (const char* library : {"libOS.", "libzr.", "libmisc.", "libkesta."}) {
+            EXPECT_NE(file.rfind(library, 0), 0u) << symbol << " comes from " << file;
+        }
+    }
+}
+
+TEST_F(Files, MoveReplacesTheTarget) {
+    const auto from = folder.with("new", "new text");
+    const auto to = folder.with("old", "old text");
+    EXPECT_TRUE(OS()->fileSystem()->move(wide(from), wide(to), 0));
+    EXPECT_EQ(readFile(to), "new text");
+    EXPECT_FALSE(fileExists(wide(from)));
+}
+
+TEST_F(Files, AMoveThatFailsLeavesBothNames) {
+    const auto from = folder.with("source", "source text");
+    const auto to = folder.with("target", "target text");
+    iFileSystem& files = *OS()->fileSystem();
+    EXPECT_FALSE(files.move(wide(folder / "missing"), wide(to), 0));
+    EXPECT_FALSE(files.move(wide(from), wide(folder / "no folder" / "target"), 0));
+    EXPECT_FALSE(files.move(wide(from), wide(folder.path()), 0));
+    EXPECT_FALSE(files.move(wide(from), WideText(), 0));
+    EXPECT_FALSE(files.move(WideText(), wide(to), 0));
+    // A name that the system would cut short, and take for another file.
+    EXPECT_FALSE(files.move(wide(from), wide(to) + WideText(L"\0x", 2), 0));
+    EXPECT_EQ(readFile(from), "source text");
+    EXPECT_EQ(readFile(to), "target text");
+}
+
+TEST_F(Files, NamesMayBeAnyBytes) {
+    for (const char* name : {"r\xC3\xA9"
+                             "el",
+                             "\xFFreel", "\xED\xB2\x80"}) {
+        const auto file = folder.with(name, "text");
+        EXPECT_TRUE(fileExists(wide(file)));
+        EXPECT_TRUE(OS()->fileSystem()->move(wide(file), wide(folder / "plain"), 0));
+        EXPECT_FALSE(fileExists(wide(file)));
+    }
+    EXPECT_TRUE(fileExists(wide(folder.path())));
+    EXPECT_FALSE(fileExists(wide(folder / "plain") + WideText(L"\0", 1)));
+    EXPECT_FALSE(fileExists(WideText()));
+}
+
+TEST(Log, MessagesReachTheSinkInOnePiece) {
+    const CapturedLog log;
+    const std::string longText(5000, 'x');
+    dorp_printf("row %d of %s\n", 7, "reel");
+    LogBoth("%s\n", longText.c_str());
+    kes_splat("100%s\n");
+    dorp_printf("%s", "");
+    kes_splat(nullptr);
+    EXPECT_EQ(log.messages(), (std::vector<std::string>{"row 7 of reel\n", longText + "\n", "100%s\n", ""}));
+}
+
+TEST(Log, WritesToStandardErrorUnlessToldOtherwise) {
+    testing::internal::CaptureStderr();
+    { const CapturedLog log; }
+    LogBoth("%u\n", 5u);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "5\n");
+}
+
+TEST(Log, OrdinaryMessagesNeedNoMemory) {
+    const CapturedLog log;
+    const std::string longText(5000, 'x');
+    CountingAllocator memory;
+    memory.failAt(1, true);
+    dorp_printf("%s", "out of memory\n");
+    dorp_printf("%s", longText.c_str());
+    EXPECT_EQ(log.messages().front(), "out of memory\n");
+    EXPECT_EQ(longText.rfind(log.messages().back(), 0), 0u);  // perhaps cut
+}
+
+TEST(CriticalSection, KeepsOthersOutUntilItsHolderHasLeftAsOftenAsItEntered) {
+    CriticalSection section;
+    long counter = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            for (int n = 0; n < 10000; ++n) {
+                section.enter();
+                section.enter();
+                section.leave();
+                ++counter;
+                section.leave();
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(counter, 40000);
+}
+
+TEST(SystemWatchdog, AnnouncementsNestOnEachThread) {
+    SystemWatchdog::beginLifeSupport();
+    SystemWatchdog::beginLifeSupport();
+    std::thread([] { EXPECT_EQ(SystemWatchdog::openAnnouncements(), 0); }).join();
+    EXPECT_EQ(SystemWatchdog::openAnnouncements(), 2);
+    SystemWatchdog::endLifeSupport();
+    SystemWatchdog::endLifeSupport();
+    SystemWatchdog::endLifeSupport();  // one too many
+    EXPECT_EQ(SystemWatchdog::openAnnouncements(), 0);
+}
+
+TEST(IdStamp, NamesItsOwnerAndTheOwnersCopies) {
+    const IdStamp a;
+    const IdStamp b;
+    const IdStamp copy = a;
+    EXPECT_NE(a, b);
+    EXPECT_EQ(a, copy);
+
+    Identified listener;
+    EXPECT_NE(listener.id(), a);
+    listener.id(b);
+    EXPECT_EQ(listener.id(), b);
+}

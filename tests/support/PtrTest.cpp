@@ -1,0 +1,98 @@
+#include <gtest/gtest.h>
+#include <new>
+#include <thread>
+#include <vector>
+
+#include "support/Ptr.h"
+#include "support/iObject.h"
+
+namespace {
+
+int alive = 0;
+
+class Base : public iObject {
+ public:
+    Base() { ++alive; }
+    Base(const Base& other) : InternalRefCount(other), iVirtual(other), iObject(other) { ++alive; }
+    Base& operator=(const Base&) = default;
+    ~Base() override { --alive; }
+};
+
+class Left : public virtual Base {};
+class Right : public virtual Base {};
+class Joined : public Left, public Right {};
+
+struct Plain {
+    Plain() { ++alive; }
+    ~Plain() { --alive; }
+};
+using PlainPtr = Zr::Ptr<Plain, Zr::DtorTraits, Zr::ExternalRefCountTraits>;
+
+}  // namespace
+
+TEST(Ptr, TheLastOneDestroysTheObjectOnWhateverRoadItIsHeld) {
+    Zr::Ptr<Joined> joined(new Joined);
+    Zr::Ptr<Left> left = joined;
+    Zr::Ptr<iObject> object = left;
+    EXPECT_EQ(joined->refCount(), 3);
+    EXPECT_EQ(object.get(), joined.get());
+    joined.reset();
+    object = Zr::Ptr<Base>(left);
+    EXPECT_EQ(left->refCount(), 2);
+    EXPECT_EQ(alive, 1);
+    left.reset();
+    EXPECT_EQ(alive, 1);
+    object.reset();
+    EXPECT_EQ(alive, 0);
+}
+
+TEST(Ptr, AssigningToItselfAndMovingKeepTheObject) {
+    Zr::Ptr<Base> a(new Base);
+    Zr::Ptr<Base>& same = a;
+    a = same;
+    a = std::move(same);
+    ASSERT_TRUE(a);
+    EXPECT_EQ(a->refCount(), 1);
+
+    Zr::Ptr<Base> b = std::move(a);
+    EXPECT_FALSE(a);
+    EXPECT_EQ(b->refCount(), 1);
+    b = Zr::Ptr<Base>();
+    EXPECT_EQ(alive, 0);
+}
+
+TEST(Ptr, CopyingAnObjectDoesNotCopyItsCount) {
+    const Zr::Ptr<Base> a(new Base);
+    const Zr::Ptr<Base> also = a;
+    Zr::Ptr<Base> b(new Base(*a));
+    EXPECT_EQ(b->refCount(), 1);
+    *b = *a;
+    EXPECT_EQ(b->refCount(), 1);
+    EXPECT_EQ(a->refCount(), 2);
+}
+
+TEST(Ptr, CountsPlainObjectsInABlockOfTheirOwn) {
+    PlainPtr a(new Plain);
+    {
+        const PlainPtr b = a;
+        a.reset();
+        EXPECT_EQ(alive, 1);
+        EXPECT_TRUE(b);
+    }
+    EXPECT_EQ(alive, 0);
+    EXPECT_FALSE(PlainPtr(nullptr));
+}
+
+TEST(Ptr, CopiesMayLiveAndDieOnDifferentThreads) {
+    Zr::Ptr<Base> object(new Base);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([mine = object] {
+            for (int n = 0; n < 10000; ++n) const Zr::Ptr<Base> copy = mine;
+        });
+    }
+    object.reset();
+    for (std::thread& thread : threads) thread.join();
+    threads.clear();
+    EXPECT_EQ(alive, 0);
+}
