@@ -167,8 +167,9 @@ unsigned kesta::get_fieldsize(unsigned field) const {
     if (!m_measuredWidths.empty()) return m_measuredWidths[field];
     unsigned widest = 0;
     for (std::size_t row = 0; row < m_records.size(); ++row) {
-        if (m_records[row])
-            widest = std::max(widest, m_records[row]->getField(static_cast<unsigned short>(field)).length());
+        if (!m_records[row]) continue;
+        const std::vector<LightweightString<char>>& fields = m_records[row]->fields();
+        if (field < fields.size()) widest = std::max(widest, fields[field].length());
     }
     return widest;
 }
