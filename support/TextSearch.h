@@ -5,6 +5,7 @@
 // it.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 #include <vector>
@@ -57,7 +58,11 @@ class KESTA_API Criteria {
     unsigned size() const noexcept { return static_cast<unsigned>(m_criteria.size()); }
 
     /// Whether `text` satisfies all of them; `options` as for Criterion::matches.
-    bool matches(std::string_view text, unsigned options) const noexcept;
+    bool matches(std::string_view text, unsigned options) const noexcept {
+        return std::all_of(m_criteria.begin(), m_criteria.end(), [text, options](const Criterion& criterion) {
+            return criterion.matches(text, options);
+        });
+    }
 
     /// The criterion at `index`; one without text when there is none.
     const Criterion& getCriterion(unsigned short index) const noexcept;

@@ -44,9 +44,10 @@ bool sameAt(const char* text, std::string_view query) noexcept {
                       [](char wanted, char c) { return wanted == canonical<options>(c); });
 }
 
-/// Contains, by a hash that rolls over the text: slower on everyday texts, but linear whatever they are.
+/// Contains, by a hash that rolls over the text: slower on everyday texts, but linear whatever they are. Not
+/// inlined, as the registers it takes would slow the others down.
 template <unsigned options>
-bool containsLong(std::string_view text, std::string_view query) noexcept {
+[[gnu::noinline]] bool containsLong(std::string_view text, std::string_view query) noexcept {
     constexpr std::uint64_t base = 0x9E3779B97F4A7C15;
     const auto value = [](char c) {
         return std::uint64_t(static_cast<unsigned char>(canonical<options>(c)));
@@ -68,8 +69,8 @@ bool containsLong(std::string_view text, std::string_view query) noexcept {
 
 #if defined(__SSE2__)
 
-// Short queries are looked for at sixteen places at once: places where both the query's first and its last
-// character stand are few, and only these are compared in full.
+// Short queries are looked for at sixteen places at once. In all but the shortest texts, places where both
+// the query's first and its last character stand are few, and only these are compared in full.
 
 constexpr std::size_t blockSize = 16;
 
@@ -77,28 +78,25 @@ __m128i loadBlock(const char* text) noexcept {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
 }
 
-template <class Word>
-std::uint64_t loadWord(const char* text) noexcept {
-    Word word;
-    std::memcpy(&word, text, sizeof word);
-    return word;
-}
-
-/// A text shorter than a block, followed by zeros. Reads nothing beyond the text.
-__m128i loadPart(std::string_view text) noexcept {
-    const char* const begin = text.data();
-    const char* const end = begin + text.size();
-    std::uint64_t low = 0;
-    std::uint64_t high = 0;
-    if (text.size() > 8) {
-        low = loadWord<std::uint64_t>(begin);
-        high = loadWord<std::uint64_t>(end - 8) >> (8 * (blockSize - text.size()));
-    } else if (text.size() >= 4) {
-        low = loadWord<std::uint32_t>(begin) | loadWord<std::uint32_t>(end - 4) << (8 * (text.size() - 4));
-    } else {
-        for (std::size_t i = text.size(); i != 0; --i) low = low << 8 | loadWord<std::uint8_t>(begin + i - 1);
+/// A text of less than a block, not empty, and then anything. Reads nothing beyond the text, and hardly
+/// branches, as lengths vary from text to text.
+inline __m128i loadPart(std::string_view text) noexcept {
+    const std::size_t size = text.size();
+    if (size < 4) {
+        // One character to three: the places of the middle and the last one may be the same.
+        const auto character = [text](std::size_t at) {
+            return static_cast<int>(static_cast<unsigned char>(text[at])) << (8 * at);
+        };
+        return _mm_cvtsi32_si128(character(0) | character(size / 2) | character(size - 1));
     }
-    return _mm_set_epi64x(static_cast<long long>(high), static_cast<long long>(low));
+    // Four words of four characters; those that would end beyond the text are taken from its end.
+    const auto word = [text, size](std::size_t place) {
+        const std::size_t at = std::min(place, size - 4);
+        std::uint32_t characters;
+        std::memcpy(&characters, text.data() + at, 4);
+        return static_cast<int>(characters >> (8 * (place - at) % 32));
+    };
+    return _mm_set_epi32(word(12), word(8), word(4), word(0));
 }
 
 template <unsigned options>
@@ -120,11 +118,19 @@ __m128i canonicalBlock(__m128i block) noexcept {
     return block;
 }
 
-/// Bit i says whether the block's character i is `c`.
-template <unsigned options>
+/// Bit i says whether character i of the block, which is canonical, is `c`.
 unsigned placesOf(char c, __m128i block) noexcept {
-    const __m128i equal = _mm_cmpeq_epi8(canonicalBlock<options>(block), _mm_set1_epi8(c));
-    return static_cast<unsigned>(_mm_movemask_epi8(equal));
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(block, _mm_set1_epi8(c))));
+}
+
+/// Contains, for texts shorter than a block. Compares all of the query at all places at once: texts are too
+/// different for branches to be foreseen.
+template <unsigned options>
+bool containsInPart(std::string_view text, std::string_view query) noexcept {
+    const __m128i block = canonicalBlock<options>(loadPart(text));
+    unsigned places = (2U << (text.size() - query.size())) - 1;
+    for (unsigned i = 0; i != query.size(); ++i) places &= placesOf(query[i], block) >> i;
+    return places != 0;
 }
 
 /// Whether the query stands at one of the places, which bits number from `text` on.
@@ -136,31 +142,38 @@ bool sameAtAny(const char* text, unsigned places, std::string_view query) noexce
     return false;
 }
 
-/// As below, for texts with less than a block of places: one load sees all of the first characters, another
-/// all of the last.
+/// As placesOf, for a block that is still to be loaded.
 template <unsigned options>
-bool containsInFewPlaces(std::string_view text, std::string_view query) noexcept {
-    const std::size_t places = text.size() - query.size() + 1;
-    const bool isPart = text.size() < blockSize;
-    const __m128i head = isPart ? loadPart(text) : loadBlock(text.data());
-    const __m128i tail = isPart ? head : loadBlock(text.data() + text.size() - blockSize);
-    const std::size_t tailPlace = isPart ? query.size() - 1 : blockSize - places;
-    const unsigned firsts = placesOf<options>(query.front(), head);
-    const unsigned lasts = placesOf<options>(query.back(), tail) >> tailPlace;
-    return sameAtAny<options>(text.data(), firsts & lasts & ((1U << places) - 1), query);
+unsigned placesOf(char c, const char* text) noexcept {
+    return placesOf(c, canonicalBlock<options>(loadBlock(text)));
+}
+
+/// Contains, for texts of a block or more. Not inlined, as the registers it takes would slow short texts
+/// down.
+template <unsigned options>
+[[gnu::noinline]] bool containsInBlocks(std::string_view text, std::string_view query) noexcept {
+    const char* const begin = text.data();
+    const std::size_t toLast = query.size() - 1;
+    const std::size_t places = text.size() - toLast;
+    const std::size_t lastPlaces = places < blockSize ? 0 : places - blockSize;
+    for (std::size_t at = 0; at < lastPlaces; at += blockSize) {
+        const char* const here = begin + at;
+        const unsigned firsts = placesOf<options>(query.front(), here);
+        const unsigned lasts = placesOf<options>(query.back(), here + toLast);
+        if (sameAtAny<options>(here, firsts & lasts, query)) return true;
+    }
+    // The last block of places, or all when they are fewer: then the text's last block begins before the
+    // first place's last character.
+    const std::size_t before = places < blockSize ? blockSize - places : 0;
+    const unsigned firsts = placesOf<options>(query.front(), begin + lastPlaces);
+    const unsigned lasts = placesOf<options>(query.back(), begin + text.size() - blockSize) >> before;
+    return sameAtAny<options>(begin + lastPlaces, firsts & lasts, query);
 }
 
 template <unsigned options>
 bool containsShort(std::string_view text, std::string_view query) noexcept {
-    const std::size_t places = text.size() - query.size() + 1;
-    if (places < blockSize) return containsInFewPlaces<options>(text, query);
-    for (std::size_t at = 0;; at = std::min(at + blockSize, places - blockSize)) {
-        const char* const here = text.data() + at;
-        const unsigned firsts = placesOf<options>(query.front(), loadBlock(here));
-        const unsigned lasts = placesOf<options>(query.back(), loadBlock(here + query.size() - 1));
-        if (sameAtAny<options>(here, firsts & lasts, query)) return true;
-        if (at + blockSize == places) return false;
-    }
+    return text.size() < blockSize ? containsInPart<options>(text, query)
+                                   : containsInBlocks<options>(text, query);
 }
 
 #else
@@ -176,49 +189,50 @@ bool containsShort(std::string_view text, std::string_view query) noexcept {
 
 #endif
 
+// How a query, which is canonical and no longer than the text, matches by each method.
+
+template <unsigned options>
+bool isWhole(std::string_view text, std::string_view query) noexcept {
+    return text.size() == query.size() && sameAt<options>(text.data(), query);
+}
+
 template <unsigned options>
 bool contains(std::string_view text, std::string_view query) noexcept {
     constexpr std::size_t longest = 64;  // what the time of one place may cost
     return query.size() <= longest ? containsShort<options>(text, query) : containsLong<options>(text, query);
 }
 
-/// `query` is canonical and not empty.
 template <unsigned options>
-bool matchesCanonical(std::string_view text, std::string_view query, eMatchMethod method) noexcept {
-    if (text.size() < query.size()) return false;
-    switch (method) {
-        case eContains:
-            return contains<options>(text, query);
-        case eBeginsWith:
-            return sameAt<options>(text.data(), query);
-        case eEndsWith:
-            return sameAt<options>(text.data() + (text.size() - query.size()), query);
-        case eWhole:
-            break;
-    }
-    return text.size() == query.size() && sameAt<options>(text.data(), query);
+bool beginsWith(std::string_view text, std::string_view query) noexcept {
+    return sameAt<options>(text.data(), query);
 }
+
+template <unsigned options>
+bool endsWith(std::string_view text, std::string_view query) noexcept {
+    return sameAt<options>(text.data() + (text.size() - query.size()), query);
+}
+
+using Matcher = bool (*)(std::string_view text, std::string_view query) noexcept;
+
+template <unsigned options>
+constexpr std::array<Matcher, 4> matchersFor = {isWhole<options>, contains<options>, beginsWith<options>,
+                                                endsWith<options>};
+
+/// By options, then by method.
+constexpr std::array<std::array<Matcher, 4>, 4> matchers = {
+    matchersFor<0>, matchersFor<eMatchCase>, matchersFor<eSeparatorsEqual>, matchersFor<allOptions>};
 
 }  // namespace
 
 Criterion::Criterion(const LightweightString<char>& text, eMatchMethod method)
     : m_canonical{canonicalText<0>(text), canonicalText<eMatchCase>(text),
                   canonicalText<eSeparatorsEqual>(text), canonicalText<allOptions>(text)},
-      m_method(method) {}
+      m_method(method >= eWhole && method <= eEndsWith ? method : eWhole) {}
 
 bool Criterion::matches(std::string_view text, unsigned options) const noexcept {
     const std::string_view query = m_canonical[options & allOptions].view();
     if (query.empty()) return true;
-    switch (options & allOptions) {
-        case 0:
-            return matchesCanonical<0>(text, query, m_method);
-        case eMatchCase:
-            return matchesCanonical<eMatchCase>(text, query, m_method);
-        case eSeparatorsEqual:
-            return matchesCanonical<eSeparatorsEqual>(text, query, m_method);
-        default:
-            return matchesCanonical<allOptions>(text, query, m_method);
-    }
+    return query.size() <= text.size() && matchers[options & allOptions][m_method](text, query);
 }
 
 Criteria::Criteria() = default;
@@ -232,11 +246,6 @@ void Criteria::add(const Criterion& criterion) {
 bool Criteria::empty() const noexcept {
     return std::all_of(m_criteria.begin(), m_criteria.end(),
                        [](const Criterion& criterion) { return criterion.text().empty(); });
-}
-
-bool Criteria::matches(std::string_view text, unsigned options) const noexcept {
-    return std::all_of(m_criteria.begin(), m_criteria.end(),
-                       [&](const Criterion& criterion) { return criterion.matches(text, options); });
 }
 
 const Criterion& Criteria::getCriterion(unsigned short index) const noexcept {
