@@ -232,7 +232,8 @@ Criterion::Criterion(const LightweightString<char>& text, eMatchMethod method)
 bool Criterion::matches(std::string_view text, unsigned options) const noexcept {
     const std::string_view query = m_canonical[options & allOptions].view();
     if (query.empty()) return true;
-    return query.size() <= text.size() && matchers[options & allOptions][m_method](text, query);
+    return query.size() <= text.size() &&
+           matchers[options & allOptions][static_cast<unsigned>(m_method)](text, query);
 }
 
 Criteria::Criteria() = default;
