@@ -10,6 +10,7 @@
 
 #include "support/Exception.h"
 #include "support/Notifier.h"
+#include "tests/TestSupport.h"
 
 namespace {
 
@@ -228,6 +229,21 @@ TEST_F(NotifierTest, WhatAListenerThrowsIsPassedOn) {
     EXPECT_EQ(heard, "ab");
     isFull = false;
     EXPECT_EQ(heardAfterIssue(), "abc");
+}
+
+TEST_F(NotifierTest, DeliveryNeedsNoMemoryAndRegistrationFailsCleanly) {
+    const GuardPtr a = notifier->registerNotification(deleted, noting('a'));
+    Notifier fresh;
+    GuardPtr late;
+    {
+        TestSupport::CountingAllocator memory;
+        EXPECT_EQ(heardAfterIssue(), "a");
+        EXPECT_TRUE(notifier->hasListeners(deleted));
+        EXPECT_EQ(memory.requests(), 0U);
+    }
+    TestSupport::failEachRequest([&] { late = fresh.registerNotification(deleted, noting('b')); },
+                                 [&] { EXPECT_FALSE(fresh.hasListeners(deleted)); });
+    EXPECT_TRUE(fresh.hasListeners(deleted));
 }
 
 TEST_F(NotifierTest, ListenersComeAndGoOnOtherThreads) {

@@ -127,6 +127,19 @@ TEST(TextSearch, RepetitiveTextsStayLinear) {
     EXPECT_TRUE(matches(text + 'b', half + 'B', TextSearch::eContains));
 }
 
+TEST(TextSearch, LongTextsThatOnlyHashAlikeDoNotMatch) {
+    // Each step appends the text with its letters exchanged: pairs of such texts defeat hashes modulo 2^64.
+    std::string text = "a";
+    std::string exchanged = "b";
+    while (text.size() < 4096) {
+        const std::string longer = text + exchanged;
+        exchanged += text;
+        text = longer;
+    }
+    EXPECT_FALSE(matches(text, exchanged, TextSearch::eContains));
+    EXPECT_TRUE(matches('-' + exchanged, exchanged, TextSearch::eContains));
+}
+
 TEST(TextSearch, AllCriteriaMustMatch) {
     const Text reel("Reel 12;04");
     Criteria criteria;
