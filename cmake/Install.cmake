@@ -2,14 +2,19 @@
 # kesta and the pkg-config file. The whole may be moved afterwards: each part finds the others from its own place.
 include(CMakePackageConfigHelpers)
 
-# Headers keep their folders. Every header of these folders is public but the internal ones.
-set(kesta_header_folders support expr record search view fieldmap container)
-set(kesta_internal_headers record/RecentTexts.h record/RecordLine.h record/RecordsDeleted.h record/SortKeys.h)
-
-foreach(folder IN LISTS kesta_header_folders)
-    file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/${folder}/*.h)
-    list(REMOVE_ITEM headers ${kesta_internal_headers})
-    install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kesta/${folder})
+# Public headers keep their folders. All of support/ is public; every other folder names what it shows.
+file(GLOB support_headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/support/*.h)
+set(public_headers
+    ${support_headers}
+    expr/SExpr.h
+    record/CookieIndex.h record/DBFieldTypes.h record/GapVector.h record/KSTBase.h record/dbrecord.h record/iKST.h
+    record/kesta.h
+    view/KSTView.h view/KSTViewCursor.h view/KSTViewRep.h view/RowIndex.h
+    fieldmap/FieldMap.h
+    container/ZRContainerFile.h)
+foreach(header IN LISTS public_headers)
+    get_filename_component(folder ${header} DIRECTORY)
+    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kesta/${folder} OPTIONAL)
 endforeach()
 
 file(RELATIVE_PATH libraries_from_programs ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})

@@ -6,7 +6,7 @@
 #include "support/StringFunctions.h"
 
 int main(int argc, char** argv) {
-    const LightweightString<wchar_t> file = fromUTF8(argc > 1 ? argv[1] : "first.kesta");
+    const LightweightString<wchar_t> file = fromUTF8(argc > 1 ? argv[1] : "first.log");
     const std::vector<DBFieldDesc> columns = {{"Name", DBFieldTypes::eText},
                                               {"Start time", DBFieldTypes::eTimecode}};
     kesta log(columns);

@@ -1,6 +1,8 @@
 // An application outside of the project: uses the database and, through it, each of the support libraries.
 #include <cstring>
 
+#include "container/ZRContainerFile.h"
+#include "expr/SExpr.h"
 #include "record/kesta.h"
 #include "support/Cookie.h"
 #include "support/TextFile.h"
