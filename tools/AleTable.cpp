@@ -9,12 +9,6 @@
 
 namespace {
 
-std::string_view trimmed(std::string_view text) noexcept {
-    while (!text.empty() && Ascii::isSpace(text.back())) text.remove_suffix(1);
-    while (!text.empty() && Ascii::isSpace(text.front())) text.remove_prefix(1);
-    return text;
-}
-
 void splitAtTabs(std::string_view line, std::vector<std::string>& values) {
     std::size_t count = 0;
     for (std::size_t begin = 0; begin <= line.size(); ++count) {
@@ -49,7 +43,8 @@ class AleTable : public TableSource {
         std::vector<std::string> values;
         for (std::size_t at = m_firstRow; at < m_lines.size(); ++at) {
             // Tabs alone are a row of empty values.
-            if (trimmed(m_lines[at]).empty() && m_lines[at].find('\t') == std::string_view::npos) continue;
+            if (Ascii::trimmed(m_lines[at]).empty() && m_lines[at].find('\t') == std::string_view::npos)
+                continue;
             splitAtTabs(m_lines[at], values);
             handle(static_cast<unsigned>(at + 1), values);
         }
@@ -72,11 +67,11 @@ class AleTable : public TableSource {
     }
 
     bool isSection(std::size_t at, std::string_view name) const noexcept {
-        return sameName(trimmed(m_lines[at]), name);
+        return sameName(Ascii::trimmed(m_lines[at]), name);
     }
 
     std::size_t nextLine(std::size_t at, const char* wanted) const {
-        while (at < m_lines.size() && trimmed(m_lines[at]).empty()) ++at;
+        while (at < m_lines.size() && Ascii::trimmed(m_lines[at]).empty()) ++at;
         if (at == m_lines.size()) throw Failure(m_path + ": ends before " + wanted);
         return at;
     }
@@ -93,7 +88,7 @@ class AleTable : public TableSource {
     }
 
     void addParameter(std::size_t at, const std::string& key, const std::string& value) {
-        if (sameName(key, "FIELD_DELIM") && !sameName(trimmed(value), "TABS")) {
+        if (sameName(key, "FIELD_DELIM") && !sameName(Ascii::trimmed(value), "TABS")) {
             throw failureAt(at, "the fields are separated by " + value + "; only tabs can be read");
         }
         m_parameters.push_back({static_cast<unsigned>(at + 1), key, value});

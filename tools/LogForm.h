@@ -21,6 +21,8 @@ bool sameName(std::string_view a, std::string_view b) noexcept;
 /// Writes records as lines of a log and reads them back.
 class LineRoundTrip {
  public:
+    LineRoundTrip();
+
     /// The record as the log gives it back; valid until the next call. Clears the record's changed mark.
     const dbrecord& operator()(const dbrecord& record);
 

@@ -18,7 +18,7 @@ namespace {
 constexpr std::size_t longestField = 4095;
 
 bool isBlank(std::string_view line) noexcept {
-    return std::all_of(line.begin(), line.end(), [](char c) { return Ascii::isSpace(c); });
+    return Ascii::trimmed(line).empty();
 }
 
 std::string counted(std::size_t count, const char* what) {
@@ -81,14 +81,15 @@ class FieldScan {
                 passLoneQuote(stored);
                 continue;
             }
-            const bool pair = c == '"' || (c == '\\' && (follows('n') || follows('\\')));
-            stored += c == '\\' && follows('\\') ? 2 : 1;
+            const bool backslashes = c == '\\' && follows('\\') && stored + 1 < longestField;
+            const bool pair = c == '"' || backslashes || (c == '\\' && follows('n'));
+            stored += backslashes ? 2 : 1;
             m_at += pair ? 2 : 1;
         }
         if (m_dropsQuote) m_losses.push_back({m_field, false});
         const bool atComma = m_at < m_line.size() && m_line[m_at] == ',' && !m_quoted;
         const bool atLastQuote = m_at + 1 == m_line.size() && m_line[m_at] == '"';
-        const bool atEnd = m_at == m_line.size() && stored <= longestField;
+        const bool atEnd = m_at == m_line.size();
         if (!atComma && !atLastQuote && !atEnd) m_losses.push_back({m_field, true});
         if (m_at < m_line.size()) ++m_at;
     }
@@ -348,7 +349,8 @@ class Inspector {
         const auto quotes = static_cast<std::size_t>(std::count(raw.begin(), raw.end(), '"'));
         if (raw.size() <= longestField && (quotes == 0 || (quotes == 2 * columns && raw.front() == '"')))
             return;
-        for (const FieldScan::Loss& loss : FieldScan(raw).losses()) {
+        const FieldScan scan(raw);
+        for (const FieldScan::Loss& loss : scan.losses()) {
             report(
                 line, loss.field + 1,
                 loss.cut

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <sys/stat.h>
 
 #include "support/StringFunctions.h"
 #include "support/TextFile.h"
@@ -11,13 +10,9 @@
 
 namespace {
 
-/// An open stream; closes what it owns.
-class StreamSink : public LineSink {
+class StandardOutput : public LineSink {
  public:
-    using Stream = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-
-    StreamSink(Stream stream, std::string name, LineEnd end)
-        : m_stream(std::move(stream)), m_name(std::move(name)), m_end(end == LineEnd::lf ? "\n" : "\r\n") {}
+    explicit StandardOutput(LineEnd end) : m_end(end == LineEnd::lf ? "\n" : "\r\n") {}
 
     void line(std::string_view text) override {
         write(text);
@@ -25,18 +20,16 @@ class StreamSink : public LineSink {
     }
 
     void finish() override {
-        if (std::fflush(m_stream.get()) != 0) fail();
+        if (std::fflush(stdout) != 0) fail();
     }
 
  private:
     void write(std::string_view bytes) {
-        if (std::fwrite(bytes.data(), 1, bytes.size(), m_stream.get()) != bytes.size()) fail();
+        if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size()) fail();
     }
 
-    [[noreturn]] void fail() const { throw fileFailure(m_name, errno); }
+    [[noreturn]] static void fail() { throw fileFailure("standard output", errno); }
 
-    Stream m_stream;
-    std::string m_name;
     std::string_view m_end;
 };
 
@@ -60,22 +53,12 @@ class TextFileSink : public LineSink {
     LineEnd m_end;
 };
 
-int keepOpen(std::FILE*) noexcept {
-    return 0;
-}
-
 }  // namespace
 
 std::unique_ptr<LineSink> standardOutput(LineEnd end) {
-    return std::make_unique<StreamSink>(StreamSink::Stream(stdout, keepOpen), "standard output", end);
+    return std::make_unique<StandardOutput>(end);
 }
 
 std::unique_ptr<LineSink> fileOutput(const std::string& path, LineEnd end) {
-    struct stat status {};
-    if (stat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode)) {
-        return std::make_unique<TextFileSink>(path, end);
-    }
-    StreamSink::Stream stream(std::fopen(path.c_str(), "wb"), std::fclose);
-    if (!stream) throw fileFailure(path, errno);
-    return std::make_unique<StreamSink>(std::move(stream), path, end);
+    return std::make_unique<TextFileSink>(path, end);
 }

@@ -21,6 +21,5 @@ class LineSink {
 
 std::unique_ptr<LineSink> standardOutput(LineEnd end = LineEnd::lf);
 
-/// A file that is written as a whole by finish and stays as it was when that fails or is not reached. What is
-/// no plain file, such as a device, is written to directly.
+/// A file that is written as a whole by finish and stays as it was when that fails or is not reached.
 std::unique_ptr<LineSink> fileOutput(const std::string& path, LineEnd end);

@@ -9,7 +9,7 @@
 namespace {
 
 [[noreturn]] void refuseList(const std::string& text) {
-    throw Failure("\"" + text + "\" is no list of rows; write it like 3,5-9", exitUsage);
+    throw Failure("\"" + text + "\" names no rows; write them like 3,5-9", exitUsage);
 }
 
 unsigned numberOr(std::string_view digits, unsigned fallback, const std::string& text) {

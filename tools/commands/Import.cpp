@@ -154,7 +154,9 @@ class Importer {
 
     // Replaces the record's values with those that the log will give back.
     void storeAsKept(unsigned line, dbrecord& record, const std::vector<std::string>& values) {
-        if (m_roundTrip(record).get_num_fields() != record.get_num_fields()) cutLongValues(record, values);
+        if (m_roundTrip(record).fields() == record.fields()) return;
+        // A long value reads as several, which may swallow others: what it does to them is no concern.
+        cutLongValues(record, values);
         const dbrecord& kept = m_roundTrip(record);
         for (unsigned short i = 0; i < record.get_num_fields() && i < values.size(); ++i) {
             if (kept.getField(i).view() == values[i]) continue;
