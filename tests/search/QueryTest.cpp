@@ -216,9 +216,7 @@ TEST(TaggingDifferent, TagsTheFirstOfEachRunOfEqualValues) {
     const auto database =
         makeTextDatabase({"Name", "Row"}, {{"b", ""}, {"A", ""}, {"", "x"}, {"a", ""}, {"B", ""}, {"", "y"}});
     database->set_all_tags(9);
-    database->set_show_tags_only(1);
     EXPECT_EQ(database->tag_all_different(0), 3);
-    EXPECT_EQ(database->get_show_tags_only(), 0);
     EXPECT_EQ(database->getSortFieldIdx(), 0);
     EXPECT_EQ(columnOf(*database, 0), (Fields{"A", "a", "B", "b", "", ""}));
     // The empty values follow others, so their run has a first as well.
@@ -228,6 +226,16 @@ TEST(TaggingDifferent, TagsTheFirstOfEachRunOfEqualValues) {
     EXPECT_EQ(database->tag_all_different(2), 0);
     EXPECT_EQ(database->tag_all_different(-1), 0);
     EXPECT_EQ(makeTextDatabase({"Name"}, {{""}, {""}})->tag_all_different(0), 0);
+}
+
+TEST(TaggingDifferent, ClearsTheTagsOfShownRowsOnlyAndShowsAll) {
+    const auto database = makeTextDatabase({"Row", "Name"}, {{"", "a"}, {"", "A"}});
+    database->set_all_tags(9);
+    database->set_show_tags_only(1);
+    EXPECT_EQ(database->tag_all_different(1), 2);
+    EXPECT_EQ(database->get_show_tags_only(), 0);
+    EXPECT_EQ(database->getSortFieldIdx(), 1);
+    EXPECT_EQ(tagsOf(*database), (std::vector<int>{1, 9}));
 }
 
 TEST(TaggingDifferent, ValuesBeyond255CharactersAllDiffer) {
