@@ -324,6 +324,7 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     bool isShown(unsigned row) const noexcept;
     Zr::Ptr<dbrecord> listedRecord(unsigned row) const;
     void appendRecord(Zr::Ptr<dbrecord> record);
+    void prefetchForMatch(std::size_t row) const noexcept;
     void buildIdentifierIndex() const;
     void readColumns(TextFile& file);
     void takeColumnNames(const dbrecord& names);

@@ -1,0 +1,322 @@
+// Sorting, against a plain model and against the exported comparators.
+#include <gtest/gtest.h>
+#include <numeric>
+#include <random>
+#include <strings.h>
+
+#include "tests/AllocationFailures.h"
+
+namespace {
+
+using namespace TestSupport;
+
+constexpr int up = 0;
+constexpr int down = -1;
+
+void sortBy(kesta& database, std::vector<int> fields, int direction = up, int caseInsensitive = 0) {
+    fields.push_back(-1);
+    database.set_sortfields(fields.data());
+    database.sort(direction, caseInsensitive);
+}
+
+Fields sorted(const Fields& values, int direction, int caseInsensitive = 0,
+              DBFieldTypes::eType type = DBFieldTypes::eText) {
+    const auto database = makeDatabase({{"Value", type}, {"Row", DBFieldTypes::eText}});
+    for (const std::string& value : values) fill(*database, {{value, "x"}});
+    sortBy(*database, {0}, direction, caseInsensitive);
+    return columnOf(*database, 0);
+}
+
+int compareAfterPreparing(kesta& database, unsigned a, unsigned b, bool descending = false) {
+    database.sortPrepare(0, 0);
+    Zr::Ptr<dbrecord> first = database.get_record(a);
+    Zr::Ptr<dbrecord> second = database.get_record(b);
+    return descending ? dbr_backcmp(&first, &second) : dbr_cmp(&first, &second);
+}
+
+TEST(Sorting, AscendingIgnoresLeadingSpaceAndPutsEmptyValuesLast) {
+    EXPECT_EQ(sorted({"", "c", "  b", "a", " \t"}, up), (Fields{" \t", "a", "  b", "c", ""}));
+    EXPECT_EQ(sorted({"b", "B", "a", "A"}, up), (Fields{"A", "a", "B", "b"}));
+    EXPECT_EQ(sorted({"\xC3\xA9", "z", "Z", "~"}, up), (Fields{"Z", "z", "~", "\xC3\xA9"}));
+}
+
+TEST(Sorting, DescendingComparesTheRawTextIgnoringCase) {
+    EXPECT_EQ(sorted({"", "c", "  b", "A", "B", "Bb"}, down), (Fields{"c", "Bb", "B", "A", "  b", ""}));
+    EXPECT_EQ(sorted({"10:00:00;00", "10:00:00:01", "10:00:00:00"}, down, 0, DBFieldTypes::eTimecode),
+              (Fields{"10:00:00;00", "10:00:00:01", "10:00:00:00"}));
+}
+
+TEST(Sorting, TimecodesSortByTheirDigits) {
+    EXPECT_EQ(sorted({"10:00:00;02", "10:00:00:03", "09:59:59:24", "10:00:00.01", "10:00:00", ""}, up, 0,
+                     DBFieldTypes::eTimecode),
+              (Fields{"09:59:59:24", "10:00:00", "10:00:00.01", "10:00:00;02", "10:00:00:03", ""}));
+    const auto database =
+        makeDatabase({{"Start", DBFieldTypes::eTimecode}},
+                     {{"10:00:00:00"}, {"10:00:00;00"}, {"10:00:01:00"}, {"10:00:00:"}, {"10:00:00"}});
+    EXPECT_EQ(compareAfterPreparing(*database, 0, 1), 0);
+    EXPECT_LT(compareAfterPreparing(*database, 1, 2), 0);
+    EXPECT_EQ(compareAfterPreparing(*database, 3, 4), 0);
+    EXPECT_NE(compareAfterPreparing(*database, 0, 1, true), 0);
+}
+
+TEST(Sorting, TwoEmptyFirstKeysEndTheComparison) {
+    const auto database = makeTextDatabase({"A", "B"}, {{"", "2"}, {"", "1"}, {"x", "2"}, {"x", "1"}});
+    sortBy(*database, {0, 1});
+    EXPECT_EQ(str(database->getField(0, 1)), "1");
+    EXPECT_EQ(str(database->getField(1, 1)), "2");
+    EXPECT_EQ(compareAfterPreparing(*database, 2, 3), 0);
+    sortBy(*database, {0, 1}, down);
+    EXPECT_EQ(columnOf(*database, 1), (Fields{"2", "1", "2", "1"}));
+}
+
+TEST(Sorting, BlankRecordsComeLastAndMissingOnesBehindThem) {
+    const auto database = makeTextDatabase({"A", "B"}, {{"", ""}, {"", "b"}, {"a", ""}});
+    database->insert_records(0, 2);
+    database->set_field(0, 0, "c");
+    sortBy(*database, {0});
+    EXPECT_EQ(rowsOf(*database),
+              (std::vector<Fields>{{"a", ""}, {"c", ""}, {"", "b"}, {"", ""}, {"no record"}}));
+    sortBy(*database, {0}, down);
+    EXPECT_EQ(columnOf(*database, 0), (Fields{"c", "a", "", "", ""}));
+    EXPECT_FALSE(database->get_record(4));
+
+    sortBy(*database, {1, 0}, down);  // the blank record before the others: nothing keeps it last
+    sortBy(*database, {});
+    EXPECT_EQ(rowsOf(*database)[3], (Fields{"", ""}));
+    EXPECT_FALSE(database->get_record(4));
+}
+
+TEST(SortFields, AreListsCutToSixteenBits) {
+    const auto database =
+        makeTextDatabase({"A", "B", "C"}, {{"1", "x", "b"}, {"2", "x", "a"}, {"3", "w", "c"}});
+    EXPECT_EQ(database->getSortFieldIdx(), 0);
+    int fields[] = {2, 0, -1};
+    database->set_sortfields(fields);
+    EXPECT_EQ(database->getSortFieldIdx(), 2);
+    database->set_sortfield(0x10001);
+    EXPECT_EQ(database->getSortFieldIdx(), 1);
+    database->set_sortfield(-1);
+    EXPECT_EQ(database->getSortFieldIdx(), 65535);
+    database->sortPrepare(0, 0);
+    EXPECT_LT(cmp_fields[0], 0);
+    database->set_sortfields(nullptr);
+    EXPECT_EQ(database->getSortFieldIdx(), 0);
+    sortBy(*database, {1, 2});
+    EXPECT_EQ(columnOf(*database, 0), (Fields{"3", "2", "1"}));
+}
+
+TEST(SortFields, OneThatDoesNotExistEndsTheKeysThere) {
+    const auto database = makeDatabase({{"A", DBFieldTypes::eTimecode}, {"B", DBFieldTypes::eTimecode}},
+                                       {{"10:00:00:00", "2"}, {"10:00:00;00", "1"}});
+    std::vector<int> fields = {0, 99, 1, -1};
+    database->set_sortfields(fields.data());
+    // The field behind the end is the last time code, so field 0 compares as text.
+    EXPECT_LT(compareAfterPreparing(*database, 0, 1), 0);
+    EXPECT_EQ(std::vector<int>(cmp_fields, cmp_fields + 2), (std::vector<int>{0, -1}));
+    fields = {0, 99, -1};
+    database->set_sortfields(fields.data());
+    EXPECT_EQ(compareAfterPreparing(*database, 0, 1), 0);
+}
+
+TEST(SortFields, OnlyTheFirstNineCount) {
+    std::vector<std::string> names;
+    for (char name = 'a'; name <= 'l'; ++name) names.emplace_back(1, name);
+    Fields first(12, "same");
+    Fields second(12, "same");
+    first[9] = "2";
+    second[9] = "1";
+    const auto database = makeTextDatabase(names, {first, second});
+    std::vector<int> fields(12);
+    std::iota(fields.begin(), fields.end(), 0);
+    fields.push_back(-1);
+    database->set_sortfields(fields.data());
+    EXPECT_EQ(compareAfterPreparing(*database, 0, 1), 0);
+    EXPECT_EQ(cmp_fields[9], -1);
+    database->set_sortfields(fields.data() + 1);
+    EXPECT_GT(compareAfterPreparing(*database, 0, 1), 0);
+}
+
+TEST(Comparators, TakeMissingRecordsAndElements) {
+    const auto database = makeTextDatabase({"A"}, {{""}});
+    database->sortPrepare(0, 0);
+    Zr::Ptr<dbrecord> blank = database->get_record(0);
+    Zr::Ptr<dbrecord> none;
+    for (const auto compare : {dbr_cmp, dbr_backcmp}) {
+        EXPECT_LT(compare(&blank, &none), 0);
+        EXPECT_GT(compare(&none, &blank), 0);
+        EXPECT_EQ(compare(&none, nullptr), 0);
+    }
+}
+
+TEST(Sorting, PreparesThroughAnHeir) {
+    class Prepared : public kesta {
+     public:
+        using kesta::kesta;
+        void sortPrepare(int direction, int caseInsensitive) override {
+            kesta::sortPrepare(direction, caseInsensitive);
+            static int other[] = {1, -1};
+            cmp_fields = other;
+        }
+    };
+    const Zr::Ptr<Prepared> database(new Prepared(textColumns({"A", "B"})));
+    fill(*database, {{"1", "b"}, {"2", "a"}});
+    database->sort(up, 0);
+    EXPECT_EQ(columnOf(*database, 0), (Fields{"2", "1"}));
+    database->sortPrepare(0, 0);
+    makeTextDatabase({"A"})->sort(up, 0);  // leaves the keys where others expect them
+}
+
+// The order in plain words, over plain strings.
+class Model {
+ public:
+    std::vector<int> keys;
+    int timecode = -1;
+    bool ignoreCase = false;
+    bool descending = false;
+
+    int compare(const Fields& a, const Fields& b) const {
+        if (a.empty() || b.empty()) return int(a.empty()) - int(b.empty());  // rows without a record
+        return descending ? compareDown(a, b) : compareUp(a, b);
+    }
+
+ private:
+    static bool blank(const Fields& row) {
+        return std::all_of(row.begin(), row.end(), [](const std::string& text) { return text.empty(); });
+    }
+
+    static std::string trimmed(const std::string& text) {
+        const std::size_t begin = text.find_first_not_of(" \t\n\v\f\r");
+        return begin == std::string::npos ? "" : text.substr(begin);
+    }
+
+    int compareUp(const Fields& a, const Fields& b) const {
+        if (blank(a) != blank(b)) return int(blank(a)) - int(blank(b));
+        for (const int key : keys) {
+            const std::string& x = a[std::size_t(key)];
+            const std::string& y = b[std::size_t(key)];
+            if (x.empty() || y.empty()) return int(x.empty()) - int(y.empty());
+            if (const int result = compareTexts(trimmed(x), trimmed(y), key)) return result;
+        }
+        return 0;
+    }
+
+    int compareTexts(std::string x, std::string y, int key) const {
+        if (key == timecode) {
+            if (x.size() > 8) x.erase(8, 1);
+            if (y.size() > 8) y.erase(8, 1);
+            return strcasecmp(x.c_str(), y.c_str());
+        }
+        const int folded = strcasecmp(x.c_str(), y.c_str());
+        return folded != 0 || ignoreCase ? folded : x.compare(y);
+    }
+
+    int compareDown(const Fields& a, const Fields& b) const {
+        for (const int key : keys) {
+            const int result = strcasecmp(a[std::size_t(key)].c_str(), b[std::size_t(key)].c_str());
+            if (result != 0) return -result;
+        }
+        return 0;
+    }
+};
+
+class SortingAtRandom : public ::testing::TestWithParam<unsigned> {
+ protected:
+    unsigned below(unsigned limit) { return unsigned(m_random() % limit); }
+
+    std::string value() {
+        static const char* const parts[] = {
+            "",        " ",        "a", "A", "b",  "take", "é",  "\xFF", "interview", "Interview anna",
+            "10:00:0", "10:00:00", ":", ";", "01", "[",    "\t", "@"};
+        std::string text;
+        for (unsigned n = below(4); n != 0; --n) text += parts[below(std::size(parts))];
+        return text;
+    }
+
+    std::mt19937 m_random{GetParam()};
+};
+
+TEST_P(SortingAtRandom, AgreesWithTheModelAndTheComparators) {
+    constexpr unsigned columns = 3;
+    const auto database = makeDatabase({{"A", DBFieldTypes::eText},
+                                        {"B", below(2) ? DBFieldTypes::eTimecode : DBFieldTypes::eText},
+                                        {"C", DBFieldTypes::eText}});
+    std::vector<Fields> rows;
+    for (unsigned row = below(300); row != 0; --row) {
+        Fields fields(columns);
+        if (below(10) != 0) {
+            for (std::string& field : fields) field = below(5) ? value() : "";
+        }
+        rows.push_back(fields);
+    }
+    fill(*database, rows);
+    if (!rows.empty() && below(2)) {
+        database->insert_records(below(unsigned(rows.size())), 4);
+        rows.insert(rows.end(), {Fields(columns), Fields(), Fields(), Fields()});
+    }
+
+    Model model;
+    for (unsigned n = below(5); n != 0; --n) model.keys.push_back(int(below(columns)));
+    model.ignoreCase = below(2) != 0;
+    model.descending = below(2) != 0;
+    const bool hasTimecode = database->get_field_type(1) == DBFieldTypes::eTimecode;
+    if (hasTimecode && std::count(model.keys.begin(), model.keys.end(), 1)) model.timecode = 1;
+    const auto before = [&model](const Fields& a, const Fields& b) { return model.compare(a, b) < 0; };
+
+    sortBy(*database, model.keys, model.descending ? down : up, model.ignoreCase);
+
+    std::vector<Fields> result = rowsOf(*database);
+    for (Fields& row : result) {
+        if (row == Fields{"no record"}) row.clear();
+    }
+    EXPECT_TRUE(std::is_sorted(result.begin(), result.end(), before));
+    std::stable_sort(rows.begin(), rows.end(), before);
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        EXPECT_EQ(model.compare(rows[row], result[row]), 0) << "row " << row;
+    }
+    EXPECT_TRUE(std::is_permutation(rows.begin(), rows.end(), result.begin(), result.end()));
+
+    const auto compare = model.descending ? dbr_backcmp : dbr_cmp;
+    for (unsigned row = 1; row < database->get_num_records(); ++row) {
+        Zr::Ptr<dbrecord> upper = database->get_record(row - 1);
+        Zr::Ptr<dbrecord> lower = database->get_record(row);
+        EXPECT_LE(compare(&upper, &lower), 0) << "row " << row;
+        EXPECT_EQ(compare(&upper, &lower) < 0, before(result[row - 1], result[row])) << "row " << row;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, SortingAtRandom, ::testing::Range(1U, 121U));
+
+TEST(Sorting, LongAlikeTextsAndZeroCharactersAreSafe) {
+    const std::string alike(100'000, 'x');
+    Fields values;
+    for (const char* end : {"c", "A", "b", "a", ""}) values.push_back(alike + end);
+    EXPECT_EQ(sorted(values, up), (Fields{alike, alike + "A", alike + "a", alike + "b", alike + "c"}));
+    // The comparators see a text up to its zero character, yet it is not empty.
+    EXPECT_EQ(sorted({"", "b", bytes("a\0z"), bytes("\0z"), "a1"}, up),
+              (Fields{bytes("\0z"), bytes("a\0z"), "a1", "b", ""}));
+}
+
+TEST(Sorting, KeepsTheOrderOfEqualRecords) {
+    const auto database = makeTextDatabase({"A", "B"}, {{"x", "0"}, {"y", "1"}, {"x", "2"}, {"y", "3"}});
+    sortBy(*database, {0});
+    EXPECT_EQ(columnOf(*database, 1), (Fields{"0", "2", "1", "3"}));
+    sortBy(*database, {0}, down);
+    EXPECT_EQ(columnOf(*database, 1), (Fields{"1", "3", "0", "2"}));
+}
+
+TEST(Sorting, SurvivesRunningOutOfMemory) {
+    const auto prepare = [] {
+        return makeTextDatabase({"A", "B"}, {{"b", "1"}, {"", ""}, {"b", ""}, {"a long one", ""}, {"", "x"}});
+    };
+    const auto operation = [](const Zr::Ptr<kesta>& database) {
+        sortBy(*database, {0, 1});
+        sortBy(*database, {1, 0}, down);
+    };
+    failEachAllocation(prepare, operation, [&](const Zr::Ptr<kesta>& database) {
+        EXPECT_EQ(database->get_num_records(), 5U);
+        sortBy(*database, {0, 1});
+        EXPECT_EQ(columnOf(*database, 0), (Fields{"a long one", "b", "b", "", ""}));
+    });
+}
+
+}  // namespace
