@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "record/LifeWatch.h"
 #include "record/iKST.h"
 #include "support/AttribValuePair.h"
 
@@ -34,6 +35,9 @@ class KESTA_API KSTBase : public iKST {
     /// All pairs, in order.
     const Params& params() const noexcept { return *m_params; }
 
+    /// Tells those who point at this object without owning it when it is gone.
+    LifeWatch watch() const noexcept { return LifeWatch(m_life); }
+
  protected:
     KSTBase();
 
@@ -42,4 +46,7 @@ class KESTA_API KSTBase : public iKST {
     void writeParams(class TextFile& file) const;
 
     ParamsPtr m_params;  // never null
+
+ private:
+    LifeToken m_life;
 };

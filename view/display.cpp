@@ -1,0 +1,141 @@
+// KSTViewRep: choosing which source rows are shown, and inserting new ones.
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <unordered_set>
+
+#include "view/KSTViewRep.h"
+#include "view/LifeSupport.h"
+
+namespace {
+
+constexpr unsigned noField = static_cast<unsigned>(-1);
+
+// Whether the text of a "Tag" field says that the record is tagged.
+bool saysTagged(const LightweightString<char>& text) noexcept {
+    return std::strtol(text.c_str(), nullptr, 10) != 0;
+}
+
+}  // namespace
+
+int KSTViewRep::displayRecordsAt(int first, int count, int at) {
+    const iKST* const source = db();
+    if (!source || count < 0) return 0;
+    const long long rows = std::min<long long>(source->get_num_records(), std::numeric_limits<int>::max());
+    const long long begin = std::clamp<long long>(first, 0, rows);
+    const long long end = std::clamp<long long>(static_cast<long long>(first) + count, begin, rows);
+    const int shown = static_cast<int>(end - begin);
+    m_index.insert(at, static_cast<unsigned>(begin), shown);
+    return shown;
+}
+
+int KSTViewRep::displayMatchAt(const char* field, const char* value, int at) {
+    iKST* const source = db();
+    const int row = source ? source->findFirst(field, value, 0) : -1;
+    return row >= 0 ? displayRecordsAt(row, 1, at) : 0;
+}
+
+void KSTViewRep::displayTaggedRecordsAt(int at) {
+    iKST* const source = db();
+    if (!source) return;
+    std::vector<unsigned> tagged;
+    for (unsigned row = 0; row < source->get_num_records(); ++row) {
+        if (source->get_tag(row) != 0) tagged.push_back(row);
+    }
+    m_index.insert(at, tagged);
+}
+
+int KSTViewRep::displayAllFromAt(KSTViewRep* other, int at) {
+    if (m_base.isSet() || !other || !db() || other->db() != db()) return 0;
+    std::unordered_set<const dbrecord*> shown;
+    for (int row = 0; row < m_index.size(); ++row) shown.insert((*this)[row]);
+
+    std::vector<unsigned> added;
+    for (int row = 0; row < other->m_index.size(); ++row) {
+        const dbrecord* const record = (*other)[row];
+        if (record && shown.insert(record).second)
+            added.push_back(static_cast<unsigned>(other->baseIndex(row)));
+    }
+    const int count = static_cast<int>(added.size());
+    m_index.insertOneByOne(at, std::move(added));
+    return count;
+}
+
+int KSTViewRep::displayRecordsAt(const CookieVec& ids, int at) {
+    return displayRecordsOf(ids.data(), ids.data() + ids.size(), at);
+}
+
+int KSTViewRep::displayRecordsAt(const CookieSet& ids, int at) {
+    return displayRecordsOf(ids.begin(), ids.end(), at);
+}
+
+int KSTViewRep::displayRecordsOf(const Cookie* begin, const Cookie* end, int at) {
+    const LifeSupport announced;
+    iKST* const source = db();
+    if (!source) return 0;
+    std::vector<unsigned> found;
+    for (const Cookie* id = begin; id != end; ++id) {
+        const int row = source->findFirst("Cookie", id->asString(false).c_str(), 0);
+        if (row >= 0 && static_cast<unsigned>(row) < source->get_num_records()) {
+            found.push_back(static_cast<unsigned>(row));
+        }
+    }
+    const int count = static_cast<int>(found.size());
+    m_index.insertOneByOne(at, std::move(found));
+    return count;
+}
+
+void KSTViewRep::displayAllRecords() {
+    if (!db()) return;
+    const LifeWatch self = watch();
+    remove(0, m_index.size());
+    if (self && db()) displayRecordsAt(0, std::numeric_limits<int>::max(), 0);
+}
+
+void KSTViewRep::displayAllRecordsWithBaseTagStatus() {
+    const LifeWatch self = watch();
+    displayAllRecords();
+    iKST* const source = self ? db() : nullptr;
+    if (!source || source->get_fieldnum("Tag") == noField) return;
+    for (unsigned row = 0; row < source->get_num_records(); ++row) set_tag(row, source->get_tag(row) != 0);
+}
+
+void KSTViewRep::setupViewTagsFromKestaTagField() {
+    const LifeWatch self = watch();
+    displayAllRecords();
+    const iKST* const source = self ? db() : nullptr;
+    const unsigned field = source ? source->get_fieldnum("Tag") : noField;
+    if (field == noField) return;
+    for (unsigned row = 0; row < source->get_num_records(); ++row) {
+        set_tag(row, saysTagged(source->getField(row, field)));
+    }
+}
+
+void KSTViewRep::buildIndex() {
+    m_index.restart();
+    const iKST* const source = db();
+    if (!source) return;
+    for (unsigned row = 0; row < source->get_num_records(); ++row) m_index.append(row);
+}
+
+void KSTViewRep::insertBlankRecords(int at, int count) {
+    iKST* const source = db();
+    if (!source || count < 0) return;
+    at = std::clamp(at, 0, m_index.size());
+    const bool atEnd = at == m_index.size();
+    const unsigned row = atEnd ? source->get_num_records() : m_index.row(at);
+
+    m_index.insert(at, row, count);
+    m_index.addToRows(at + count, static_cast<unsigned>(count));
+    try {
+        if (atEnd) {
+            source->add_records(count);
+        } else {
+            source->insert_records(row, static_cast<unsigned>(count));
+        }
+    } catch (...) {
+        m_index.addToRows(at + count, static_cast<unsigned>(-count));
+        m_index.erase(at, count);
+        throw;
+    }
+}

@@ -1,0 +1,86 @@
+// KSTViewRep: the field specification.
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "support/Exception.h"
+#include "support/Log.h"
+#include "view/KSTViewRep.h"
+
+/// A reference to a field of a source that may go before the view does.
+class KSTViewRep::FieldRef : public SExprRef {
+ public:
+    FieldRef(unsigned field, iKST* source, const LifeWatch& sourceLives)
+        : SExprRef(field, source), m_sourceLives(sourceLives) {}
+
+    void asString(GrowString& out) override {
+        if (m_sourceLives) {
+            SExprRef::asString(out);
+        } else {
+            SExprRef(field(), nullptr).asString(out);
+        }
+    }
+
+ private:
+    LifeWatch m_sourceLives;
+};
+
+void KSTViewRep::fieldSpec(const char* specification) {
+    m_fieldSpec.reset();
+    if (!specification) return;
+    try {
+        m_fieldSpec.emplace(specification);
+    } catch (const Zr::Exception::BadAlloc&) {
+        return;  // a view does well without
+    }
+
+    constexpr const char* separators = "\t,";
+    std::string name;
+    for (const char* at = specification; *(at += std::strspn(at, separators)) != 0; at += name.size()) {
+        name.assign(at, std::strcspn(at, separators));
+        const int field = dbFieldIndex(name.c_str());
+        if (field >= 0) {
+            pushFieldRef(static_cast<unsigned>(field));
+        } else {
+            dorp_printf("Warning: KSTView::fieldSpec, non-existant fieldname \"%s\".\n", name.c_str());
+        }
+    }
+    if (m_fields) m_fields.reset(m_fields.release()->reverse());
+}
+
+void KSTViewRep::pushFieldRef(unsigned field) {
+    auto ref = std::make_unique<FieldRef>(field, db(), sourceWatch());
+    auto cell = std::make_unique<SExpr>(ref.get(), m_fields.get());
+    (void)ref.release();
+    (void)m_fields.release();
+    m_fields = std::move(cell);
+}
+
+void KSTViewRep::identityFieldSpec(GrowString& out) const {
+    const iKST* const source = db();
+    for (unsigned field = 0; source && field < source->get_num_fields(); ++field) {
+        if (field != 0) out.append(',');
+        out.append(source->get_fieldname(field));
+    }
+}
+
+int KSTViewRep::dbFieldIndex(const char* name) const {
+    const iKST* const source = db();
+    if (!source || !name) return -1;
+    const int fields = static_cast<int>(source->get_num_fields());
+    if (fields < 0) return 0;
+    for (int field = 0; field < fields; ++field) {
+        if (std::strcmp(source->get_fieldname(static_cast<unsigned>(field)), name) == 0) return field;
+    }
+    return -1;
+}
+
+void KSTViewRep::asString(GrowString& out) const {
+    out.append("fieldSpec: ");
+    out.append(fieldSpecText());
+    out.append('\n');
+    if (!m_fields) return;
+    out.append("fields: ");
+    m_fields->asString(out);
+    out.append('\n');
+}
