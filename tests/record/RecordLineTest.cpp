@@ -8,31 +8,48 @@ using namespace TestSupport;
 
 namespace {
 
+using Strings = std::vector<std::string>;
+
 struct Outcome {
     Fields fields;
     int count;
 };
 
-Outcome readLine(const std::string& line) {
-    Lines file({line});
+std::vector<Outcome> readLines(const Strings& lines) {
+    Lines file(lines);
+    std::vector<Outcome> outcomes;
     dbrecord record(0);
-    const int count = record.read(file);
-    return {fieldsOf(record), count};
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const int count = record.read(file);
+        outcomes.push_back({fieldsOf(record), count});
+    }
+    return outcomes;
 }
 
-std::string writeLine(const Fields& fields) {
-    dbrecord record(static_cast<unsigned short>(fields.size()));
-    for (unsigned short i = 0; i < fields.size(); ++i) record.setField(i, text(fields[i]));
+Strings writeLines(const std::vector<Fields>& rows) {
     Lines file;
-    record.write(file);
-    return str(file[0]);
+    for (const Fields& fields : rows) {
+        dbrecord record(static_cast<unsigned short>(fields.size()));
+        for (unsigned short i = 0; i < fields.size(); ++i) record.setField(i, text(fields[i]));
+        record.write(file);
+    }
+    return file.all();
 }
 
-void expectSameAsModel(const std::string& line) {
-    const LineModel::Line expected = LineModel::readLine(line);
-    const Outcome actual = readLine(line);
-    ASSERT_EQ(actual.count, expected.count) << testing::PrintToString(line);
-    ASSERT_EQ(actual.fields, expected.fields) << testing::PrintToString(line);
+// What becomes of lines that are read and written.
+Strings readAndWritten(const Strings& lines) {
+    std::vector<Fields> rows;
+    for (const Outcome& outcome : readLines(lines)) rows.push_back(outcome.fields);
+    return writeLines(rows);
+}
+
+void expectSameAsModel(const Strings& lines) {
+    const std::vector<Outcome> outcomes = readLines(lines);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const LineModel::Line expected = LineModel::readLine(lines[i]);
+        ASSERT_EQ(outcomes[i].count, expected.count) << testing::PrintToString(lines[i]);
+        ASSERT_EQ(outcomes[i].fields, expected.fields) << testing::PrintToString(lines[i]);
+    }
 }
 
 std::string randomLine(std::mt19937& random, std::string_view alphabet, std::size_t length) {
@@ -152,7 +169,7 @@ TEST(RecordLineReading, GivesTheFieldsAndTheCountOfEveryForm) {
         {" \t\v\f\r", {}, 0},
     };
     for (const Case& c : cases) {
-        const Outcome outcome = readLine(c.line);
+        const Outcome outcome = readLines({c.line}).front();
         EXPECT_EQ(outcome.fields, c.fields) << testing::PrintToString(c.line);
         EXPECT_EQ(outcome.count, c.count) << testing::PrintToString(c.line);
     }
@@ -161,15 +178,17 @@ TEST(RecordLineReading, GivesTheFieldsAndTheCountOfEveryForm) {
 TEST(RecordLineReading, FindsEverySpecialByteAtEveryPlaceOfALongRun) {
     const std::vector<std::string> specials = {"\"", "\"\"", ",",  "\",",  "\\",   "\\n",  "\\\\",     "\\\"",
                                                "\t", " ",    "\r", "\x7F", "\x80", "\xFF", bytes("\0")};
+    Strings lines;
     for (std::size_t length = 0; length <= 70; ++length) {
         for (const std::string& special : specials) {
             const std::string run = std::string(length, 'x') + special;
             for (const std::string& rest : {std::string(), std::string("y"), std::string(33, 'y') + "\",z"}) {
-                ASSERT_NO_FATAL_FAILURE(expectSameAsModel(run + rest));
-                ASSERT_NO_FATAL_FAILURE(expectSameAsModel('"' + run + rest));
+                lines.push_back(run + rest);
+                lines.push_back('"' + run + rest);
             }
         }
     }
+    expectSameAsModel(lines);
 }
 
 TEST(RecordLineReading, CutsFieldsAt4095BytesAndGoesOnBehindTheByteItCutAt) {
@@ -206,7 +225,7 @@ TEST(RecordLineReading, CutsFieldsAt4095BytesAndGoesOnBehindTheByteItCutAt) {
         {std::string(4095, '"') + "a", {std::string(2047, '"') + "a"}, 1},
     };
     for (const Case& c : cases) {
-        const Outcome outcome = readLine(c.line);
+        const Outcome outcome = readLines({c.line}).front();
         EXPECT_EQ(outcome.fields, c.fields) << "length " << c.line.size();
         EXPECT_EQ(outcome.count, c.count) << "length " << c.line.size();
     }
@@ -214,29 +233,27 @@ TEST(RecordLineReading, CutsFieldsAt4095BytesAndGoesOnBehindTheByteItCutAt) {
 
 TEST(RecordLineReading, AgreesWithTheSlowReadingOnRandomLines) {
     std::mt19937 random(20240607);
-    for (int i = 0; i < 60000; ++i) {
-        ASSERT_NO_FATAL_FAILURE(expectSameAsModel(randomLine(random, specialBytes, random() % 81)));
-    }
+    Strings lines;
+    while (lines.size() < 60000) lines.push_back(randomLine(random, specialBytes, random() % 81));
     // Longer runs of plain bytes between the special ones.
     const std::string mostlyPlain = specialBytes + std::string(60, 'p');
-    for (int i = 0; i < 20000; ++i) {
-        ASSERT_NO_FATAL_FAILURE(expectSameAsModel(randomLine(random, mostlyPlain, random() % 200)));
-    }
+    while (lines.size() < 80000) lines.push_back(randomLine(random, mostlyPlain, random() % 200));
+    expectSameAsModel(lines);
 }
 
 TEST(RecordLineReading, AgreesWithTheSlowReadingOnRandomLinesAroundTheLimit) {
     std::mt19937 random(7);
     const std::string mostlyPlain = specialBytes + std::string(40, 'p');
     for (const std::size_t limit : {4095U, 2U * 4096U}) {
+        Strings lines;
         for (int i = 0; i < 1500; ++i) {
             // Plain up to just before the limit, so that every special byte meets it.
             const std::string begin =
                 (random() % 2 ? "\"" : "") + std::string(limit - 12 + random() % 12, 'x');
-            ASSERT_NO_FATAL_FAILURE(
-                expectSameAsModel(begin + randomLine(random, specialBytes, random() % 24)));
-            ASSERT_NO_FATAL_FAILURE(
-                expectSameAsModel(randomLine(random, mostlyPlain, limit - 8 + random() % 16)));
+            lines.push_back(begin + randomLine(random, specialBytes, random() % 24));
+            lines.push_back(randomLine(random, mostlyPlain, limit - 8 + random() % 16));
         }
+        expectSameAsModel(lines);
     }
 }
 
@@ -303,7 +320,7 @@ TEST(RecordLineWriting, QuotesEveryFieldAndEscapesOnlyQuotesAndLineFeeds) {
         {{bytes("a\0\t\x7F\x80\xFF")}, bytes("\"a\0\t\x7F\x80\xFF\"")},
         {{std::string(9000, 'x')}, quoted(std::string(9000, 'x'))},
     };
-    for (const auto& [fields, line] : cases) EXPECT_EQ(writeLine(fields), line);
+    for (const auto& [fields, line] : cases) EXPECT_EQ(writeLines({fields}).front(), line);
 }
 
 TEST(RecordLineWriting, AppendsALineAndClearsTheRecordsMarkOnly) {
@@ -320,10 +337,14 @@ TEST(RecordLineWriting, AppendsALineAndClearsTheRecordsMarkOnly) {
 
 TEST(RecordLineWriting, AgreesWithTheSlowWritingOnRandomFields) {
     std::mt19937 random(11);
-    for (int i = 0; i < 20000; ++i) {
-        Fields fields(random() % 5);
+    std::vector<Fields> rows(20000);
+    for (Fields& fields : rows) {
+        fields.resize(random() % 5);
         for (std::string& field : fields) field = randomLine(random, specialBytes + "\n", random() % 40);
-        ASSERT_EQ(writeLine(fields), LineModel::writeLine(fields)) << testing::PrintToString(fields);
+    }
+    const Strings lines = writeLines(rows);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        ASSERT_EQ(lines[i], LineModel::writeLine(rows[i])) << testing::PrintToString(rows[i]);
     }
 }
 
@@ -348,17 +369,17 @@ TEST(RecordLineRoundTrip, KeepsOrLosesWhatItIsKnownTo) {
         // A text behind it shows that the field ends where it did.
         const bool endsOpen = after == "\n_";
         const std::string field = endsOpen ? before + "_" : before;
-        EXPECT_EQ(readLine(writeLine({field, "next"})).fields, (Fields{after, "next"}))
+        EXPECT_EQ(readLines(writeLines({{field, "next"}})).front().fields, (Fields{after, "next"}))
             << testing::PrintToString(field);
     }
 }
 
 TEST(RecordLineRoundTrip, IsStableOnceALineHasBeenWrittenAndReadBack) {
     std::mt19937 random(3);
-    for (int i = 0; i < 20000; ++i) {
-        const std::string any = randomLine(random, specialBytes, random() % 81);
-        const std::string written = writeLine(readLine(any).fields);
-        const std::string settled = writeLine(readLine(written).fields);
-        ASSERT_EQ(writeLine(readLine(settled).fields), settled) << testing::PrintToString(any);
-    }
+    Strings lines;
+    while (lines.size() < 20000) lines.push_back(randomLine(random, specialBytes, random() % 81));
+    const Strings settled = readAndWritten(readAndWritten(lines));
+    const Strings again = readAndWritten(settled);
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        ASSERT_EQ(again[i], settled[i]) << testing::PrintToString(lines[i]);
 }
