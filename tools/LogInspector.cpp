@@ -240,7 +240,6 @@ class Inspector {
     }
 
     void inspectParameter(unsigned line, const Zr::AttribValuePair& param) {
-        if (sameName(param.name().view(), "KESTA")) return;
         if (keepsParameter(param.name().view(), param.value().view())) return;
         report(line, 0,
                "the parameter " + quoted(param.name().view()) + " would change when the log is saved; " +
