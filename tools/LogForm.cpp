@@ -94,6 +94,17 @@ bool keepsColumnName(std::string_view name) {
     return back.get_num_fields() == 2 && back.getField(0).view() == name && back.getField(1).view() == name;
 }
 
+std::string keepableColumnName(std::string_view name) {
+    constexpr std::size_t longest = 240;  // leaves room for a number
+    std::string result;
+    for (const char c : name) result += c == '"' ? '\'' : Ascii::isControl(c) ? ' ' : c;
+    result = cutTo(result, longest);
+    while (!result.empty() && Ascii::isSpace(result.back())) result.pop_back();
+    result.erase(0, std::min(result.find_first_not_of(' '), result.size()));
+    for (std::size_t at = 0; (at = result.find("\\n", at)) != std::string::npos;) result[at] = '/';
+    return result;
+}
+
 bool readsAsHeader(std::string_view firstField) noexcept {
     return sameName(firstField, "KESTA");
 }
