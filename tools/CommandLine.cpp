@@ -31,10 +31,10 @@ class CommandList {
     }
 
     template <class Options, class Declare>
-    void add(const char* name, const char* what, const char* example, int (*work)(const Options&),
+    void add(const char* name, const char* what, const std::string& example, int (*work)(const Options&),
              Declare declare) {
         CLI::App* const app = m_app.add_subcommand(name, what);
-        app->footer(std::string("Example:\n  ") + example);
+        app->footer("Example:\n  " + example);
         const auto options = std::make_shared<Options>();
         declare(*app, *options);
         m_commands.push_back({app, [work, options] { return work(*options); }});
@@ -87,6 +87,22 @@ void addForce(CLI::App& app, bool& force) {
     app.add_flag("--force", force, "save even when the file holds text that is lost by that");
 }
 
+void addColumnList(CLI::App& app, const char* name, std::vector<std::string>& columns, const char* what) {
+    app.add_option(name, columns, what)->expected(1)->take_all();
+}
+
+void addTable(CLI::App& app, TableOptions& options) {
+    addColumnList(app, "--columns", options.columns, "the columns to show, with commas between");
+    addColumnList(app, "--sort", options.sort, "show them in the order of these columns, at most nine");
+    app.add_option("--format", options.format, "table, csv or json")
+        ->check(CLI::IsMember({"table", "csv", "json"}))
+        ->capture_default_str();
+}
+
+constexpr const char* searchRules =
+    "\n\nA text for a start or end code finds the records whose range it lies in: \"Start time=01:00:1\"\n"
+    "each one that covers a time beginning with 01:00:1, given in the form in which the log holds it.";
+
 void addReadingCommands(CommandList& commands) {
     commands.add<InfoOptions>("info", "Show a log's parameters, columns and size", "kesta info day1.log",
                               Commands::showInfo,
@@ -95,13 +111,24 @@ void addReadingCommands(CommandList& commands) {
         "show", "Show records", "kesta show day1.log --columns Reel,\"Start time\" --rows 10-20",
         Commands::showRecords, [](CLI::App& app, ShowOptions& options) {
             addLog(app, options.log);
-            app.add_option("--columns", options.columns, "the columns to show, with commas between")
-                ->expected(1)
-                ->take_all();
             app.add_option("--rows", options.rows, "the rows to show, as in 3,10-20 or 100-");
-            app.add_option("--format", options.format, "table, csv or json")
-                ->check(CLI::IsMember({"table", "csv", "json"}))
-                ->capture_default_str();
+            app.add_flag("--tagged", options.tagged, "show tagged records only");
+            addTable(app, options.table);
+        });
+    commands.add<FindOptions>(
+        "find", "Show the records that hold given texts, or save them as a log of their own",
+        std::string("kesta find day1.log Notes=circle \"Start time=01:00:1\" -o selects.log") + searchRules,
+        Commands::findRecords, [](CLI::App& app, FindOptions& options) {
+            addLog(app, options.log);
+            app.add_option("COLUMN=TEXT", options.texts,
+                           "what the records' columns must hold, each of them, in either case")
+                ->required();
+            addTable(app, options.table);
+            app.add_option("-o,--output", options.output, "the log to write, instead of showing the records")
+                ->excludes("--columns")
+                ->excludes("--format");
+            app.add_flag("--force", options.force,
+                         "replace a log that is there already; save even what could not be read whole");
         });
     commands.add<CheckOptions>("check", "Say what is wrong with logs, and where",
                                "kesta check day1.log day2.log", Commands::checkLogs,
@@ -151,7 +178,9 @@ void addEditingCommands(CommandList& commands) {
     commands.add<DeleteOptions>("delete", "Delete records", "kesta delete day1.log 3,5-9",
                                 Commands::deleteRecords, [](CLI::App& app, DeleteOptions& options) {
                                     addLog(app, options.log);
-                                    app.add_option("ROWS", options.rows, "the rows' numbers")->required();
+                                    app.add_option("ROWS", options.rows, "the rows' numbers");
+                                    app.add_flag("--tagged", options.tagged,
+                                                 "delete the tagged records instead");
                                     addForce(app, options.force);
                                 });
     commands.add<ParamOptions>("param", "List, show or set parameters", "kesta param day1.log FPS 23.976",
@@ -163,6 +192,66 @@ void addEditingCommands(CommandList& commands) {
                                });
 }
 
+void addBulkCommands(CommandList& commands) {
+    commands.add<SortOptions>(
+        "sort", "Sort the records",
+        "kesta sort day1.log --by \"Scene,Start time\"\n\n"
+        "Records without a value in one of the columns come behind the others; further columns do not\n"
+        "order them.",
+        Commands::sortRecords, [](CLI::App& app, SortOptions& options) {
+            addLog(app, options.log);
+            app.add_option("--by", options.columns,
+                           "the columns to sort by, at most nine, with commas between, the first one first")
+                ->required()
+                ->expected(1)
+                ->take_all();
+            app.add_flag("--desc", options.descending,
+                         "from last to first, values as plain text in either case");
+            app.add_flag("--ignore-case", options.ignoreCase,
+                         "let values that differ in case only be equal, so that the next column decides");
+            addForce(app, options.force);
+        });
+    commands.add<TagOptions>(
+        "tag", "Tag records for the commands that follow",
+        std::string(
+            "kesta tag day1.log --where Notes=MOS --keep\n  kesta delete day1.log --tagged\n\n"
+            "Tags are kept in the column \"Tag\", which is added to a log that has none. Empty values\n"
+            "neither repeat nor differ.") +
+            searchRules,
+        Commands::tagRecords, [](CLI::App& app, TagOptions& options) {
+            addLog(app, options.log);
+            app.add_option("--where", options.where,
+                           "tag records whose columns hold these texts, each of them, in either case")
+                ->type_name("COLUMN=TEXT");
+            app.add_option("--rows", options.rows, "tag these rows, as in 3,5-9");
+            app.add_option("--duplicates", options.duplicates,
+                           "tag each record that repeats an earlier one's value in this column");
+            app.add_option("--distinct", options.distinct,
+                           "tag the first record of each value in this column");
+            app.add_flag("--invert", options.invert, "tag what is not tagged, and the other way round");
+            app.add_flag("--clear", options.clear, "take all tags away");
+            app.add_flag("--list", options.list, "show the tagged records");
+            app.add_flag("--keep", options.keep, "add to the tags that are there, instead of replacing them")
+                ->excludes("--invert")
+                ->excludes("--clear")
+                ->excludes("--list");
+            addTable(app, options.table);
+            for (const char* const option : {"--columns", "--sort", "--format"}) {
+                app.get_option(option)->needs("--list");
+            }
+            addForce(app, options.force);
+        });
+    commands.add<MergeOptions>(
+        "merge", "Append the records of logs to a log",
+        "kesta merge show.log day1.log day2.log\n\n"
+        "Logs whose columns differ are merged by the columns' names; INTO keeps its columns.",
+        Commands::mergeLogs, [](CLI::App& app, MergeOptions& options) {
+            app.add_option("INTO", options.into, "the log that grows")->required();
+            app.add_option("FROM", options.from, "the logs whose records are appended")->required();
+            addForce(app, options.force);
+        });
+}
+
 }  // namespace
 
 int runCommandLine(int argc, char** argv) {
@@ -170,5 +259,6 @@ int runCommandLine(int argc, char** argv) {
     addReadingCommands(commands);
     addExchangeCommands(commands);
     addEditingCommands(commands);
+    addBulkCommands(commands);
     return commands.run(argc, argv);
 }

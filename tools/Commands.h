@@ -12,11 +12,26 @@ struct InfoOptions {
     std::string log;
 };
 
+/// How records are shown. Lists of columns are as ColumnArguments.h reads them.
+struct TableOptions {
+    std::vector<std::string> columns;  ///< in the order to show; empty for all
+    std::vector<std::string> sort;     ///< the most important first; empty for the order of the log
+    std::string format = "table";      ///< table, csv or json
+};
+
 struct ShowOptions {
     std::string log;
-    std::vector<std::string> columns;  ///< in the order to show; empty for all
-    std::string rows;                  ///< as RowRanges.h reads it; empty for all
-    std::string format = "table";      ///< table, csv or json
+    std::string rows;     ///< as RowRanges.h reads it; empty for all
+    bool tagged = false;  ///< tagged ones only
+    TableOptions table;
+};
+
+struct FindOptions {
+    std::string log;
+    std::vector<std::string> texts;  ///< COLUMN=TEXT
+    TableOptions table;
+    std::string output;  ///< the log to save to; empty to show
+    bool force = false;  ///< replace an existing log, and save even an incomplete copy
 };
 
 struct CheckOptions {
@@ -50,9 +65,40 @@ struct AddOptions {
     bool force = false;
 };
 
+/// Either rows or the tagged ones.
 struct DeleteOptions {
     std::string log;
-    std::string rows;
+    std::optional<std::string> rows;
+    bool tagged = false;
+    bool force = false;
+};
+
+struct SortOptions {
+    std::string log;
+    std::vector<std::string> columns;  ///< the most important first
+    bool descending = false;
+    bool ignoreCase = false;
+    bool force = false;
+};
+
+/// One of the ways to choose records, or `list`.
+struct TagOptions {
+    std::string log;
+    std::vector<std::string> where;  ///< COLUMN=TEXT
+    std::optional<std::string> rows;
+    std::optional<std::string> duplicates;  ///< the column to compare
+    std::optional<std::string> distinct;    ///< the column to compare
+    bool invert = false;
+    bool clear = false;
+    bool list = false;
+    bool keep = false;   ///< add to the tags that are there
+    TableOptions table;  ///< for the list
+    bool force = false;
+};
+
+struct MergeOptions {
+    std::string into;
+    std::vector<std::string> from;
     bool force = false;
 };
 
@@ -67,12 +113,16 @@ namespace Commands {
 
 int showInfo(const InfoOptions& options);
 int showRecords(const ShowOptions& options);
+int findRecords(const FindOptions& options);
 int checkLogs(const CheckOptions& options);
 int importFile(const ImportOptions& options);
 int exportLog(const ExportOptions& options);
 int setValue(const SetOptions& options);
 int addRecord(const AddOptions& options);
 int deleteRecords(const DeleteOptions& options);
+int sortRecords(const SortOptions& options);
+int tagRecords(const TagOptions& options);
+int mergeLogs(const MergeOptions& options);
 int parameters(const ParamOptions& options);
 
 }  // namespace Commands

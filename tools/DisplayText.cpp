@@ -75,6 +75,10 @@ std::string harmless(std::string_view text) {
     return shown;
 }
 
+std::string counted(std::size_t count, const char* what) {
+    return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
+}
+
 std::size_t displayWidth(std::string_view harmlessText) {
     if (isPlain(harmlessText)) return harmlessText.size();
     std::size_t cells = 0;

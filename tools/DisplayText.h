@@ -16,6 +16,9 @@ void useUnicodeWidths() noexcept;
 /// are no UTF-8 as \xff.
 std::string harmless(std::string_view text);
 
+/// "1 record", "2 records".
+std::string counted(std::size_t count, const char* what);
+
 /// The cells that a harmless text takes: wide characters two, combining ones none.
 std::size_t displayWidth(std::string_view harmlessText);
 

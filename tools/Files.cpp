@@ -39,6 +39,13 @@ std::string readBytes(const std::string& path) {
     return bytes;
 }
 
+bool isSameFile(const std::string& a, const std::string& b) noexcept {
+    struct stat first {};
+    struct stat second {};
+    return stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 && first.st_ino == second.st_ino &&
+           first.st_dev == second.st_dev;
+}
+
 bool isThere(const std::string& path) noexcept {
     struct stat status {};
     return lstat(path.c_str(), &status) == 0;

@@ -13,5 +13,8 @@ std::uintmax_t fileSize(const std::string& path);
 /// All bytes of the file. Throws Failure when it cannot be read.
 std::string readBytes(const std::string& path);
 
+/// Whether both names are of one file.
+bool isSameFile(const std::string& a, const std::string& b) noexcept;
+
 /// Whether something of that name is there, a dangling link included.
 bool isThere(const std::string& path) noexcept;

@@ -6,6 +6,7 @@
 #include "support/StringFunctions.h"
 #include "support/TextFile.h"
 #include "tools/Failure.h"
+#include "tools/Files.h"
 #include "tools/LogForm.h"
 #include "tools/LogInspector.h"
 #include "tools/Messages.h"
@@ -66,6 +67,21 @@ void takeTagsFromColumn(kesta& log) {
     }
 }
 
+/// A log that loads without loss, or is wanted all the same. `refusal` goes before what would be lost.
+Zr::Ptr<kesta> openWhole(const std::string& path, bool force, const std::string& refusal) {
+    if (isCommaSeparated(path)) {
+        throw Failure(path + ": is a comma-separated file; make a log of it first: kesta import");
+    }
+    const Inspection inspection = inspected(path);
+    warnOfFindings(path, inspection);
+    if (inspection.losesText() && !force) {
+        throw Failure(path + ": " + refusal + " what the warnings name; mend the file first, or use --force");
+    }
+    Zr::Ptr<kesta> log = loaded(path, inspection);
+    if (inspection.losesText()) makeReadable(*log);
+    return log;
+}
+
 /// Tells one file under a name from the next one.
 class FileIdentity {
  public:
@@ -90,19 +106,20 @@ Zr::Ptr<kesta> openLog(const std::string& path) {
 }
 
 Zr::Ptr<kesta> openLogForEditing(const std::string& path, bool force) {
+    return openWhole(path, force, "not changed, because saving would lose");
+}
+
+Zr::Ptr<kesta> openLogForCopying(const std::string& path, bool force) {
+    return openWhole(path, force, "not copied, because its copy would lack");
+}
+
+void requireLogMayBeMade(const std::string& path, bool replace) {
     if (isCommaSeparated(path)) {
-        throw Failure(path + ": is a comma-separated file; make a log of it first: kesta import");
-    }
-    const Inspection inspection = inspected(path);
-    warnOfFindings(path, inspection);
-    if (inspection.losesText() && !force) {
         throw Failure(path +
-                      ": not changed, because saving would lose what the warnings name; mend the file "
-                      "first, or use --force");
+                      ": a log cannot have this name, because files ending in .csv are read as "
+                      "comma-separated text");
     }
-    Zr::Ptr<kesta> log = loaded(path, inspection);
-    if (inspection.losesText()) makeReadable(*log);
-    return log;
+    if (!replace && isThere(path)) throw Failure(path + ": is there already; --force replaces it");
 }
 
 void saveLog(kesta& log, const std::string& path) {

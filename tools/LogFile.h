@@ -17,6 +17,13 @@ Zr::Ptr<kesta> openLog(const std::string& path);
 /// unless `force`, and for a comma-separated file.
 Zr::Ptr<kesta> openLogForEditing(const std::string& path, bool force);
 
+/// A loaded log whose records go into another one. Throws Failure as openLogForEditing does.
+Zr::Ptr<kesta> openLogForCopying(const std::string& path, bool force);
+
+/// Throws Failure when no log can be made under this name: it says comma-separated text, or something is
+/// there already and not to be replaced.
+void requireLogMayBeMade(const std::string& path, bool replace);
+
 /// Saves the log under its file name. Texts of a column "Tag" stay as they are. Throws Failure, with the file
 /// as it was, when it cannot be written.
 void saveLog(kesta& log, const std::string& path);

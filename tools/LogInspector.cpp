@@ -9,6 +9,7 @@
 #include "support/Split.h"
 #include "support/StringFunctions.h"
 #include "support/TextFile.h"
+#include "tools/DisplayText.h"
 #include "tools/Failure.h"
 #include "tools/Files.h"
 #include "tools/LogForm.h"
@@ -19,10 +20,6 @@ constexpr std::size_t longestField = 4095;
 
 bool isBlank(std::string_view line) noexcept {
     return Ascii::trimmed(line).empty();
-}
-
-std::string counted(std::size_t count, const char* what) {
-    return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
 }
 
 std::string quoted(std::string_view text) {

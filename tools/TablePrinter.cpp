@@ -35,29 +35,33 @@ class TablePrinter {
         // A screenful is the header and the rows below it, with a line to spare for the prompt.
         const unsigned height = m_terminal ? std::max(m_terminal->rows, 4U) - 2 : 0;
         unsigned printed = 0;
-        forEachRow(m_selection, [&](unsigned row) {
+        forEachRow(m_selection.rows, [&](unsigned row, const dbrecord& record) {
             if (height > 0 && printed > 0 && printed % height == 0) printHeader();
             ++printed;
-            printRow(row);
+            printRow(row, record);
         });
     }
 
  private:
     void measure() {
         const std::size_t widest = m_terminal ? widestOnTerminal : widestElsewhere;
-        const unsigned lastRow = m_selection.rows.empty() ? 0 : m_selection.rows.back().last + 1;
-        m_numberWidth = std::max(std::to_string(lastRow).size(), std::string(numberTitle).size());
         for (const unsigned column : m_selection.columns) {
-            std::size_t width = displayWidth(title(column));
-            forEachRow(m_selection,
-                       [&](unsigned row) { width = std::max(width, displayWidth(value(row, column))); });
-            m_widths.push_back(std::min(width, widest));
+            m_widths.push_back(std::min(displayWidth(title(column)), widest));
         }
+        unsigned highest = 0;
+        forEachRow(m_selection.rows, [&](unsigned row, const dbrecord& record) {
+            highest = std::max(highest, row + 1);
+            for (std::size_t i = 0; i < m_widths.size(); ++i) {
+                const std::size_t width = displayWidth(value(record, m_selection.columns[i]));
+                m_widths[i] = std::max(m_widths[i], std::min(width, widest));
+            }
+        });
+        m_numberWidth = std::max(std::to_string(highest).size(), std::string(numberTitle).size());
     }
 
     std::string title(unsigned column) const { return harmless(m_log.get_fieldname(column)); }
-    std::string value(unsigned row, unsigned column) const {
-        return harmless(m_log.getField(row, column).view());
+    static std::string value(const dbrecord& record, unsigned column) {
+        return harmless(valueIn(record, column));
     }
 
     void printHeader() {
@@ -67,10 +71,11 @@ class TablePrinter {
         printLine(line);
     }
 
-    void printRow(unsigned row) {
+    void printRow(unsigned row, const dbrecord& record) {
         std::string line = std::to_string(row + 1);
         line.insert(0, m_numberWidth - line.size(), ' ');
-        for (std::size_t i = 0; i < m_widths.size(); ++i) append(line, value(row, m_selection.columns[i]), i);
+        for (std::size_t i = 0; i < m_widths.size(); ++i)
+            append(line, value(record, m_selection.columns[i]), i);
         printLine(line);
     }
 

@@ -1,6 +1,6 @@
 // A log as an aligned table of characters.
 //
-// Thread-safety: pure function over a log that nobody changes meanwhile.
+// Thread-safety: one thread at a time.
 #pragma once
 
 #include <optional>
@@ -15,8 +15,8 @@ struct TerminalSize {
 /// The size of the terminal that standard output goes to; none when it goes elsewhere.
 std::optional<TerminalSize> standardOutputTerminal() noexcept;
 
-/// One line for each row, its number first. Control characters are shown harmlessly. For a terminal, long
-/// values and lines are cut to fit and the header comes again with every screenful; otherwise everything is
-/// written in full.
+/// One line for each row, its number in the log first. Control characters are shown harmlessly. For a
+/// terminal, long values and lines are cut to fit and the header comes again with every screenful; otherwise
+/// everything is written in full.
 void printTable(const kesta& log, const Selection& selection, std::optional<TerminalSize> terminal,
                 LineSink& out);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <numeric>
 
 #include "support/StringFunctions.h"
 #include "support/time_def.h"
@@ -136,15 +137,14 @@ class JsonWriter {
     }
 
     void writeRecords() {
-        std::size_t left = 0;
-        forEachRow(m_selection, [&](unsigned) { ++left; });
+        std::size_t left = m_selection.rows->get_num_records();
         m_out.line("  \"records\": [");
         std::string line;
-        forEachRow(m_selection, [&](unsigned row) {
+        forEachRow(m_selection.rows, [&](unsigned row, const dbrecord& record) {
             line = "    [";
             for (const unsigned column : m_selection.columns) {
                 if (line.back() != '[') line += ", ";
-                m_text.append(line, m_log.getField(row, column).view());
+                m_text.append(line, valueIn(record, column));
                 if (m_text.replaced()) warnOfBytes(placeOf(m_log, row, column));
             }
             line += --left > 0 ? "]," : "]";
@@ -166,13 +166,13 @@ class JsonWriter {
 
 class AleWriter {
  public:
-    AleWriter(const kesta& log, LineSink& out) : m_log(log), m_out(out) {}
+    AleWriter(const kesta& log, const KSTView& rows, LineSink& out) : m_log(log), m_rows(rows), m_out(out) {}
 
     void write() {
         writeHeading();
         writeColumns();
         m_out.line("Data");
-        for (unsigned row = 0; row < m_log.get_num_records(); ++row) writeRecord(row);
+        forEachRow(m_rows, [this](unsigned row, const dbrecord& record) { writeRecord(row, record); });
         m_warnings.summarise("the places are not listed");
     }
 
@@ -207,18 +207,19 @@ class AleWriter {
         m_out.line("");
     }
 
-    void writeRecord(unsigned row) {
+    void writeRecord(unsigned row, const dbrecord& record) {
         m_line.clear();
         for (unsigned column = 0; column < m_log.get_num_fields(); ++column) {
             if (column > 0) m_line += '\t';
-            if (!append(m_line, exchangeForm(row, column).view())) warnOfSpace(placeOf(m_log, row, column));
+            if (!append(m_line, exchangeForm(record, column).view()))
+                warnOfSpace(placeOf(m_log, row, column));
         }
         m_out.line(m_line);
     }
 
     // A time code that is stored as bare digits gets its punctuation, which readers of the form expect.
-    LightweightString<char> exchangeForm(unsigned row, unsigned column) const {
-        const LightweightString<char>& value = m_log.getField(row, column);
+    LightweightString<char> exchangeForm(const dbrecord& record, unsigned column) const {
+        const LightweightString<char>& value = record.getField(static_cast<unsigned short>(column));
         if (m_log.get_field_type(column) != DBFieldTypes::eTimecode) return value;
         const time_def code(value.c_str(), eTimecodeLabel);
         return code.valid() && code.get_database_str() == value ? code.get_punctuated_str() : value;
@@ -243,6 +244,7 @@ class AleWriter {
     }
 
     const kesta& m_log;
+    const KSTView& m_rows;
     LineSink& m_out;
     std::string m_line;
     Warnings m_warnings;
@@ -250,11 +252,10 @@ class AleWriter {
 
 }  // namespace
 
-Selection everythingOf(const kesta& log) {
-    Selection all;
-    for (unsigned i = 0; i < log.get_num_fields(); ++i) all.columns.push_back(i);
-    if (log.get_num_records() > 0) all.rows.push_back({0, log.get_num_records() - 1});
-    return all;
+std::vector<unsigned> allColumns(const kesta& log) {
+    std::vector<unsigned> columns(log.get_num_fields());
+    std::iota(columns.begin(), columns.end(), 0U);
+    return columns;
 }
 
 void writeCsv(const kesta& log, const Selection& selection, LineSink& out) {
@@ -266,13 +267,13 @@ void writeCsv(const kesta& log, const Selection& selection, LineSink& out) {
         appendCsvField(line, log.get_fieldname(column));
     }
     writeLine();
-    forEachRow(selection, [&](unsigned row) {
+    forEachRow(selection.rows, [&](unsigned, const dbrecord& record) {
         line.clear();
         bool first = true;
         for (const unsigned column : selection.columns) {
             if (!first) line += ',';
             first = false;
-            appendCsvField(line, log.getField(row, column).view());
+            appendCsvField(line, valueIn(record, column));
         }
         writeLine();
     });
@@ -282,6 +283,6 @@ void writeJson(const kesta& log, const Selection& selection, LineSink& out) {
     JsonWriter(log, selection, out).write();
 }
 
-void writeAle(const kesta& log, LineSink& out) {
-    AleWriter(log, out).write();
+void writeAle(const kesta& log, const KSTView& rows, LineSink& out) {
+    AleWriter(log, rows, out).write();
 }

@@ -1,29 +1,35 @@
 // Logs in the forms that other programs read.
 //
-// Thread-safety: pure functions over a log that nobody changes meanwhile.
+// Thread-safety: one thread at a time.
 #pragma once
 
 #include <vector>
 
 #include "record/kesta.h"
 #include "tools/Output.h"
-#include "tools/RowRanges.h"
+#include "view/KSTViewCursor.h"
 
-/// The part of a log that is written: columns by number, in the order wanted, and rows.
+/// The part of a log that is written: the rows of a view on it, in the view's order, and columns by number,
+/// in the order wanted.
 struct Selection {
+    KSTView rows;
     std::vector<unsigned> columns;
-    std::vector<RowRange> rows;
 };
 
-/// All columns and rows.
-Selection everythingOf(const kesta& log);
+std::vector<unsigned> allColumns(const kesta& log);
 
-/// Calls `work` with each selected row.
+/// Calls `work` with the number that each row has in the log, from 0, and its record.
 template <class Work>
-void forEachRow(const Selection& selection, Work work) {
-    for (const RowRange range : selection.rows) {
-        for (unsigned row = range.first; row <= range.last; ++row) work(row);
+void forEachRow(const KSTView& rows, Work work) {
+    for (KSTViewCursor cursor(rows, 0); cursor.index() >= 0; ++cursor) {
+        const dbrecord* const record = *cursor;
+        if (record) work(static_cast<unsigned>(rows->baseIndex(cursor.index())), *record);
     }
+}
+
+/// The record's text in a column of its log.
+inline std::string_view valueIn(const dbrecord& record, unsigned column) noexcept {
+    return record.getField(static_cast<unsigned short>(column)).view();
 }
 
 /// Comma-separated text by RFC 4180, a header line first. To be given a sink that ends lines with CR LF.
@@ -36,4 +42,4 @@ void writeJson(const kesta& log, const Selection& selection, LineSink& out);
 
 /// The tab-separated log exchange form. Standard columns get the names it has for them, time codes their
 /// punctuation. Warns of tabs and line ends in values, which become spaces.
-void writeAle(const kesta& log, LineSink& out);
+void writeAle(const kesta& log, const KSTView& rows, LineSink& out);

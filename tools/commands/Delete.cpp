@@ -2,16 +2,44 @@
 #include <algorithm>
 
 #include "tools/Commands.h"
+#include "tools/DisplayText.h"
 #include "tools/Failure.h"
 #include "tools/LogFile.h"
+#include "tools/LogView.h"
+#include "tools/Messages.h"
+#include "tools/Output.h"
 #include "tools/RowRanges.h"
 
-int Commands::deleteRecords(const DeleteOptions& options) {
-    const Zr::Ptr<kesta> log = openLogForEditing(options.log, options.force);
-    std::vector<RowRange> ranges = parseRowRanges(options.rows, log->get_num_records());
+namespace {
+
+int deleteRows(kesta& log, const DeleteOptions& options) {
+    std::vector<RowRange> ranges = parseRowRanges(*options.rows, log.get_num_records());
     // From the end, so that the numbers of the rows still to go stay right.
     std::reverse(ranges.begin(), ranges.end());
-    for (const RowRange range : ranges) log->delete_records(range.first, range.last - range.first + 1);
-    saveLog(*log, options.log);
+    for (const RowRange range : ranges) log.delete_records(range.first, range.last - range.first + 1);
+    saveLog(log, options.log);
     return exitDone;
+}
+
+int deleteTagged(kesta& log, const DeleteOptions& options) {
+    const int count = viewOf(log)->deleteTagged();
+    if (count == 0) {
+        complain("no record is tagged");
+        return exitFindings;
+    }
+    saveLog(log, options.log);
+    const auto output = standardOutput();
+    output->line(counted(static_cast<std::size_t>(count), "record") + " deleted");
+    output->finish();
+    return exitDone;
+}
+
+}  // namespace
+
+int Commands::deleteRecords(const DeleteOptions& options) {
+    if (options.rows.has_value() == options.tagged) {
+        throw Failure("delete needs either ROWS or --tagged", exitUsage);
+    }
+    const Zr::Ptr<kesta> log = openLogForEditing(options.log, options.force);
+    return options.tagged ? deleteTagged(*log, options) : deleteRows(*log, options);
 }

@@ -5,10 +5,8 @@
 #include "support/StringFunctions.h"
 #include "tools/Commands.h"
 #include "tools/Failure.h"
-#include "tools/Files.h"
 #include "tools/LogFile.h"
 #include "tools/LogForm.h"
-#include "tools/LogInspector.h"
 #include "tools/Messages.h"
 #include "tools/Output.h"
 #include "tools/StandardColumns.h"
@@ -198,14 +196,7 @@ class Importer {
 }  // namespace
 
 int Commands::importFile(const ImportOptions& options) {
-    if (isCommaSeparated(options.log)) {
-        throw Failure(options.log +
-                      ": a log cannot have this name, because files ending in .csv are read as "
-                      "comma-separated text");
-    }
-    if (!options.force && isThere(options.log)) {
-        throw Failure(options.log + ": is there already; --force replaces it");
-    }
+    requireLogMayBeMade(options.log, options.force);
     const auto source = readTable(options.file);
     Importer(options, *source).run();
     return exitDone;

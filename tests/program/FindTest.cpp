@@ -1,0 +1,101 @@
+// kesta find and the rows of kesta show: which records they choose, in which order, and under which numbers.
+#include "tests/program/ProgramTest.h"
+
+namespace {
+
+class FindTest : public ProgramTest {
+ protected:
+    std::string codes() const {
+        return folder
+            .with("codes.log",
+                  "\"KESTA:Rev 1\"\n\"Title:x\"\n\"KESTA\"\n\"4\",\"4\",\"4\",\"4\",\"4\"\n"
+                  "\"text\",\"timecode\",\"timecode\",\"text\",\"numeric\"\n"
+                  "\"Name\",\"Start time\",\"End time\",\"Notes\",\"Tag\"\n"
+                  "\"a\",\"01:00:00:00\",\"01:00:08:00\",\"Circle take\",\"0\"\n"
+                  "\"b\",\"01:00:05:00\",\"01:00:20:00\",\"circle, good sound\",\"7\"\n"
+                  "\"c\",\"01:00:14:00\",\"01:00:15:00\",\"MOS\",\"1\"\n"
+                  "\"d\",\"\",\"01:00:20:00\",\"circle\",\"0\"\n")
+            .string();
+    }
+    /// The numbers and names that are shown.
+    std::string found(std::vector<std::string> arguments) {
+        arguments.insert(arguments.end(), {"--columns", "Name"});
+        return run(arguments).out;
+    }
+};
+
+TEST_F(FindTest, EveryTextMustMatchAndCodesFindTheRangesThatCoverThem) {
+    const std::string file = codes();
+    EXPECT_EQ(found({"find", file, "Start time=01:00:1"}), "Row  Name\n  2  b\n  3  c\n");
+    EXPECT_EQ(found({"find", file, "End time=01:00:1", "NOTES=CIRCLE"}), "Row  Name\n  2  b\n");
+    EXPECT_EQ(found({"find", file, "Start time=01:00:00", "End time=01:00:06"}), "Row  Name\n  1  a\n");
+    EXPECT_EQ(found({"find", file, "Notes=circle", "Notes=sound"}), "Row  Name\n  2  b\n")
+        << "texts for one column are both looked for";
+    EXPECT_EQ(run({"find", file, "Notes=circle"}).exitCode, 0);
+    const Outcome nothing = run({"find", file, "Notes=circle", "Notes=MOS", "--format", "csv"});
+    EXPECT_EQ(nothing.exitCode, 1);
+    EXPECT_EQ(nothing.out, "Name,Start time,End time,Notes,Tag\r\n");
+    EXPECT_EQ(nothing.err, "kesta: no record matches\n");
+}
+
+TEST_F(FindTest, RowsKeepTheirNumbersWhenSortedAndSelected) {
+    const std::string file = codes();
+    EXPECT_EQ(found({"show", file, "--sort", "Notes,Name", "--rows", "1,3-"}),
+              "Row  Name\n  4  d\n  1  a\n  3  c\n");
+    EXPECT_EQ(found({"show", file, "--tagged", "--sort", "Notes", "--rows", "2-4"}),
+              "Row  Name\n  2  b\n  3  c\n");
+    EXPECT_EQ(found({"find", file, "Notes=circle", "--sort", "Start time"}),
+              "Row  Name\n  1  a\n  2  b\n  4  d\n")
+        << "an empty value comes last";
+}
+
+TEST_F(FindTest, WhatIsFoundBecomesALogOfItsOwn) {
+    const std::string file = codes();
+    const std::string before = content("codes.log");
+    const std::string selects = path("selects.log");
+    EXPECT_EQ(run({"find", file, "Notes=circle", "--sort", "Notes", "-o", selects}).out,
+              selects + ": 3 records\n");
+    EXPECT_EQ(run({"check", selects}).exitCode, 0);
+    EXPECT_EQ(run({"param", selects}).out, "KESTA: Rev 1\nTitle: x\n");
+    EXPECT_EQ(run({"show", selects, "--format", "csv"}).out,
+              "Name,Start time,End time,Notes,Tag\r\n"
+              "d,,01:00:20:00,circle,0\r\n"
+              "a,01:00:00:00,01:00:08:00,Circle take,0\r\n"
+              "b,01:00:05:00,01:00:20:00,\"circle, good sound\",7\r\n");
+    EXPECT_EQ(content("codes.log"), before);
+
+    EXPECT_EQ(run({"find", file, "Notes=MOS", "-o", selects}).exitCode, 2) << "it is there already";
+    EXPECT_EQ(run({"find", file, "Notes=MOS", "-o", selects, "--force"}).exitCode, 0);
+    EXPECT_EQ(found({"show", selects}), "Row  Name\n  1  c\n");
+    EXPECT_EQ(run({"find", file, "Notes=none", "-o", selects, "--force"}).exitCode, 1);
+    EXPECT_EQ(found({"show", selects}), "Row  Name\n  1  c\n") << "nothing found, nothing written";
+}
+
+TEST_F(FindTest, RefusesWhatItCannotLookForOrCopyWhole) {
+    const std::string file = codes();
+    const std::string damaged = log("damaged.log", "\"A\",\"B\"", "\"1\",\"2\"\n\n\"3\",\"4\"\n");
+    struct Refused {
+        std::vector<std::string> arguments;
+        int exitCode;
+        std::string why;
+    };
+    const std::vector<Refused> cases = {
+        {{"find", file, "Note=x"}, 2, "did you mean \"Notes\"?"},
+        {{"find", file, "Notes"}, 64, "names no column; write COLUMN=TEXT"},
+        {{"find", file, "Notes="}, 64, "holds no text to look for"},
+        {{"find", file, "Notes=x", "--sort", "Nmae"}, 2, "did you mean \"Name\"?"},
+        {{"find", file, "Notes=x", "-o", path("x.log"), "--columns", "Name"}, 64, "--output"},
+        {{"find", file, "Notes=x", "-o", path("x.csv")}, 2, "a log cannot have this name"},
+        {{"find", damaged, "A=1", "-o", path("x.log")}, 2, "not copied, because its copy would lack"},
+        {{"find", file, "Notes=circle", "-o", path("none/x.log")}, 2, "No such file or directory"},
+    };
+    for (const Refused& refused : cases) {
+        const Outcome outcome = run(refused.arguments);
+        EXPECT_EQ(outcome.exitCode, refused.exitCode) << refused.why;
+        EXPECT_NE(outcome.err.find(refused.why), std::string::npos) << outcome.err;
+    }
+    EXPECT_EQ(run({"find", damaged, "A=1"}).exitCode, 0) << "showing loses nothing";
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"codes.log", "damaged.log"}));
+}
+
+}  // namespace

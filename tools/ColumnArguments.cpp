@@ -1,0 +1,68 @@
+#include "tools/ColumnArguments.h"
+
+#include <algorithm>
+
+#include "record/kesta.h"
+#include "tools/Failure.h"
+#include "tools/LogFile.h"
+#include "tools/LogForm.h"
+
+namespace {
+
+constexpr std::size_t mostSortColumns = 9;
+
+void addColumns(const kesta& log, const std::string& list, std::vector<unsigned>& columns) {
+    const unsigned whole = log.get_fieldnum(libraryText(list));
+    if (whole < log.get_num_fields()) {
+        columns.push_back(whole);
+        return;
+    }
+    for (std::size_t begin = 0; begin <= list.size();) {
+        const std::size_t comma = std::min(list.find(',', begin), list.size());
+        columns.push_back(columnNamed(log, list.substr(begin, comma - begin)));
+        begin = comma + 1;
+    }
+}
+
+}  // namespace
+
+std::vector<unsigned> parseColumns(const kesta& log, const std::vector<std::string>& lists) {
+    std::vector<unsigned> columns;
+    for (const std::string& list : lists) addColumns(log, list, columns);
+    return columns;
+}
+
+std::vector<int> parseSortColumns(const kesta& log, const std::vector<std::string>& lists) {
+    const std::vector<unsigned> columns = parseColumns(log, lists);
+    if (columns.size() > mostSortColumns) {
+        throw Failure(std::to_string(columns.size()) + " columns to sort by; at most " +
+                          std::to_string(mostSortColumns) + " are possible",
+                      exitUsage);
+    }
+    std::vector<int> fields(columns.begin(), columns.end());
+    fields.push_back(-1);
+    return fields;
+}
+
+ColumnText parseColumnText(const kesta& log, const std::string& argument) {
+    const std::size_t first = argument.find('=');
+    if (first == std::string::npos) {
+        throw Failure('"' + argument + "\" names no column; write COLUMN=TEXT", exitUsage);
+    }
+    for (std::size_t at = first; at != std::string::npos; at = argument.find('=', at + 1)) {
+        const unsigned column = log.get_fieldnum(libraryText(argument.substr(0, at)));
+        if (column < log.get_num_fields()) return {column, argument.substr(at + 1)};
+    }
+    return {columnNamed(log, argument.substr(0, first)), {}};
+}
+
+std::vector<ColumnText> parseSearch(const kesta& log, const std::vector<std::string>& arguments) {
+    std::vector<ColumnText> texts;
+    for (const std::string& argument : arguments) {
+        texts.push_back(parseColumnText(log, argument));
+        if (texts.back().text.empty()) {
+            throw Failure('"' + argument + "\" holds no text to look for", exitUsage);
+        }
+    }
+    return texts;
+}

@@ -1,0 +1,26 @@
+// Columns as the user names them on the command line.
+#pragma once
+
+#include <string>
+#include <vector>
+
+class kesta;
+
+/// The columns of lists with commas between, in order. A list that is the name of a column as a whole is that
+/// column. Throws Failure for a name that is none.
+std::vector<unsigned> parseColumns(const kesta& log, const std::vector<std::string>& lists);
+
+/// The same as the library takes sort fields: ended by -1. Throws Failure for more than nine.
+std::vector<int> parseSortColumns(const kesta& log, const std::vector<std::string>& lists);
+
+struct ColumnText {
+    unsigned column;
+    std::string text;
+};
+
+/// One "COLUMN=TEXT". A column's own name may hold "=": the first split that names a column counts. Throws
+/// Failure when there is none.
+ColumnText parseColumnText(const kesta& log, const std::string& argument);
+
+/// Texts to look for. Throws Failure for an empty one as well, which every record would hold.
+std::vector<ColumnText> parseSearch(const kesta& log, const std::vector<std::string>& arguments);

@@ -1,0 +1,45 @@
+// kesta find: the records of a log that hold given texts.
+#include <cerrno>
+
+#include "support/StringFunctions.h"
+#include "tools/Commands.h"
+#include "tools/DisplayText.h"
+#include "tools/Failure.h"
+#include "tools/LogFile.h"
+#include "tools/LogView.h"
+#include "tools/Messages.h"
+#include "tools/Output.h"
+#include "tools/ShowView.h"
+
+namespace {
+
+// The records go into the new log as they are. Saving the view as text would write the view's own tags in the
+// place of the log's.
+void saveRows(KSTViewRep& view, const std::string& path) {
+    view.tagAll(true);
+    view.tagBaseFromTags();
+    errno = 0;
+    if (view.saveOnlyTagged(Zr::WStringFromAscii(path.c_str())) == 0) throw fileFailure(path, errno);
+    const auto output = standardOutput();
+    output->line(path + ": " + counted(view.get_num_records(), "record"));
+    output->finish();
+}
+
+}  // namespace
+
+int Commands::findRecords(const FindOptions& options) {
+    const bool saves = !options.output.empty();
+    if (saves) requireLogMayBeMade(options.output, options.force);
+    const Zr::Ptr<kesta> log = saves ? openLogForCopying(options.log, options.force) : openLog(options.log);
+    const KSTView view = viewOf(*log);
+    keepMatches(*view, parseSearch(*log, options.texts));
+    const bool found = view->get_num_records() > 0;
+    if (!found) complain("no record matches");
+    if (!saves) {
+        showView(*log, view, options.table);
+    } else if (found) {
+        if (!options.table.sort.empty()) sortRows(*view, parseSortColumns(*log, options.table.sort));
+        saveRows(*view, options.output);
+    }
+    return found ? exitDone : exitFindings;
+}
