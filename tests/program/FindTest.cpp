@@ -83,7 +83,7 @@ TEST_F(FindTest, RefusesWhatItCannotLookForOrCopyWhole) {
         {{"find", file, "Note=x"}, 2, "did you mean \"Notes\"?"},
         {{"find", file, "Notes"}, 64, "names no column; write COLUMN=TEXT"},
         {{"find", file, "Notes="}, 64, "holds no text to look for"},
-        {{"find", file, "Notes=x", "--sort", "Nmae"}, 2, "did you mean \"Name\"?"},
+        {{"find", file, "Notes=x", "--sort", "Nam"}, 2, "did you mean \"Name\"?"},
         {{"find", file, "Notes=x", "-o", path("x.log"), "--columns", "Name"}, 64, "--output"},
         {{"find", file, "Notes=x", "-o", path("x.csv")}, 2, "a log cannot have this name"},
         {{"find", damaged, "A=1", "-o", path("x.log")}, 2, "not copied, because its copy would lack"},

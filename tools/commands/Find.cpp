@@ -34,12 +34,12 @@ int Commands::findRecords(const FindOptions& options) {
     const KSTView view = viewOf(*log);
     keepMatches(*view, parseSearch(*log, options.texts));
     const bool found = view->get_num_records() > 0;
-    if (!found) complain("no record matches");
     if (!saves) {
         showView(*log, view, options.table);
     } else if (found) {
         if (!options.table.sort.empty()) sortRows(*view, parseSortColumns(*log, options.table.sort));
         saveRows(*view, options.output);
     }
+    if (!found) complain("no record matches");
     return found ? exitDone : exitFindings;
 }

@@ -28,8 +28,8 @@ int list(const TagOptions& options) {
     const KSTView view = viewOf(*log);
     view->removeNonTagged();
     const bool found = view->get_num_records() > 0;
-    if (!found) complain("no record is tagged");
     showView(*log, view, options.table);
+    if (!found) complain("no record is tagged");
     return found ? exitDone : exitFindings;
 }
 
