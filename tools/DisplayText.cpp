@@ -70,21 +70,24 @@ void useUnicodeWidths() noexcept {
 std::string harmless(std::string_view text) {
     if (isPlain(text)) return std::string(text);
     std::string shown;
-    for (const wchar_t c : decoded(text).view()) shown += shownForm(c);
+    const LightweightString<wchar_t> characters = decoded(text);
+    for (const wchar_t c : characters.view()) shown += shownForm(c);
     return shown;
 }
 
 std::size_t displayWidth(std::string_view harmlessText) {
     if (isPlain(harmlessText)) return harmlessText.size();
     std::size_t cells = 0;
-    for (const wchar_t c : decoded(harmlessText).view()) cells += cellsOf(c);
+    const LightweightString<wchar_t> characters = decoded(harmlessText);
+    for (const wchar_t c : characters.view()) cells += cellsOf(c);
     return cells;
 }
 
 std::string_view fitting(std::string_view harmlessText, std::size_t cells) {
     if (isPlain(harmlessText)) return harmlessText.substr(0, cells);
     std::size_t bytes = 0;
-    for (const wchar_t c : decoded(harmlessText).view()) {
+    const LightweightString<wchar_t> characters = decoded(harmlessText);
+    for (const wchar_t c : characters.view()) {
         if (cellsOf(c) > cells) break;
         cells -= cellsOf(c);
         bytes += encodedLength(c);

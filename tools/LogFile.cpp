@@ -37,6 +37,25 @@ Zr::Ptr<kesta> loaded(const std::string& path, const Inspection& inspection) {
     return log;
 }
 
+// What the loader made of a damaged file may be such that a saved log could not be read back at all.
+void makeReadable(kesta& log) {
+    for (unsigned i = 0; i < log.get_num_fields(); ++i) {
+        const std::string name = log.get_fieldname(i);
+        if (!keepsColumnName(name)) log.set_fieldname(i, keepableColumnName(name).c_str());
+        if (log.get_fieldtype(i) == DBFieldTypes::eNone) log.set_fieldtype(i, DBFieldTypes::eText);
+    }
+    int unused = 0;
+    for (unsigned row = 0; row < log.get_num_records(); ++row) {
+        const Zr::Ptr<dbrecord> record = log.get_record(row);
+        record->resizeRecord(static_cast<int>(log.get_num_fields()), &unused, true);
+        for (unsigned short i = 0; i < record->get_num_fields(); ++i) {
+            const std::string_view value = record->getField(i).view();
+            if (value.size() > longestSafeValue)
+                record->setField(i, libraryText(cutTo(value, longestSafeValue)));
+        }
+    }
+}
+
 // Saving writes the records' tags into the column "Tag", but loading does not take them from there.
 void takeTagsFromColumn(kesta& log) {
     const unsigned column = log.get_fieldnum("Tag");
@@ -81,7 +100,9 @@ Zr::Ptr<kesta> openLogForEditing(const std::string& path, bool force) {
                       ": not changed, because saving would lose what the warnings name; mend the file "
                       "first, or use --force");
     }
-    return loaded(path, inspection);
+    Zr::Ptr<kesta> log = loaded(path, inspection);
+    if (inspection.losesText()) makeReadable(*log);
+    return log;
 }
 
 void saveLog(kesta& log, const std::string& path) {

@@ -69,17 +69,19 @@ std::string_view cutTo(std::string_view text, std::size_t bytes) noexcept {
 bool keepsParameter(std::string_view key, std::string_view value) {
     if (holdsLineEnd(key) || holdsLineEnd(value)) return false;
     kesta original;
-    original.add_param(libraryText("KESTA"), libraryText("Rev 1"));
-    const std::size_t before = original.params().size();
-    original.add_param(libraryText(key), libraryText(value));
+    original.add_param("KESTA", "Rev 1");
+    if (original.add_param(libraryText(key), libraryText(value)) != 0) return false;
     TextFile file;
     original.save_params(file);
-    file.appendLine(libraryText("\"KESTA\""));
+    file.appendLine("\"KESTA\"");
     kesta back;
     dbrecord line(0);
     back.read_params(file, &line);
-    return original.params().size() == before + 1 && back.params().size() == before + 1 &&
-           back.params().back().name().view() == key && back.params().back().value().view() == value;
+    const auto isSame = [](const Zr::AttribValuePair& a, const Zr::AttribValuePair& b) {
+        return a.name() == b.name() && a.value() == b.value();
+    };
+    return std::equal(original.params().begin(), original.params().end(), back.params().begin(),
+                      back.params().end(), isSame);
 }
 
 bool keepsColumnName(std::string_view name) {
@@ -90,6 +92,17 @@ bool keepsColumnName(std::string_view name) {
     dbrecord back(0);
     back.read(file);
     return back.get_num_fields() == 2 && back.getField(0).view() == name && back.getField(1).view() == name;
+}
+
+std::string keepableColumnName(std::string_view name) {
+    constexpr std::size_t longest = 240;  // leaves room for a number
+    std::string result;
+    for (const char c : name) result += c == '"' ? '\'' : Ascii::isControl(c) ? ' ' : c;
+    result = cutTo(result, longest);
+    while (!result.empty() && Ascii::isSpace(result.back())) result.pop_back();
+    result.erase(0, std::min(result.find_first_not_of(' '), result.size()));
+    for (std::size_t at = 0; (at = result.find("\\n", at)) != std::string::npos;) result[at] = '/';
+    return result;
 }
 
 bool readsAsHeader(std::string_view firstField) noexcept {

@@ -52,6 +52,9 @@ constexpr const char* parameterRules =
 /// Whether a saved log gives the column's name back exactly.
 bool keepsColumnName(std::string_view name);
 
+/// The nearest name that a log keeps; empty when nothing is left of it.
+std::string keepableColumnName(std::string_view name);
+
 /// A first field that reads as a header line inside the records: the loader then drops what follows it.
 bool readsAsHeader(std::string_view firstField) noexcept;
 

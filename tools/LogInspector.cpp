@@ -48,7 +48,8 @@ class FieldScan {
     };
 
     explicit FieldScan(std::string_view line) : m_line(line) {
-        while (m_at < m_line.size()) {
+        // Behind a cut, what is read has nothing to do with the fields that were meant.
+        while (m_at < m_line.size() && (m_losses.empty() || !m_losses.back().cut)) {
             if (Ascii::isControl(m_line[m_at])) {
                 ++m_at;
             } else {
@@ -132,22 +133,18 @@ class Inspector {
     void inspectCommaSeparated() {
         m_result.loads = true;
         const std::size_t columns = piecesOf(0);
+        if (columns == 0) {
+            const std::size_t rest = linesFrom(0);
+            if (rest > 0) {
+                report(0, 0, "the line names no columns; " + counted(rest, "line") + " behind it not read",
+                       true);
+            }
+            return;
+        }
         for (unsigned line = 0; line < m_file.size(); ++line) {
             const std::size_t pieces = piecesOf(line);
             if (line > 0 && pieces > 0) ++m_result.records;
-            if (pieces > columns) {
-                report(line, 0,
-                       counted(pieces - columns, "value") +
-                           " behind the last column; not read: name their "
-                           "columns on line 1, or use kesta import",
-                       true);
-            }
-            if (std::count(m_file.lineView(line).begin(), m_file.lineView(line).end(), '"') % 2 != 0) {
-                report(line, 0,
-                       "a double quote has no partner on the line; use kesta import, which reads "
-                       "values of several lines",
-                       true);
-            }
+            inspectCommaSeparatedLine(line, pieces, columns);
         }
     }
 
@@ -160,6 +157,23 @@ class Inspector {
         finding.text = std::move(text);
         finding.losesText = losesText;
         m_result.findings.push_back(std::move(finding));
+    }
+
+    void inspectCommaSeparatedLine(unsigned line, std::size_t pieces, std::size_t columns) {
+        if (pieces > columns) {
+            report(line, 0,
+                   counted(pieces - columns, "value") +
+                       " behind the last column; not read: name their columns on "
+                       "line 1, or use kesta import",
+                   true);
+        }
+        const std::string_view text = m_file.lineView(line);
+        if (std::count(text.begin(), text.end(), '"') % 2 != 0) {
+            report(line, 0,
+                   "a double quote has no partner on the line; use kesta import, which reads values of "
+                   "several lines",
+                   true);
+        }
     }
 
     std::size_t piecesOf(unsigned line) const {
@@ -240,7 +254,6 @@ class Inspector {
     }
 
     void inspectParameter(unsigned line, const Zr::AttribValuePair& param) {
-        if (sameName(param.name().view(), "KESTA")) return;
         if (keepsParameter(param.name().view(), param.value().view())) return;
         report(line, 0,
                "the parameter " + quoted(param.name().view()) + " would change when the log is saved; " +

@@ -116,18 +116,6 @@ class NameSet {
     std::map<std::string, unsigned> m_lastNumbers;  // given to each name so far
 };
 
-/// The nearest name that a log keeps; empty when nothing is left of it.
-std::string keepable(std::string_view name) {
-    constexpr std::size_t longest = 240;  // leaves room for a number
-    std::string result;
-    for (const char c : name) result += c == '"' ? '\'' : Ascii::isControl(c) ? ' ' : c;
-    result = cutTo(result, longest);
-    while (!result.empty() && Ascii::isSpace(result.back())) result.pop_back();
-    result.erase(0, std::min(result.find_first_not_of(' '), result.size()));
-    for (std::size_t at = 0; (at = result.find("\\n", at)) != std::string::npos;) result[at] = '/';
-    return result;
-}
-
 }  // namespace
 
 const StandardColumn* standardColumnFor(std::string_view name) noexcept {
@@ -145,7 +133,7 @@ std::vector<DBFieldDesc> planColumns(const std::vector<std::string>& fileNames,
     for (const std::string& name : reserved) taken.add(name);
     std::vector<DBFieldDesc> columns;
     for (std::size_t i = 0; i < fileNames.size(); ++i) {
-        std::string own = keepsColumnName(fileNames[i]) ? fileNames[i] : keepable(fileNames[i]);
+        std::string own = keepsColumnName(fileNames[i]) ? fileNames[i] : keepableColumnName(fileNames[i]);
         if (own.empty()) own = "Column " + std::to_string(i + 1);
         const StandardColumn* const standard = standardColumnFor(own);
         const bool isOwnName = standard && sameName(standard->name, own);

@@ -1,0 +1,150 @@
+// kesta check, and what the other commands say about logs that cannot be read.
+#include "tests/program/ProgramTest.h"
+
+namespace {
+
+const std::string head = "\"KESTA:Rev 1\"\n\"KESTA\"\n\"4\",\"4\"\n\"text\",\"text\"\n\"A\",\"B\"\n";
+
+struct Case {
+    const char* what;
+    std::string content;
+    std::vector<std::string> findings;  // behind the file's name, each the beginning of a line
+};
+
+class CheckTest : public ProgramTest {
+ protected:
+    void expectFindings(const Case& test, const std::string& name = "a.log") {
+        const std::string file = folder.with(name, test.content).string();
+        const Outcome check = run({"check", file});
+        EXPECT_EQ(check.exitCode, test.findings.empty() ? 0 : 1) << test.what << '\n' << check.err;
+        std::size_t at = 0;
+        for (const std::string& finding : test.findings) {
+            const std::string begin = file + finding;
+            EXPECT_EQ(check.out.substr(at, begin.size()), begin) << test.what;
+            at = check.out.find('\n', at) + 1;
+        }
+        EXPECT_EQ(check.out.substr(at), "") << test.what;
+    }
+};
+
+TEST_F(CheckTest, NamesThePlaceOfEverythingTheLoaderWouldStopAtDropOrWarnOf) {
+    const std::string longest(4094, 'x');
+    const std::vector<Case> cases = {
+        {"a clean log", head + "\"1\",\"say \"\"x\"\"\"\n\"2\",\"a\\nb\"\n", {}},
+        {"blank lines at the end", head + "\"1\",\"2\"\n\n  \n", {}},
+        {"unquoted, spaced and padded fields", head + "1,2\n\"1\", \"2  \"\n", {}},
+        {"widths that are no numbers", "\"KESTA:Rev 1\"\n\"KESTA\"\n\"?\"\n\"text\"\n\"A\"\n\"1\"\n", {}},
+        {"a field of the greatest length", head + '"' + longest + "\",\"2\"\n", {}},
+        {"too few fields",
+         head + "\"1\",\"2\"\n\"1\"\n\"3\",\"4\"\n",
+         {":7: column 2 (B): 1 field where the log has 2 columns; reading stops here and 1 line behind it"}},
+        {"too many fields",
+         head + "\"1\",\"2\",\"3\"\n",
+         {":6: column 3: 3 fields where the log has 2 columns"}},
+        {"a long field",
+         head + '"' + longest + "yyyy\",\"2\"\n",
+         {":6: column 1 (A): the field is longer", ":6: column 3: 3 fields"}},
+        {"a long field whose rest happens to give the right number",
+         head + '"' + longest + "  \",\"2\"\n",
+         {":6: column 1 (A): the field is longer"}},
+        {"a blank line with records behind it",
+         head + "\"1\",\"2\"\n\n\"3\",\"4\"\n\"5\",\"6\"\n",
+         {":7: a blank line ends the log; 2 lines"}},
+        {"stray quotes",
+         head + "\"5\" reel\",\"2\"\n",
+         {":6: column 1 (A): a double quote inside the field is dropped"}},
+        {"a value that saving would change",
+         head + "\"1\",\"a\rb\"\n\"\\\"n,\"2\"\n",
+         {":6: column 2 (B): the value would change when the log is saved: it holds a carriage return",
+          ":7: column 1 (A): the value would change when the log is saved"}},
+        {"a header among the records",
+         head + "\"Kesta\",\"2\"\n\"1\",\"2\"\n\"3\",\"4\"\n\"5\",\"6\"\n\"7\",\"8\"\n",
+         {":6: column 1 (A): the value is read as the beginning of a header"}},
+        {"another revision", "\"KESTA:Rev 2\"" + head.substr(13), {":1: the log has revision 2"}},
+        {"types and names that do not fit",
+         "\"KESTA:Rev 1\"\n\"KESTA\"\n\"4\"\n\"text\"\n\"A\",\"B\"\n\"1\",\"2\"\n",
+         {":4: 1 type for the 2 names"}},
+        {"an unknown type",
+         "\"KESTA:Rev 1\"\n\"KESTA\"\n\"4\"\n\"integer\"\n\"A\"\n",
+         {":4: column 1 (A): the type \"integer\" is unknown"}},
+        {"no marker",
+         "\"KESTA:Rev 1\"\n\"Mode:x\"\n\"A\",\"B\"\n\"1\",\"01:00:00:00\"\n",
+         {":3: the line \"KESTA\" in front of the column header is missing"}},
+        {"no revision", head.substr(14), {":1: this is no log"}},
+        {"an empty file", "", {":1: the file is empty"}},
+        {"parameters that are not read",
+         "\"KESTA:Rev 1\"\n\"Mode\"\n\":x\"\n\"a:b\",\"c\"\n" + head.substr(14),
+         {":2: a parameter without a colon", ":3: a parameter without a name",
+          ":4: 1 field behind the parameter"}},
+        {"a parameter that saving would change",
+         "\"KESTA:Rev 1\"\n\"Mode:\"\"x\"\"\"\n" + head.substr(14),
+         {":2: the parameter \"Mode\" would change"}},
+    };
+    for (const Case& test : cases) expectFindings(test);
+}
+
+TEST_F(CheckTest, FindsIdentifiersThatComeTwiceAndCodesThatEndBeforeTheyStart) {
+    const std::string file =
+        log("a.log", "\"Cookie\",\"Start time\",\"End time\",\"snd start\",\"snd end\",\"Tag\"",
+            "\"clip a\",\"01:00:00:00\",\"01:00:00:00\",\"\",\"\",\"0\"\n"
+            "\"clip b\",\"01:00:00:01\",\"01000000\",\"02:00:00;00\",\"01:59:59;29\",\"256\"\n"
+            "\"\",\"none\",\"01:00:00:00\",\"\",\"\",\"1\"\n"
+            "\"\",\"\",\"\",\"\",\"\",\"x\"\n"
+            "\"clip a\",\"\",\"\",\"\",\"\",\"\"\n");
+    const Outcome check = run({"check", file});
+    EXPECT_EQ(check.exitCode, 1);
+    EXPECT_EQ(
+        check.out,
+        file +
+            ":7: column 6 (Tag): the tag \"256\" is no number from 0 to 255; saving the log writes 0 in its "
+            "place\n" +
+            file +
+            ":7: column 3 (End time): 01:00:00:00 is before the start, 01:00:00:01; correct one, unless "
+            "the take passes midnight\n" +
+            file +
+            ":7: column 5 (snd end): 01:59:59;29 is before the start, 02:00:00;00; correct one, unless "
+            "the take passes midnight\n" +
+            file +
+            ":9: column 6 (Tag): the tag \"x\" is no number from 0 to 255; saving the log writes 0 in its "
+            "place\n" +
+            file +
+            ":10: column 1 (Cookie): the identifier is that of line 6 too, and look-ups find only that "
+            "one; give one of the records another\n");
+}
+
+TEST_F(CheckTest, FindsWhatPlainCommaSeparatedFilesLose) {
+    expectFindings({"a clean file", "a,b\n1,\"2,3\"\n1\n", {}}, "a.csv");
+    expectFindings({"no columns", "\na,b\n1,2\n", {":1: the line names no columns; 2 lines"}}, "a.csv");
+    expectFindings({"values behind the last column, a value of two lines",
+                    "a,b\n1,2,3\n1,\"x\ny\"\n",
+                    {":2: 1 value behind the last column", ":3: a double quote", ":4: a double quote"}},
+                   "a.csv");
+}
+
+TEST_F(CheckTest, UnreadableFilesDoNotKeepTheOthersFromBeingChecked) {
+    const std::string bad = log("bad.log", "\"A\"", "\"1\",\"2\"\n");
+    const Outcome check = run({"check", path("none.log"), bad, folder.path().string()});
+    EXPECT_EQ(check.exitCode, 2);
+    EXPECT_EQ(check.out.find(bad + ":6: "), 0U);
+    EXPECT_EQ(check.err, "kesta: " + path("none.log") + ": No such file or directory\nkesta: " +
+                             folder.path().string() + ": Is a directory\n");
+}
+
+TEST_F(CheckTest, ReadingCommandsSayWhatWasNotRead) {
+    const std::string file = log("a.log", "\"A\",\"B\"", "\"1\",\"2\"\n\n\"3\",\"4\"\n");
+    for (const std::string command : {"show", "info"}) {
+        const Outcome shown = run({command, file});
+        EXPECT_EQ(shown.exitCode, 0);
+        EXPECT_EQ(shown.err.find("kesta: warning: " + file + ":7: a blank line ends the log; 1 line"), 0U);
+    }
+    const std::string binary = folder
+                                   .with("binary", std::string("\x7F"
+                                                               "ELF\0\x1B[2J",
+                                                               9))
+                                   .string();
+    const Outcome refused = run({"show", binary});
+    EXPECT_EQ(refused.exitCode, 2);
+    EXPECT_EQ(refused.err.find("kesta: " + binary + ":1: this is no log"), 0U);
+}
+
+}  // namespace

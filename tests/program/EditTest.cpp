@@ -1,0 +1,120 @@
+// kesta set, add, delete and param: what they change, and that they lose nothing.
+#include "tests/program/ProgramTest.h"
+
+namespace {
+
+class EditTest : public ProgramTest {
+ protected:
+    std::string records(const std::string& file) { return run({"show", file, "--format", "csv"}).out; }
+};
+
+TEST_F(EditTest, ChangesWhatIsAskedForAndNothingElse) {
+    const std::string file =
+        log("a.log", "\"Name\",\"a=b\",\"Tag\"", "\"1\",\"x\",\"0\"\n\"2\",\"y\",\"7\"\n\"3\",\"z\",\"1\"\n");
+    EXPECT_EQ(run({"set", file, "2", "NAME", "say \"x\",\ny"}).exitCode, 0);
+    EXPECT_EQ(run({"set", file, "3", "Tag", "255"}).exitCode, 0);
+    EXPECT_EQ(run({"add", file, "Name=-5", "a=b=c=d"}).out, "row 4\n");
+    EXPECT_EQ(records(file), "Name,a=b,Tag\r\n1,x,0\r\n\"say \"\"x\"\",\ny\",y,7\r\n3,z,255\r\n-5,c=d,0\r\n");
+    EXPECT_EQ(run({"delete", file, "3,1,3-3"}).exitCode, 0);
+    EXPECT_EQ(records(file), "Name,a=b,Tag\r\n\"say \"\"x\"\",\ny\",y,7\r\n-5,c=d,0\r\n");
+    EXPECT_EQ(run({"delete", file, "1-"}).exitCode, 0);
+    EXPECT_EQ(records(file), "Name,a=b,Tag\r\n") << "a log may be without records";
+
+    EXPECT_EQ(run({"param", file, "Mode", ""}).exitCode, 0);
+    EXPECT_EQ(run({"param", file, "MODE", "a:b"}).exitCode, 0);
+    EXPECT_EQ(run({"param", file, "mode"}).out, "a:b\n");
+    EXPECT_EQ(run({"param", file}).out, "KESTA: Rev 1\nMode: a:b\n");
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"a.log"});
+}
+
+TEST_F(EditTest, ValuesAreTakenAsTheyAre) {
+    const std::string file = log("a.log", "\"Name\",\"Notes\"", "\"1\",\"\"\n");
+    for (const std::string value : {"show", "", "-5", "[a,b]", "{}", "%%", "\\", "\\\\n", "x\\"}) {
+        EXPECT_EQ(run({"set", file, "1", "Notes", value}).exitCode, 0) << value;
+        EXPECT_EQ(run({"show", file, "--columns", "Notes", "--format", "csv"}).out,
+                  "Notes\r\n" + (value.empty() || value == "[a,b]" ? '"' + value + '"' : value) + "\r\n");
+    }
+    EXPECT_EQ(run({"set", file, "1", "Notes", "--", "--force"}).exitCode, 0);
+    EXPECT_NE(records(file).find("--force"), std::string::npos);
+}
+
+TEST_F(EditTest, RefusesWhatALogWouldNotGiveBack) {
+    const std::string file = log("a.log", "\"Name\",\"Notes\",\"Tag\"", "\"1\",\"2\",\"0\"\n");
+    const std::string before = content("a.log");
+    struct Refused {
+        std::vector<std::string> arguments;
+        std::string why;
+    };
+    const std::vector<Refused> cases = {
+        {{"set", file, "1", "Notes", " x"}, "begins with white space"},
+        {{"set", file, "1", "Notes", "x\n"}, "ends with white space"},
+        {{"set", file, "1", "Notes", "a\rb"}, "carriage return"},
+        {{"set", file, "1", "Notes", "C:\\new"}, "backslash followed by n"},
+        {{"set", file, "1", "Notes", std::string(4095, 'x')}, "longer than 4094 bytes"},
+        {{"set", file, "1", "Name", "Kesta"}, "beginning of a header"},
+        {{"set", file, "1", "Tag", "256"}, "tags are numbers from 0 to 255"},
+        {{"set", file, "1", "Tag", "01"}, "tags are numbers from 0 to 255"},
+        {{"set", file, "1", "Note", "x"}, "did you mean \"Notes\"?"},
+        {{"set", file, "2", "Notes", "x"}, "no row 2; the log's rows are 1 to 1"},
+        {{"add", file, "Name=x", "Notes= x"}, "begins with white space"},
+        {{"add", file, "Nme=x"}, "did you mean \"Name\"?"},
+        {{"delete", file, "1-2"}, "no row 2; the log's rows are 1 to 1"},
+        {{"param", file, "a:b", "x"}, "keys no colon"},
+        {{"param", file, "a", "say \"x\""}, "no double quotes"},
+        {{"param", file, "a", "x "}, "keys no colon"},
+        {{"param", file, "a", "x\ny"}, "keys no colon"},
+        {{"param", file, "", "x"}, "keys no colon"},
+        {{"param", file, "kesta", "Rev 2"}, "stays as it is"},
+    };
+    for (const Refused& refused : cases) {
+        const Outcome edit = run(refused.arguments);
+        EXPECT_EQ(edit.exitCode, 2) << refused.why;
+        EXPECT_EQ(edit.err.find("kesta: "), 0U);
+        EXPECT_NE(edit.err.find(refused.why), std::string::npos) << edit.err;
+    }
+    EXPECT_EQ(run({"add", file, "Name=x", "name=y"}).exitCode, 64);
+    EXPECT_EQ(run({"param", file, "none"}).exitCode, 1);
+    EXPECT_EQ(content("a.log"), before);
+}
+
+TEST_F(EditTest, NeverSavesALogThatWasNotReadWhole) {
+    const std::vector<std::string> damaged = {
+        log("blank.log", "\"A\",\"B\"", "\"1\",\"2\"\n\n\"3\",\"4\"\n"),
+        log("fields.log", "\"A\",\"B\"", "\"1\",\"2\"\n\"3\"\n\"5\",\"6\"\n"),
+        log("long.log", "\"A\",\"B\"", "\"1\",\"2\"\n\"" + std::string(4100, 'x') + "\"\n"),
+        log("quote.log", "\"A\",\"B\"", "\"1\",\"2\"\n\"5\" reel\",\"6\"\n"),
+        log("tag.log", "\"A\",\"Tag\"", "\"1\",\"2\"\n\"3\",\"yes\"\n"),
+        log("param.log", "\"A\",\"B\"", "\"1\",\"2\"\n", "\"no colon\"\n"),
+    };
+    for (const std::string& file : damaged) {
+        const std::string before = TestSupport::readFile(file);
+        for (const std::vector<std::string>& edit :
+             std::vector<std::vector<std::string>>{{"set", file, "1", "A", "x"},
+                                                   {"add", file, "A=x"},
+                                                   {"delete", file, "1"},
+                                                   {"param", file, "k", "v"}}) {
+            const Outcome refused = run(edit);
+            EXPECT_EQ(refused.exitCode, 2);
+            EXPECT_EQ(refused.err.find("kesta: warning: " + file + ':'), 0U) << refused.err;
+            EXPECT_NE(refused.err.find("not changed, because saving would lose"), std::string::npos);
+        }
+        EXPECT_EQ(TestSupport::readFile(file), before);
+        EXPECT_EQ(run({"set", file, "1", "A", "x", "--force"}).exitCode, 0);
+        EXPECT_EQ(run({"check", file}).exitCode, 0);
+    }
+    const std::string plain = folder.with("a.csv", "A,B\n1,2\n").string();
+    EXPECT_EQ(run({"set", plain, "1", "A", "x", "--force"}).exitCode, 2);
+    EXPECT_EQ(content("a.csv"), "A,B\n1,2\n");
+}
+
+TEST_F(EditTest, SaysWhyASaveFailed) {
+    const std::string source = folder.with("a.csv", "A\n").string();
+    const Outcome toFolder = run({"import", source, "-o", folder.path().string(), "--force"});
+    EXPECT_EQ(toFolder.exitCode, 2);
+    EXPECT_EQ(toFolder.err, "kesta: " + folder.path().string() + ": Is a directory\n");
+    const Outcome nowhere = run({"import", source, "-o", path("none/a.log")});
+    EXPECT_EQ(nowhere.exitCode, 2);
+    EXPECT_EQ(nowhere.err, "kesta: " + path("none/a.log") + ": No such file or directory\n");
+}
+
+}  // namespace

@@ -1,0 +1,193 @@
+// kesta import and kesta export: no value is lost on the way, or it is said where.
+#include "tests/program/ProgramTest.h"
+
+namespace {
+
+class ExchangeTest : public ProgramTest {
+ protected:
+    Outcome import(const std::string& name, const std::string& content) {
+        return run({"import", folder.with(name, content).string(), "-o", path("a.log"), "--force"});
+    }
+    std::string exported(const std::string& format) {
+        const Outcome result = run({"export", path("a.log"), "--format", format});
+        EXPECT_EQ(result.exitCode, 0) << result.err;
+        return result.out;
+    }
+};
+
+TEST_F(ExchangeTest, AnExchangeFileComesBackAsItWas) {
+    const std::string file =
+        "Heading\nFIELD_DELIM\tTABS\nFPS\t23.98\nVIDEO_FORMAT\t1080\n\n"
+        "Column\nName\tTape\tStart\tEnd\tShoot Date\tKN Start\tTake\tSoundroll\tComments\tMy own\n\n"
+        "Data\n"
+        "19A-1\tA001\t04:00:00:00\t04:00:46;16\t07/21/14\tKX654321-0000+00\t1\tS1\t\xC3\xA9tude, \"x\"\t\n"
+        "19A-2\t\t\t\t\t\t2\t\tC:\\dir\tKESTA\n"
+        "\t\t\t\t\t\t\t\t\t\n";
+    const Outcome import = this->import("a.ale", file);
+    EXPECT_EQ(import.exitCode, 0);
+    EXPECT_EQ(import.err, "");
+    EXPECT_EQ(import.out, path("a.log") + ": 3 records, 10 columns\n");
+    EXPECT_EQ(
+        content("a.log").substr(content("a.log").find("\"text\"")),
+        "\"text\",\"text\",\"timecode\",\"timecode\",\"date\",\"text\",\"text\",\"text\",\"text\",\"text\"\n"
+        "\"Name\",\"Reel\",\"Start time\",\"End time\",\"cam_date\",\"start keycode\",\"Take\",\"snd reel\","
+        "\"Notes\",\"My own\"\n"
+        "\"19A-1\",\"A001\",\"04:00:00:00\",\"04:00:46;16\",\"07/21/14\",\"KX654321-0000+00\",\"1\",\"S1\","
+        "\"\xC3\xA9tude, \"\"x\"\"\",\"\"\n"
+        "\"19A-2\",\"\",\"\",\"\",\"\",\"\",\"2\",\"\",\"C:\\dir\",\"KESTA\"\n"
+        "\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\"\n");
+    EXPECT_EQ(exported("ale"), file);
+    EXPECT_EQ(run({"check", path("a.log")}).exitCode, 0);
+}
+
+TEST_F(ExchangeTest, ReadsTheFormsInWhichExchangeFilesOccur) {
+    const std::string tidy = "Heading\nFIELD_DELIM\tTABS\nFPS\t25\n\nColumn\nName\tReel\n\nData\n1\t2\n";
+    for (const std::string& form : std::vector<std::string>{
+             "Heading\nFIELD_DELIM\tTABS\tFPS\t25\n\nColumn\nName\tReel\n\nData\n1\t2\n",
+             "\xEF\xBB\xBFHeading\r\nFIELD_"
+             "DELIM\tTABS\r\nFPS\t25\r\nColumn\r\nName\tReel\t\r\nData\r\n1\t2\t\t\r\n\r\n",
+             "heading \rFIELD_DELIM\tTABS\rFPS\t25\r\rcolumn\rName\tReel\r\rdata\r1\t2"}) {
+        EXPECT_EQ(import("a.ale", form).err, "");
+        std::string back = exported("ale");
+        back.replace(back.find("Tape"), 4, "Reel");
+        EXPECT_EQ(back, tidy);
+    }
+}
+
+TEST_F(ExchangeTest, ACommaSeparatedFileComesBackAsItWas) {
+    const std::string file =
+        "Name,\"Say \",Notes\r\n"
+        "1,\"a, b\",\"line one\nline two\"\r\n"
+        ",,\r\n"
+        "\"\"\"x\"\"\",=1+1,\xE6\x98\xA0\r\n";
+    Outcome import = this->import("a.csv", file);
+    EXPECT_EQ(import.err,
+              "kesta: warning: " + path("a.csv") + ":1: column 2: the name \"Say \" becomes \"Say\"\n");
+    EXPECT_EQ(exported("csv"), "Name,Say,Notes" + file.substr(17));
+    import = this->import("b.csv", "Only\n\"\"\nx\n");
+    EXPECT_EQ(exported("csv"), "Only\r\n\"\"\r\nx\r\n") << "an empty value is no blank line";
+    import = this->import("c.csv",
+                          "\xEF\xBB\xBF"
+                          "A,B\r1,x\"y\r2,\"p\"q\r");
+    EXPECT_EQ(exported("csv"), "A,B\r\n1,\"x\"\"y\"\r\n2,pq\r\n");
+}
+
+TEST_F(ExchangeTest, EveryColumnKeepsItsValues) {
+    EXPECT_EQ(import("a.csv", "Tape,Reel,tape,,Start,\"a\"\"b\",x,X,tag\n1,2,3,4,5,6,7,8,yes\n").exitCode, 0);
+    EXPECT_EQ(exported("csv"),
+              "Tape,Reel,tape 2,Column 4,Start time,a'b,x,X 2,tag 2\r\n1,2,3,4,5,6,7,8,yes\r\n");
+    EXPECT_EQ(import("a.csv", "Tape,TAPE\n1,2\n").err, "");
+    EXPECT_EQ(exported("csv"), "Reel,TAPE\r\n1,2\r\n");
+    EXPECT_EQ(import("a.csv", "Name,Tag\n1,200\n2,0\n").err, "") << "tags that a log keeps stay tags";
+    EXPECT_EQ(exported("csv"), "Name,Tag\r\n1,200\r\n2,0\r\n");
+
+    const Outcome longer = import("a.csv", "A,B\n1\n1,2,3,,\n1,2,,4\n");
+    EXPECT_EQ(longer.err, "kesta: warning: " + path("a.csv") +
+                              ":3: 1 value behind the last named column, kept from "
+                              "column \"Column 3\" on\nkesta: warning: " +
+                              path("a.csv") +
+                              ":4: 1 value behind the last named column, kept from column \"Column 3\" on\n");
+    EXPECT_EQ(exported("csv"), "A,B,Column 3,Column 4\r\n1,,,\r\n1,2,3,\r\n1,2,,4\r\n");
+}
+
+TEST_F(ExchangeTest, ValuesThatALogCannotHoldAreNamed) {
+    const std::string file = path("a.csv");
+    const std::string tooLong = std::string(4093, 'x') + "\xC3\xA9" + "tail";
+    const Outcome import = this->import(
+        "a.csv", "Name,Notes,X\n\" a\",b ,c\n\"1\r\n2\",\\n," + tooLong + "\n" + tooLong + ",\"q\"\"\",d\n");
+    EXPECT_EQ(import.exitCode, 0);
+    EXPECT_EQ(import.err, "kesta: warning: " + file +
+                              ":2: column 1 (Name): the value is not kept exactly: it begins with white "
+                              "space, which is dropped\n"
+                              "kesta: warning: " +
+                              file +
+                              ":2: column 2 (Notes): the value is not kept exactly: it ends with white "
+                              "space, which is dropped\n"
+                              "kesta: warning: " +
+                              file +
+                              ":3: column 1 (Name): the value is not kept exactly: it holds a carriage "
+                              "return, which is dropped\n"
+                              "kesta: warning: " +
+                              file +
+                              ":3: column 2 (Notes): the value is not kept exactly: it holds a backslash "
+                              "followed by n, which is read as a line end\n"
+                              "kesta: warning: " +
+                              file +
+                              ":3: column 3 (X): the value is not kept exactly: it is longer than 4094 "
+                              "bytes, the most that a field takes\n"
+                              "kesta: warning: " +
+                              file +
+                              ":5: column 1 (Name): the value is not kept exactly: it is longer than 4094 "
+                              "bytes, the most that a field takes\n");
+    EXPECT_NE(import.out.find("3 records, 3 columns, 6 values not kept exactly"), std::string::npos);
+    const std::string cut(4093, 'x');
+    EXPECT_EQ(exported("csv"),
+              "Name,Notes,X\r\na,b,c\r\n\"1\n2\",," + cut + "\r\n" + cut + ",\"q\"\"\",d\r\n");
+    EXPECT_EQ(run({"check", path("a.log")}).exitCode, 0);
+
+    const Outcome heading =
+        this->import("a.ale", "Heading\nKESTA\tx\nFPS\t25\tFPS\t30\na:b\t\"c\"\n\nColumn\nA\n\nData\n");
+    EXPECT_EQ(exported("ale"),
+              "Heading\nFIELD_DELIM\tTABS\nKESTA 2\tx\nFPS\t25\nFPS 2\t30\na'b\t'c'\n\nColumn\nA\n\nData\n");
+    EXPECT_EQ(std::count(heading.err.begin(), heading.err.end(), '\n'), 3);
+}
+
+TEST_F(ExchangeTest, ManyWarningsAreCountedRatherThanListed) {
+    std::string content = "A\n";
+    for (int i = 0; i < 100; ++i) content += " x\n";
+    const Outcome few = import("a.csv", content);
+    EXPECT_EQ(std::count(few.err.begin(), few.err.end(), '\n'), 21);
+    EXPECT_NE(few.err.find("and 80 more like these; --all-warnings lists them all"), std::string::npos);
+    const Outcome all = run({"import", path("a.csv"), "-o", path("b.log"), "--all-warnings"});
+    EXPECT_EQ(std::count(all.err.begin(), all.err.end(), '\n'), 100);
+}
+
+TEST_F(ExchangeTest, ExchangeFilesGetCodesWithPunctuationAndNoTabs) {
+    folder.with("a.log",
+                "\"KESTA:Rev 1\"\n\"KESTA\"\n\"4\",\"4\"\n\"timecode\",\"text\"\n\"Start time\",\"Notes\"\n"
+                "\"01000010\",\"01000010\"\n\"01000010;\",\"a\tb\\nc\"\n\"none\",\"\"\n");
+    const Outcome result = run({"export", path("a.log"), "--format", "ale", "-o", path("b.ale")});
+    EXPECT_EQ(result.err, "kesta: warning: row 2, column 2 (Notes): tabs and line ends become spaces\n");
+    EXPECT_EQ(content("b.ale"),
+              "Heading\nFIELD_DELIM\tTABS\n\nColumn\nStart\tComments\n\nData\n"
+              "01:00:00:10\t01000010\n01:00:00;10\ta b c\nnone\t\n");
+}
+
+TEST_F(ExchangeTest, RefusesWhatItCannotRead) {
+    struct Refused {
+        std::string name;
+        std::string content;
+        std::string why;
+    };
+    const std::vector<Refused> cases = {
+        {"a.txt", "x", "its name has to end in .csv or .ale"},
+        {"a.csv", "", "has no line of column names"},
+        {"a.csv", "A,B\n1,\"2\n3\n", ":2: the quoted value that begins here never ends"},
+        {"a.csv", std::string("A\0B", 3), "is no text file"},
+        {"a.csv",
+         "\xFF\xFE"
+         "A",
+         "is UTF-16 text"},
+        {"a.csv", "A,B\n kesta ,1\n", ":2: column 1: a log takes the value"},
+        {"a.csv", std::string(65536, ',') + "A", "more columns than a log takes"},
+        {"a.ale", "", "ends before Heading or Column"},
+        {"a.ale", "Heading\nFPS\t25\n", "ends before Column"},
+        {"a.ale", "Name\tTape\n", ":1: this is not where the section Column begins"},
+        {"a.ale", "Heading\nFIELD_DELIM\tCOMMAS\n\nColumn\nA\n\nData\n",
+         ":2: the fields are separated by COMMAS"},
+        {"a.ale", "Column\nA\nB\nData\n", ":3: this is not where the section Data begins"},
+    };
+    for (const Refused& refused : cases) {
+        const Outcome import = this->import(refused.name, refused.content);
+        EXPECT_EQ(import.exitCode, 2) << refused.why;
+        EXPECT_NE(import.err.find(refused.why), std::string::npos) << import.err;
+        EXPECT_FALSE(std::filesystem::exists(path("a.log"))) << refused.why;
+    }
+    const std::string source = folder.with("b.csv", "A\n1\n").string();
+    folder.with("a.log", "precious");
+    EXPECT_EQ(run({"import", source, "-o", path("a.log")}).exitCode, 2);
+    EXPECT_EQ(content("a.log"), "precious");
+    EXPECT_EQ(run({"import", source, "-o", path("c.csv")}).exitCode, 2);
+}
+
+}  // namespace

@@ -1,0 +1,72 @@
+// Runs the built program, as a user would, in a temporary folder.
+#pragma once
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <initializer_list>
+#include <spawn.h>
+#include <string>
+#include <sys/wait.h>
+#include <vector>
+
+#include "tests/TestSupport.h"
+
+extern char** environ;  // NOLINT: the system's own name
+
+/// How a run of the program ended, and what it said.
+struct Outcome {
+    int exitCode = -1;  // -1 when a signal ended it
+    std::string out;
+    std::string err;
+};
+
+class ProgramTest : public TestSupport::TempFolderTest {
+ protected:
+    /// Runs the program with these arguments. Standard output goes to a file, or to `output` when given.
+    Outcome run(std::vector<std::string> arguments, const std::string& output = {}) {
+        const std::string out = output.empty() ? path(".out") : output;
+        const std::string err = path(".err");
+        arguments.insert(arguments.begin(), KESTA_PROGRAM);
+        std::vector<char*> pointers;
+        for (std::string& argument : arguments) pointers.push_back(argument.data());
+        pointers.push_back(nullptr);
+
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        pid_t child = 0;
+        const int failure = posix_spawn(&child, KESTA_PROGRAM, &actions, nullptr, pointers.data(), environ);
+        posix_spawn_file_actions_destroy(&actions);
+        if (failure != 0) throw std::runtime_error("cannot start the program");
+        int status = 0;
+        waitpid(child, &status, 0);
+
+        Outcome result;
+        if (WIFEXITED(status)) result.exitCode = WEXITSTATUS(status);
+        if (output.empty()) result.out = TestSupport::readFile(out);
+        result.err = TestSupport::readFile(err);
+        std::filesystem::remove(err);
+        if (output.empty()) std::filesystem::remove(out);
+        return result;
+    }
+
+    std::string path(const std::string& name) const { return (folder / name).string(); }
+    std::string content(const std::string& name) const { return TestSupport::readFile(folder / name); }
+
+    /// A log of these columns and record lines.
+    std::string log(const std::string& name, const std::string& names, const std::string& lines,
+                    const std::string& params = "") const {
+        const auto columns = static_cast<std::size_t>(std::count(names.begin(), names.end(), ',')) + 1;
+        std::string types = "\"text\"";
+        std::string widths = "\"4\"";
+        for (std::size_t i = 1; i < columns; ++i) {
+            types += ",\"text\"";
+            widths += ",\"4\"";
+        }
+        return folder
+            .with(name, "\"KESTA:Rev 1\"\n" + params + "\"KESTA\"\n" + widths + '\n' + types + '\n' + names +
+                            '\n' + lines)
+            .string();
+    }
+};

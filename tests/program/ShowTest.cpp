@@ -1,0 +1,167 @@
+// kesta show and kesta info: tables, on terminals and elsewhere, and the other forms.
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include "tests/program/ProgramTest.h"
+
+namespace {
+
+class ShowTest : public ProgramTest {
+ protected:
+    /// What the program writes to a terminal of this size.
+    std::string onTerminal(const std::vector<std::string>& arguments, unsigned short columns,
+                           unsigned short rows) {
+        const int controller = posix_openpt(O_RDWR | O_NOCTTY);
+        if (controller < 0 || grantpt(controller) != 0 || unlockpt(controller) != 0) {
+            throw std::runtime_error("no terminal to be had");
+        }
+        const winsize size{rows, columns, 0, 0};
+        const std::string terminal = ptsname(controller);
+        const int held = open(terminal.c_str(), O_RDWR | O_NOCTTY);
+        ioctl(held, TIOCSWINSZ, &size);
+        run(arguments, terminal);
+        std::string shown;
+        // Everything has been written; the terminal would block once it has been read.
+        int waiting = 0;
+        while (ioctl(controller, FIONREAD, &waiting) == 0 && waiting > 0) {
+            char buffer[4096];
+            const ssize_t count = read(controller, buffer, sizeof buffer);
+            if (count <= 0) break;
+            for (ssize_t i = 0; i < count; ++i) {
+                if (buffer[i] != '\r') shown += buffer[i];
+            }
+        }
+        close(held);
+        close(controller);
+        return shown;
+    }
+};
+
+TEST_F(ShowTest, TablesAreAlignedByCellsAndHarmless) {
+    const std::string file = log("a.log", "\"Name\",\"Notes\",\"Reel\"",
+                                 "\"\xE6\x98\xA0\xE7\x94\xBB\",\"a\\nb\t\x1B[2J\",\"A1\"\n"
+                                 "\"e\xCC\x81t\xC3\xA9\",\"\xFF\x7F\xC2\x9B\xE2\x80\xAE\",\"A2\"\n"
+                                 "\"plain\",\"\",\"A3\"\n");
+    EXPECT_EQ(run({"show", file}).out,
+              "Row  Name   Notes                 Reel\n"
+              "  1  \xE6\x98\xA0\xE7\x94\xBB   a\\nb\\t\\x1b[2J         A1\n"
+              "  2  e\xCC\x81t\xC3\xA9    \\xff\\x7f\\u009b\\u202e  A2\n"
+              "  3  plain                        A3\n");
+    EXPECT_EQ(run({"show", file, "--columns", "reel,Name", "--columns", "Notes", "--rows", "3,1-1"}).out,
+              "Row  Reel  Name   Notes\n"
+              "  1  A1    \xE6\x98\xA0\xE7\x94\xBB   a\\nb\\t\\x1b[2J\n"
+              "  3  A3    plain\n");
+}
+
+TEST_F(ShowTest, ATerminalGetsLinesThatFitAndTheHeaderWithEveryScreenful) {
+    const std::string file =
+        log("a.log", "\"Name\",\"Notes\"",
+            "\"1\",\"\xE6\x98\xA0\xE7\x94\xBB\xE6\x98\xA0\xE7\x94\xBB\xE6\x98\xA0\"\n\"2\",\"\"\n"
+            "\"3\",\"\"\n\"4\",\"\"\n\"5\",\"" +
+                std::string(200, 'x') + "\"\n");
+    EXPECT_EQ(onTerminal({"show", file}, 18, 5),
+              "Row  Name  Notes\n"
+              "  1  1     \xE6\x98\xA0\xE7\x94\xBB\xE6\x98\xA0\xE2\x80\xA6\n"
+              "  2  2\n"
+              "  3  3\n"
+              "Row  Name  Notes\n"
+              "  4  4\n"
+              "  5  5     xxxxxx\xE2\x80\xA6\n");
+    EXPECT_EQ(run({"show", file, "--rows", "5"}).out,
+              "Row  Name  Notes\n  5  5     " + std::string(200, 'x') + '\n')
+        << "elsewhere everything is written in full";
+}
+
+TEST_F(ShowTest, OtherFormsHoldTheSelectedPart) {
+    const std::string file =
+        log("a.log", "\"X\",\"X\"", "\"1\",\"a,\"\"b\"\"\\nc\"\n\"2\",\"\xFF\\\"\n\"3\",\"x\"\n",
+            "\"Mode:a:b\"\n");
+    EXPECT_EQ(run({"show", file, "--format", "csv", "--rows", "-2"}).out,
+              "X,X\r\n1,\"a,\"\"b\"\"\nc\"\r\n2,\xFF\\\r\n");
+    const Outcome json = run({"show", file, "--format", "json", "--rows", "1-2"});
+    EXPECT_EQ(json.out,
+              "{\n"
+              "  \"parameters\": [\n"
+              "    {\"key\": \"KESTA\", \"value\": \"Rev 1\"},\n"
+              "    {\"key\": \"Mode\", \"value\": \"a:b\"}\n"
+              "  ],\n"
+              "  \"columns\": [\n"
+              "    {\"name\": \"X\", \"type\": \"text\"},\n"
+              "    {\"name\": \"X\", \"type\": \"text\"}\n"
+              "  ],\n"
+              "  \"records\": [\n"
+              "    [\"1\", \"a,\\\"b\\\"\\nc\"],\n"
+              "    [\"2\", \"\xEF\xBF\xBD\\\\\"]\n"
+              "  ]\n"
+              "}\n");
+    EXPECT_EQ(json.err, "kesta: warning: row 2, column 2 (X): bytes that are no UTF-8 become U+FFFD\n");
+}
+
+TEST_F(ShowTest, InfoTellsWhatALogIs) {
+    const std::string file =
+        folder
+            .with("a.log",
+                  "\"KESTA:Rev 1\"\n\"Mode:x\"\n\"KESTA\"\n\"1\",\"1\"\n\"timecode\",\"B\"\n"
+                  "\"Start time\",\"Take\"\n\"01:00:00:00\",\"twelve\"\n")
+            .string();
+    EXPECT_EQ(run({"info", file}).out,
+              "file:     " + file + "\nsize:     97 bytes\nrevision: 1\nrecords:  1\n" +
+                  "parameters:\n  KESTA  Rev 1\n  Mode   x\n"
+                  "columns:\n  1  Start time  timecode  12\n  2  Take        B         6\n");
+}
+
+TEST_F(ShowTest, WrongRequestsNameWhatThereIs) {
+    const std::string file = log("a.log", "\"Name\",\"Reel\"", "\"1\",\"2\"\n\"3\",\"4\"\n");
+    struct Wrong {
+        std::vector<std::string> arguments;
+        int exitCode;
+        std::string message;
+    };
+    const std::vector<Wrong> cases = {
+        {{"show", file, "--columns", "Real"},
+         2,
+         "no column \"Real\"; did you mean \"Reel\"? The columns are: Name, Reel"},
+        {{"show", file, "--rows", "2-3"}, 2, "no row 3; the log's rows are 1 to 2"},
+        {{"show", file, "--rows", "0"}, 2, "no row 0; the log's rows are 1 to 2"},
+        {{"show", file, "--rows", "2-1"}, 64, "\"2-1\" names no rows; write them like 3,5-9"},
+        {{"show", file, "--rows", "1,,2"}, 64, "\"1,,2\" names no rows; write them like 3,5-9"},
+        {{"show", file, "--format", "xml"},
+         64,
+         "--format: xml not in {table,csv,json}\nkesta: see kesta --help"},
+        {{"show"}, 64, "LOG is required\nkesta: see kesta --help"},
+        {{}, 64, "A subcommand is required\nkesta: see kesta --help"},
+    };
+    for (const Wrong& wrong : cases) {
+        const Outcome refused = run(wrong.arguments);
+        EXPECT_EQ(refused.exitCode, wrong.exitCode) << wrong.message;
+        EXPECT_EQ(refused.err, "kesta: " + wrong.message + '\n');
+        EXPECT_EQ(refused.out, "");
+    }
+}
+
+TEST_F(ShowTest, AFullDiskIsNoticed) {
+    const std::string file = log("a.log", "\"Name\"", "\"1\"\n");
+    for (const std::vector<std::string>& arguments : {std::vector<std::string>{"show", file},
+                                                      {"info", file},
+                                                      {"--help"},
+                                                      {"export", file, "--format", "csv"}}) {
+        const Outcome full = run(arguments, "/dev/full");
+        EXPECT_EQ(full.exitCode, 2);
+        EXPECT_EQ(full.err, "kesta: standard output: No space left on device\n");
+    }
+    EXPECT_EQ(run({"export", file, "--format", "csv", "-o", "/dev/full"}).exitCode, 2);
+}
+
+TEST_F(ShowTest, HelpShowsAnExampleOfEveryCommand) {
+    for (const std::string command :
+         {"info", "show", "check", "import", "export", "set", "add", "delete", "param"}) {
+        const Outcome help = run({command, "--help"});
+        EXPECT_EQ(help.exitCode, 0);
+        EXPECT_NE(help.out.find("Example:\n  kesta " + command + ' '), std::string::npos) << help.out;
+    }
+    EXPECT_EQ(run({"--version"}).out, std::string(kestaDllVersionStr()) + '\n');
+}
+
+}  // namespace
