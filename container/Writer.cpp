@@ -51,9 +51,9 @@ ZRContainerFile::Writer::~Writer() = default;
 dbrecord* ZRContainerFile::Writer::addItem(const Cookie& k) {
     if (k.type() == 'I') return nullptr;
     const LightweightString<char> text = k.asString(true);
-    dbrecord* const record = m_database->get_record(m_database->add_records(1)).get();
+    const Zr::Ptr<dbrecord> record = m_database->get_record(m_database->add_records(1));
     if (record) record->set_field(m_cookieField, text.c_str(), true);
-    return record;
+    return record.get();
 }
 
 void ZRContainerFile::Writer::setAttrib(LightweightString<char> key, LightweightString<char> value) {
