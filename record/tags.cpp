@@ -46,6 +46,8 @@ int kesta::get_num_tags() {
 
 unsigned kesta::delete_tagged_records() {
     if (m_showTagsOnly) return notFound;
+    // A listener may let go of the last Ptr to this database.
+    const Zr::Ptr<iObject> alive(refCount() > 0 ? this : nullptr);
     unsigned deleted = 0;
     unsigned first = 0;
     unsigned length = 0;
