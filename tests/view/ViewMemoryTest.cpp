@@ -11,7 +11,7 @@ using TestSupport::CountingAllocator;
 using TestSupport::TempFolder;
 using TestSupport::wide;
 
-constexpr unsigned manyRows = 600;
+constexpr unsigned manyRows = 400;
 
 Zr::Ptr<kesta> newDatabase() {
     auto database = TestSupport::makeTextDatabase({"Name", "Scene", "Tag"});
@@ -76,9 +76,9 @@ TEST(ViewMemory, RunningOutLeavesNothingBehindAndNothingBroken) {
         road.walk(file);
         requests = allocator.requests() - before;
     }
-    const unsigned stride = requests / 400 + 1;
+    const unsigned stride = requests / 150 + 1;
     for (const bool lasting : {false, true}) {
-        for (unsigned request = 1; request <= requests; request += request < 300 ? 1 : stride) {
+        for (unsigned request = 1; request <= requests; request += request < 200 ? 1 : stride) {
             SCOPED_TRACE("request " + std::to_string(request) + (lasting ? " and all after" : ""));
             CountingAllocator allocator;
             const std::size_t held = allocator.held();

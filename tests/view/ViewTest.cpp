@@ -292,6 +292,19 @@ TEST(View, RowsThatTheSourceHasNoMoreAreMissingRecords) {
     EXPECT_EQ(5u, view->get_num_records());
 }
 
+TEST(View, DeletesWhatThereIsBehindARowThatTheSourceHasNoMore) {
+    const auto database = fiveRows();
+    const KSTView view(new KSTViewRep(database.get()));
+    for (const int row : {4, 0, 1, 3}) view->displayRecordsAt(row, 1, INT_MAX);
+    database->free();
+    database->setFields(TestSupport::textColumns({"Name"}));
+    TestSupport::fill(*database, {{"x"}, {"y"}, {"z"}});
+    for (unsigned row = 0; row < 3; ++row) view->set_tag(row, 1);
+    EXPECT_EQ(3 + 2, view->deleteTagged()) << "the run that could not go, then what was left of it";
+    EXPECT_EQ((Fields{"z"}), columnOf(*database, 0));
+    EXPECT_EQ(2u, view->get_num_records());
+}
+
 TEST(View, KeepsItsFieldSpecificationAsItWasGiven) {
     const auto database = makeTextDatabase({"Name", "Scene", "Take"});
     CapturedLog log;
