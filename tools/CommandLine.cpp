@@ -87,6 +87,22 @@ void addForce(CLI::App& app, bool& force) {
     app.add_flag("--force", force, "save even when the file holds text that is lost by that");
 }
 
+void addFormat(CLI::App& app, std::string& format) {
+    app.add_option("--format", format, "table, csv or json")
+        ->check(CLI::IsMember({"table", "csv", "json"}))
+        ->capture_default_str();
+}
+
+CLI::Option* addColumnList(CLI::App& app, const char* option, std::vector<std::string>& lists,
+                           const char* what) {
+    return app.add_option(option, lists, what)->expected(1)->take_all();
+}
+
+CLI::Option* addAllColumns(CLI::App& app, bool& allColumns) {
+    return app.add_flag("--all-columns", allColumns,
+                        "all columns in the log's own order, not those that kesta columns lists as shown");
+}
+
 void addReadingCommands(CommandList& commands) {
     commands.add<InfoOptions>("info", "Show a log's parameters, columns and size", "kesta info day1.log",
                               Commands::showInfo,
@@ -95,13 +111,11 @@ void addReadingCommands(CommandList& commands) {
         "show", "Show records", "kesta show day1.log --columns Reel,\"Start time\" --rows 10-20",
         Commands::showRecords, [](CLI::App& app, ShowOptions& options) {
             addLog(app, options.log);
-            app.add_option("--columns", options.columns, "the columns to show, with commas between")
-                ->expected(1)
-                ->take_all();
+            CLI::Option* const columns =
+                addColumnList(app, "--columns", options.columns, "the columns to show, with commas between");
+            addAllColumns(app, options.allColumns)->excludes(columns);
             app.add_option("--rows", options.rows, "the rows to show, as in 3,10-20 or 100-");
-            app.add_option("--format", options.format, "table, csv or json")
-                ->check(CLI::IsMember({"table", "csv", "json"}))
-                ->capture_default_str();
+            addFormat(app, options.format);
         });
     commands.add<CheckOptions>("check", "Say what is wrong with logs, and where",
                                "kesta check day1.log day2.log", Commands::checkLogs,
@@ -128,6 +142,7 @@ void addExchangeCommands(CommandList& commands) {
                 ->required()
                 ->check(CLI::IsMember({"csv", "ale", "json"}));
             app.add_option("-o,--output", options.output, "the file to write, instead of standard output");
+            addAllColumns(app, options.allColumns);
         });
 }
 
@@ -161,6 +176,36 @@ void addEditingCommands(CommandList& commands) {
                                    app.add_option("VALUE", options.value, "its new value");
                                    addForce(app, options.force);
                                });
+    commands.add<ColumnsOptions>(
+        "columns", "List the columns that a log shows, or choose and order them",
+        "kesta columns day1.log --hide Notes --order Reel,Name", Commands::columns,
+        [](CLI::App& app, ColumnsOptions& options) {
+            addLog(app, options.log);
+            addColumnList(app, "--show", options.show, "columns to show, with commas between");
+            addColumnList(app, "--hide", options.hide, "columns to hide");
+            addColumnList(app, "--order", options.order, "the columns to come first, in this order");
+            app.add_flag("--reset", options.reset, "first go back to all columns in the log's own order");
+            addForce(app, options.force);
+        });
+}
+
+void addContainerCommands(CommandList& commands) {
+    commands.add<ItemsOptions>(
+        "items", "Show what a container file holds", "kesta items reels.sg", Commands::showItems,
+        [](CLI::App& app, ItemsOptions& options) {
+            app.add_option("CONTAINER", options.container, "the container's file")->required();
+            addFormat(app, options.format);
+        });
+    commands.add<PackOptions>(
+        "pack", "Make a container file of media identifiers",
+        "kesta pack -o reels.sg --name \"Day 1\" M0123456789abcdef0123456789abcdef00", Commands::packItems,
+        [](CLI::App& app, PackOptions& options) {
+            app.add_option("IDENTIFIER", options.identifiers, "the items' identifiers")->required();
+            app.add_option("-o,--output", options.container, "the container to write")->required();
+            app.add_option("--name", options.name, "the container's name")->required();
+            app.add_flag("--permanent", options.permanent, "mark the container as permanent");
+            app.add_flag("--force", options.force, "replace a file that is there already");
+        });
 }
 
 }  // namespace
@@ -170,5 +215,6 @@ int runCommandLine(int argc, char** argv) {
     addReadingCommands(commands);
     addExchangeCommands(commands);
     addEditingCommands(commands);
+    addContainerCommands(commands);
     return commands.run(argc, argv);
 }

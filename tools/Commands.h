@@ -14,7 +14,8 @@ struct InfoOptions {
 
 struct ShowOptions {
     std::string log;
-    std::vector<std::string> columns;  ///< in the order to show; empty for all
+    std::vector<std::string> columns;  ///< in the order to show; empty for those that the log shows
+    bool allColumns = false;           ///< whatever the log shows
     std::string rows;                  ///< as RowRanges.h reads it; empty for all
     std::string format = "table";      ///< table, csv or json
 };
@@ -34,6 +35,7 @@ struct ExportOptions {
     std::string log;
     std::string format;  ///< csv, ale or json
     std::string output;  ///< empty for standard output
+    bool allColumns = false;
 };
 
 struct SetOptions {
@@ -63,6 +65,28 @@ struct ParamOptions {
     bool force = false;
 };
 
+struct ColumnsOptions {
+    std::string log;
+    std::vector<std::string> show;
+    std::vector<std::string> hide;
+    std::vector<std::string> order;  ///< the columns to come first
+    bool reset = false;              ///< before anything else, back to all columns in the log's own order
+    bool force = false;
+};
+
+struct ItemsOptions {
+    std::string container;
+    std::string format = "table";  ///< table, csv or json
+};
+
+struct PackOptions {
+    std::string container;
+    std::string name;
+    std::vector<std::string> identifiers;
+    bool permanent = false;
+    bool force = false;  ///< replace an existing file
+};
+
 namespace Commands {
 
 int showInfo(const InfoOptions& options);
@@ -74,5 +98,8 @@ int setValue(const SetOptions& options);
 int addRecord(const AddOptions& options);
 int deleteRecords(const DeleteOptions& options);
 int parameters(const ParamOptions& options);
+int columns(const ColumnsOptions& options);
+int showItems(const ItemsOptions& options);
+int packItems(const PackOptions& options);
 
 }  // namespace Commands

@@ -5,6 +5,7 @@
 
 #include "support/StringFunctions.h"
 #include "support/time_def.h"
+#include "tools/ColumnMap.h"
 #include "tools/LogFile.h"
 #include "tools/LogForm.h"
 #include "tools/Messages.h"
@@ -83,8 +84,9 @@ class JsonWriter {
     JsonWriter(const kesta& log, const Selection& selection, LineSink& out)
         : m_log(log), m_selection(selection), m_out(out) {}
 
-    void write() {
+    void write(const JsonProperties& properties) {
         m_out.line("{");
+        for (const auto& [name, value] : properties) m_out.line("  \"" + name + "\": " + value + ',');
         writeParameters();
         writeColumns();
         writeRecords();
@@ -166,13 +168,14 @@ class JsonWriter {
 
 class AleWriter {
  public:
-    AleWriter(const kesta& log, LineSink& out) : m_log(log), m_out(out) {}
+    AleWriter(const kesta& log, const Selection& selection, LineSink& out)
+        : m_log(log), m_selection(selection), m_out(out) {}
 
     void write() {
         writeHeading();
         writeColumns();
         m_out.line("Data");
-        for (unsigned row = 0; row < m_log.get_num_records(); ++row) writeRecord(row);
+        forEachRow(m_selection, [&](unsigned row) { writeRecord(row); });
         m_warnings.summarise("the places are not listed");
     }
 
@@ -183,9 +186,12 @@ class AleWriter {
         const bool saysDelimiter = std::any_of(params.begin(), params.end(), [](const auto& param) {
             return sameName(param.name().view(), "FIELD_DELIM");
         });
+        const bool isWhole = m_selection.columns == everythingOf(m_log).columns;
         if (!saysDelimiter) m_out.line("FIELD_DELIM\tTABS");
         for (const auto& param : params) {
             if (sameName(param.name().view(), "KESTA")) continue;
+            // Its numbers are those of the log's columns.
+            if (sameName(param.name().view(), columnMapKey) && !isWhole) continue;
             std::string line;
             append(line, param.name().view(), "a parameter");
             line += '\t';
@@ -198,7 +204,9 @@ class AleWriter {
     void writeColumns() {
         m_out.line("Column");
         std::string line;
-        for (const std::string& name : exchangeNames(columnNames(m_log))) {
+        std::vector<std::string> names;
+        for (const unsigned column : m_selection.columns) names.emplace_back(m_log.get_fieldname(column));
+        for (const std::string& name : exchangeNames(names)) {
             append(line, name, "a column's name");
             line += '\t';
         }
@@ -209,8 +217,10 @@ class AleWriter {
 
     void writeRecord(unsigned row) {
         m_line.clear();
-        for (unsigned column = 0; column < m_log.get_num_fields(); ++column) {
-            if (column > 0) m_line += '\t';
+        bool first = true;
+        for (const unsigned column : m_selection.columns) {
+            if (!first) m_line += '\t';
+            first = false;
             if (!append(m_line, exchangeForm(row, column).view())) warnOfSpace(placeOf(m_log, row, column));
         }
         m_out.line(m_line);
@@ -243,6 +253,7 @@ class AleWriter {
     }
 
     const kesta& m_log;
+    const Selection& m_selection;
     LineSink& m_out;
     std::string m_line;
     Warnings m_warnings;
@@ -259,29 +270,34 @@ Selection everythingOf(const kesta& log) {
 
 void writeCsv(const kesta& log, const Selection& selection, LineSink& out) {
     std::string line;
-    // A line of one empty field would read as no line at all.
-    const auto writeLine = [&] { out.line(line.empty() && selection.columns.size() == 1 ? "\"\"" : line); };
-    for (const unsigned column : selection.columns) {
-        if (column != selection.columns.front()) line += ',';
-        appendCsvField(line, log.get_fieldname(column));
-    }
-    writeLine();
-    forEachRow(selection, [&](unsigned row) {
+    const auto writeFields = [&](auto fieldOf) {
         line.clear();
         bool first = true;
         for (const unsigned column : selection.columns) {
             if (!first) line += ',';
             first = false;
-            appendCsvField(line, log.getField(row, column).view());
+            appendCsvField(line, fieldOf(column));
         }
-        writeLine();
+        // A line of one empty field would read as no line at all.
+        out.line(line.empty() && selection.columns.size() == 1 ? "\"\"" : line);
+    };
+    writeFields([&](unsigned column) { return std::string_view(log.get_fieldname(column)); });
+    forEachRow(selection, [&](unsigned row) {
+        writeFields([&](unsigned column) { return log.getField(row, column).view(); });
     });
 }
 
-void writeJson(const kesta& log, const Selection& selection, LineSink& out) {
-    JsonWriter(log, selection, out).write();
+std::string jsonText(std::string_view bytes) {
+    std::string text;
+    JsonText().append(text, bytes);
+    return text;
 }
 
-void writeAle(const kesta& log, LineSink& out) {
-    AleWriter(log, out).write();
+void writeJson(const kesta& log, const Selection& selection, LineSink& out,
+               const JsonProperties& properties) {
+    JsonWriter(log, selection, out).write(properties);
+}
+
+void writeAle(const kesta& log, const Selection& selection, LineSink& out) {
+    AleWriter(log, selection, out).write();
 }

@@ -155,8 +155,8 @@ TEST_F(ShowTest, AFullDiskIsNoticed) {
 }
 
 TEST_F(ShowTest, HelpShowsAnExampleOfEveryCommand) {
-    for (const std::string command :
-         {"info", "show", "check", "import", "export", "set", "add", "delete", "param"}) {
+    for (const std::string command : {"info", "show", "check", "import", "export", "set", "add", "delete",
+                                      "param", "columns", "items", "pack"}) {
         const Outcome help = run({command, "--help"});
         EXPECT_EQ(help.exitCode, 0);
         EXPECT_NE(help.out.find("Example:\n  kesta " + command + ' '), std::string::npos) << help.out;

@@ -1,4 +1,5 @@
 // kesta export: a log in the form of another program.
+#include "tools/ColumnMap.h"
 #include "tools/Commands.h"
 #include "tools/Failure.h"
 #include "tools/LogFile.h"
@@ -9,12 +10,14 @@ int Commands::exportLog(const ExportOptions& options) {
     const Zr::Ptr<kesta> log = openLog(options.log);
     const LineEnd end = options.format == "csv" ? LineEnd::crlf : LineEnd::lf;
     const auto output = options.output.empty() ? standardOutput(end) : fileOutput(options.output, end);
+    Selection selection = everythingOf(*log);
+    if (!options.allColumns) selection.columns = shownColumns(*log);
     if (options.format == "csv") {
-        writeCsv(*log, everythingOf(*log), *output);
+        writeCsv(*log, selection, *output);
     } else if (options.format == "json") {
-        writeJson(*log, everythingOf(*log), *output);
+        writeJson(*log, selection, *output);
     } else {
-        writeAle(*log, *output);
+        writeAle(*log, selection, *output);
     }
     output->finish();
     return exitDone;
