@@ -15,6 +15,7 @@
 namespace {
 
 constexpr std::size_t standardBlock = std::size_t(1) << 20;
+constexpr std::size_t firstBlock = std::size_t(1) << 14;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 /// A file descriptor that closes itself.
@@ -250,7 +251,10 @@ char* TextFile::beginLine(std::size_t longest) {
     const std::size_t room = longest + 1;
     const bool fits = !m_blocks.empty() && m_blocks.back().written &&
                       m_blocks.back().capacity - m_blocks.back().size >= room;
-    Block& block = fits ? m_blocks.back() : addBlock(std::max(room, standardBlock));
+    // Blocks begin small, for short files, and double.
+    const std::size_t usual =
+        m_blocks.empty() ? firstBlock : std::min(2 * m_blocks.back().capacity, standardBlock);
+    Block& block = fits ? m_blocks.back() : addBlock(std::max(room, usual));
     block.written = true;
     return block.data + block.size;
 }
