@@ -15,7 +15,7 @@ int wholeNumber(const char* text) noexcept {
 }
 
 double number(const char* text) noexcept {
-    return std::strtod(text, nullptr);
+    return Zr::DoubleFromString(text);
 }
 
 }  // namespace

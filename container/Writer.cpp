@@ -1,4 +1,5 @@
 // ZRContainerFile::Writer: a container, filled in memory and saved.
+#include <cerrno>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,16 +10,19 @@
 namespace {
 
 /// A name for a temporary file, free from the start and free again in the end unless the file was moved away.
-/// The name is one that the system takes: not empty, no zero characters.
+/// The name is one that the system takes: not empty, no zero characters. Going keeps errno.
 class TemporaryFile {
  public:
     explicit TemporaryFile(const LightweightString<wchar_t>& name) : m_name(name), m_path(toUTF8(name)) {
-        remove();
+        ::unlink(m_path.c_str());
     }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
     ~TemporaryFile() {
-        if (!m_moved) remove();
+        if (m_moved) return;
+        const int error = errno;
+        ::unlink(m_path.c_str());
+        errno = error;
     }
 
     const LightweightString<wchar_t>& name() const noexcept { return m_name; }
@@ -34,8 +38,6 @@ class TemporaryFile {
     }
 
  private:
-    void remove() const noexcept { ::unlink(m_path.c_str()); }
-
     LightweightString<wchar_t> m_name;
     LightweightString<char> m_path;
     bool m_moved = false;
@@ -51,9 +53,9 @@ ZRContainerFile::Writer::~Writer() = default;
 dbrecord* ZRContainerFile::Writer::addItem(const Cookie& k) {
     if (k.type() == 'I') return nullptr;
     const LightweightString<char> text = k.asString(true);
-    dbrecord* const record = m_database->get_record(m_database->add_records(1)).get();
-    if (record) record->set_field(m_cookieField, text.c_str(), true);
-    return record;
+    const unsigned row = m_database->add_records(1);
+    m_database->set_field(row, static_cast<unsigned>(m_cookieField), text.c_str());
+    return m_database->get_record(row).get();  // NOLINT(clang-analyzer-cplusplus.NewDelete): has other owners
 }
 
 void ZRContainerFile::Writer::setAttrib(LightweightString<char> key, LightweightString<char> value) {
@@ -82,8 +84,13 @@ void ZRContainerFile::Writer::saveOver(const LightweightString<wchar_t>& fileNam
     if (temporary.exists()) return;  // something that cannot be replaced, and must not become the container
     m_database->set_filename(temporary.name());
     m_database->save_text();
-    // The temporary file is there whole or not at all, and then nothing moves. The number of records saved
-    // would not tell: an empty container saves none.
+    // The temporary file is there whole or not at all. The number of records saved would not tell: an empty
+    // container saves none.
+    const int error = errno;
+    if (!temporary.exists()) {
+        errno = error;
+        return;
+    }
     temporary.takePermissionsOf(fileName);
     temporary.moveTo(fileName);
 }

@@ -131,7 +131,8 @@ class KESTA_API ZRContainerFile::Writer {
     /// Writes the container under that name. A file that is there stays whole until the new one is: the
     /// container is written to the name with ".tmp" behind it, replacing what has that name, and moved over
     /// the file in one step. The file's permissions stay; a symbolic link is replaced, not followed. When the
-    /// save fails the file is as it was and the temporary file is gone; that it failed is not told.
+    /// save fails the file is as it was and the temporary file is gone. Nothing tells that it failed; errno
+    /// says why.
     void save(const LightweightString<wchar_t>& fileName);
 
  private:

@@ -8,11 +8,12 @@
 
 #include "support/Export.h"
 #include "support/GrowString.h"
+#include "support/LibraryObject.h"
 
 class iKST;
 
 /// What a cell may hold.
-class KESTA_API SExprElt {
+class KESTA_API SExprElt : public LibraryObject {
  public:
     SExprElt() = default;
     SExprElt(const SExprElt&) = delete;

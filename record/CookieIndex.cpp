@@ -1,20 +1,8 @@
 #include "record/CookieIndex.h"
 
-#include <cstdint>
-#include <cstring>
-
 namespace {
 
 constexpr std::size_t fewestSlots = 16;
-
-std::uint64_t hashOf(const Cookie& id) noexcept {
-    std::uint64_t words[2];
-    static_assert(sizeof words == sizeof(Zr::UUID));
-    std::memcpy(words, id.uuid().bytes.data(), sizeof words);
-    std::uint64_t mixed = (words[0] ^ static_cast<std::uint64_t>(id.type())) * 0x9E3779B97F4A7C15u;
-    mixed = (mixed ^ (mixed >> 32) ^ words[1] ^ id.qualifier()) * 0xBF58476D1CE4E5B9u;
-    return mixed ^ (mixed >> 31);
-}
 
 }  // namespace
 
@@ -25,7 +13,7 @@ void CookieIndex::clear() noexcept {
 
 std::size_t CookieIndex::probe(const std::vector<Slot>& slots, const Cookie& id) noexcept {
     const std::size_t mask = slots.size() - 1;
-    std::size_t at = hashOf(id) & mask;
+    std::size_t at = id.hash() & mask;
     while (slots[at].used && slots[at].id != id) at = (at + 1) & mask;
     return at;
 }
@@ -53,11 +41,17 @@ CookieIndex::Slot& CookieIndex::slotFor(const Cookie& id) {
 }
 
 void CookieIndex::insert(const Cookie& id, unsigned row) {
-    if (find(id) == notFound) assign(id, row);
+    Slot& slot = slotFor(id);
+    if (!slot.used) fill(slot, id, row);
 }
 
 void CookieIndex::assign(const Cookie& id, unsigned row) {
     Slot& slot = slotFor(id);
-    if (!slot.used) ++m_size;
+    if (!slot.used) fill(slot, id, row);
+    slot.row = row;
+}
+
+void CookieIndex::fill(Slot& slot, const Cookie& id, unsigned row) noexcept {
     slot = {id, true, row};
+    ++m_size;
 }

@@ -36,6 +36,7 @@ class CookieIndex {
     };
 
     Slot& slotFor(const Cookie& id);
+    void fill(Slot& slot, const Cookie& id, unsigned row) noexcept;
     static std::size_t probe(const std::vector<Slot>& slots, const Cookie& id) noexcept;
 
     std::vector<Slot> m_slots;  // a power of two of them, or none

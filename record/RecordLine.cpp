@@ -1,5 +1,7 @@
 #include "record/RecordLine.h"
 
+#include <algorithm>
+#include <climits>
 #include <cstring>
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -44,7 +46,7 @@ class Reader {
     int readAll() {
         int count = 0;
         while (m_at != m_end) {
-            ++count;
+            if (count != INT_MAX) ++count;
             if (Ascii::isControl(*m_at)) {
                 ++m_at;  // counts, but is no field: callers see that the line is not as it should be
             } else {
@@ -65,7 +67,7 @@ class Reader {
 
     // Text up to a closing quote with nothing but the comma or the end behind it.
     bool readPlainQuoted() {
-        const char* const stop = findOneOf<'"', '\\', '\\'>(m_at, m_end);
+        const char* const stop = findOneOf<'"', '\\', '\\'>(m_at, searchEnd());
         if (stop == m_end || *stop != '"' || !isShort(stop)) return false;
         if (stop + 1 != m_end && stop[1] != ',') return false;
         append(withoutTrailingSpace(m_at, stop));
@@ -74,11 +76,17 @@ class Reader {
     }
 
     bool readPlainUnquoted() {
-        const char* const stop = findOneOf<'"', '\\', ','>(m_at, m_end);
+        const char* const stop = findOneOf<'"', '\\', ','>(m_at, searchEnd());
         if ((stop != m_end && *stop != ',') || !isShort(stop)) return false;
         append(withoutTrailingSpace(m_at, stop));
         m_at = stop;
         return true;
+    }
+
+    // Text that goes on beyond the greatest length is no plain field: no need to look further.
+    const char* searchEnd() const noexcept {
+        const auto rest = static_cast<std::size_t>(m_end - m_at);
+        return m_at + std::min(rest, RecordLine::longestField);
     }
 
     // A field of just the greatest length is cut before its closing quote is seen, so it is no plain one.

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "record/Prefetch.h"
 #include "record/kesta.h"
 #include "support/Ascii.h"
 
@@ -138,9 +139,9 @@ class RecordSorter {
 
     // One walk over all groups, so that what comes from memory is asked for in time, however small they are.
     void fetchWords() {
-        Scout records(*this, 24);
-        Scout fields(*this, 16);
-        Scout texts(*this, 8);
+        Scout records(*this, Prefetch::recordAhead);
+        Scout fields(*this, Prefetch::fieldAhead);
+        Scout texts(*this, Prefetch::textAhead);
         for (Group& group : m_groups) {
             m_withoutText.clear();
             std::size_t kept = group.begin;
@@ -159,29 +160,29 @@ class RecordSorter {
     }
 
     void prefetch(Scout& records, Scout& fields, Scout& texts) const noexcept {
-        if (!records.atEnd() && records.group().place.beginsKey()) {
-            __builtin_prefetch(m_records[records.entry().row]);
-        }
+        if (!records.atEnd() && records.group().place.beginsKey()) Prefetch::record(record(records.entry()));
         if (!fields.atEnd() && fields.group().place.beginsKey()) {
-            __builtin_prefetch(&field(fields.entry(), fields.group().place));
+            Prefetch::field(record(fields.entry()), field(fields.group().place));
         }
         if (!texts.atEnd()) {
             const Place& place = texts.group().place;
-            __builtin_prefetch(place.beginsKey() ? field(texts.entry(), place).c_str()
-                                                 : texts.entry().text + place.offset);
+            if (place.beginsKey()) {
+                Prefetch::text(record(texts.entry()), field(place));
+            } else {
+                __builtin_prefetch(texts.entry().text + place.offset);
+            }
         }
         records.step();
         fields.step();
         texts.step();
     }
 
-    const LightweightString<char>& field(const Entry& entry, const Place& place) const noexcept {
-        return m_records[entry.row]->getField(m_keys[place.key].field);
-    }
+    const dbrecord* record(const Entry& entry) const noexcept { return m_records[entry.row]; }
+    unsigned short field(const Place& place) const noexcept { return m_keys[place.key].field; }
 
     // Gives the entry its text for the key; false when in ascending order it has none.
     bool fetchText(Entry& entry, const Place& place) const noexcept {
-        std::string_view text = field(entry, place).view();
+        std::string_view text = record(entry)->getField(field(place)).view();
         if (text.empty() && !m_descending) return false;
         // The comparators see texts that end at a zero character.
         text = text.substr(0, text.find('\0'));
@@ -251,7 +252,7 @@ class RecordSorter {
     void moveBlanksBehind(std::size_t begin) {
         if (m_descending) return;
         std::stable_partition(m_entries.begin() + static_cast<std::ptrdiff_t>(begin), m_entries.end(),
-                              [this](const Entry& entry) { return !m_records[entry.row]->is_blank(); });
+                              [this](const Entry& entry) { return !record(entry)->is_blank(); });
     }
 
     std::vector<unsigned> rows() const {

@@ -104,26 +104,36 @@ unsigned kesta::get_fieldnum(const LightweightString<char>& name) const {
 }
 
 const kesta::FieldNameIndex& kesta::getFieldNameIndexMap() const {
-    if (m_fieldNames.empty()) {
-        FieldNameIndex numbers;
+    return m_fieldNames.get([this](FieldNameIndex& numbers) {
         for (std::size_t field = 0; field < m_fields.size(); ++field) {
             numbers.emplace(m_fields[field].name, static_cast<unsigned short>(field));
         }
-        m_fieldNames.swap(numbers);
-    }
-    return m_fieldNames;
+    });
 }
 
 unsigned kesta::addField(const DBFieldDesc& desc) {
     const unsigned known = get_fieldnum(desc.name);
     if (known != notFound) return known;
-    const unsigned added = get_num_fields();
+    const auto added = static_cast<unsigned>(m_fields.size());
     m_fields.push_back(desc);
-    m_specialLabels.push_back(isSpecialLabelField(added));
-    m_fieldNames.clear();
-    int fill = 1;
-    for (std::size_t row = 0; row < m_records.size(); ++row) {
-        if (m_records[row]) m_records[row]->resizeRecord(static_cast<int>(m_fields.size()), &fill, true);
+    m_fields.back().type = storedType(desc.type);
+    try {
+        m_specialLabels.resize(added);
+        m_specialLabels.push_back(isSpecialLabelField(added));
+        int fill = 1;
+        for (std::size_t row = 0; row < m_records.size(); ++row) {
+            if (m_records[row]) m_records[row]->resizeRecord(static_cast<int>(m_fields.size()), &fill, true);
+        }
+        if (m_fieldNames.filled()) {
+            m_fieldNames.change([&](FieldNameIndex& numbers) {
+                numbers.emplace(desc.name, static_cast<unsigned short>(added));
+            });
+        }
+    } catch (...) {
+        // Records that have the field already lose nothing by it.
+        m_fields.pop_back();
+        m_specialLabels.resize(std::min<std::size_t>(m_specialLabels.size(), added));
+        throw;
     }
     return added;
 }
@@ -148,6 +158,10 @@ void kesta::removeField(const LightweightString<char>& name) {
     }
 }
 
+DBFieldTypes::eType kesta::storedType(DBFieldTypes::eType type) noexcept {
+    return type == DBFieldTypes::eNone ? DBFieldTypes::eText : type;
+}
+
 DBFieldTypes::eType kesta::get_field_type(unsigned field) const {
     return field < m_fields.size() ? m_fields[field].type : DBFieldTypes::eNone;
 }
@@ -158,13 +172,15 @@ DBFieldTypes::eType kesta::get_fieldtype(unsigned field) const {
 
 bool kesta::set_fieldtype(unsigned field, DBFieldTypes::eType type) {
     if (field >= m_fields.size()) return false;
-    m_fields[field].type = type == DBFieldTypes::eNone ? DBFieldTypes::eText : type;
+    m_fields[field].type = storedType(type);
     return true;
 }
 
 unsigned kesta::get_fieldsize(unsigned field) const {
     if (field >= m_fields.size()) return 0;
-    if (!m_measuredWidths.empty()) return m_measuredWidths[field];
+    if (measured && measured->database() == this && field < measured->widths().size()) {
+        return measured->widths()[field];
+    }
     unsigned widest = 0;
     for (std::size_t row = 0; row < m_records.size(); ++row) {
         if (!m_records[row]) continue;
@@ -174,17 +190,23 @@ unsigned kesta::get_fieldsize(unsigned field) const {
     return widest;
 }
 
-std::vector<unsigned> kesta::measureWidths() const {
-    std::vector<unsigned> widths(m_fields.size());
-    for (std::size_t row = 0; row < m_records.size(); ++row) {
-        if (!m_records[row]) continue;
-        const std::vector<LightweightString<char>>& fields = m_records[row]->fields();
-        const std::size_t count = std::min(fields.size(), widths.size());
+thread_local const kesta::MeasuredWidths* kesta::measured = nullptr;
+
+kesta::MeasuredWidths::MeasuredWidths(const kesta& database)
+    : m_database(database), m_widths(database.m_fields.size()), m_outer(measured) {
+    for (std::size_t row = 0; row < database.m_records.size(); ++row) {
+        if (!database.m_records[row]) continue;
+        const std::vector<LightweightString<char>>& fields = database.m_records[row]->fields();
+        const std::size_t count = std::min(fields.size(), m_widths.size());
         for (std::size_t field = 0; field < count; ++field) {
-            widths[field] = std::max(widths[field], fields[field].length());
+            m_widths[field] = std::max(m_widths[field], fields[field].length());
         }
     }
-    return widths;
+    measured = this;
+}
+
+kesta::MeasuredWidths::~MeasuredWidths() {
+    measured = m_outer;
 }
 
 int kesta::getMinFieldSize(const char* name) {
@@ -209,7 +231,10 @@ LightweightString<char> kesta::fieldTypeToString(DBFieldTypes::eType type) {
         if (known.type == type && type != DBFieldTypes::eChar) return known.text;
     }
     const char code = static_cast<char>(type);
-    return LightweightString<char>(&code, 1);
+    // What the line syntax would not give back stands as text: no character, and white space, which is
+    // trimmed.
+    if (code == 0 || Ascii::isSpace(code)) return "text";
+    return code == '"' ? LightweightString<char>("\"\"") : LightweightString<char>(&code, 1);
 }
 
 bool kesta::isSpecialLabelField(unsigned long field) const {

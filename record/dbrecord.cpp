@@ -8,6 +8,7 @@
 #include "record/kesta.h"
 #include "support/Ascii.h"
 #include "support/Configuration.h"
+#include "support/StringFunctions.h"
 #include "support/TextFile.h"
 
 namespace {
@@ -34,14 +35,14 @@ std::size_t exportedLabels() {
     return secondaryReels ? std::size(labels) : labelsOfPrimaryReel;
 }
 
-const char* labelKey(const char* column) {
-    for (std::size_t i = 0; i < exportedLabels(); ++i) {
-        if (Ascii::compareFolded(column, labels[i].column) == 0) return labels[i].key;
+const char* labelKey(const char* column, std::size_t labelCount) noexcept {
+    for (std::size_t i = 0; i < labelCount; ++i) {
+        if (Ascii::compareFolded(column ? column : "", labels[i].column) == 0) return labels[i].key;
     }
     return nullptr;
 }
 
-constexpr std::size_t numberBuffer = 256;
+constexpr std::size_t numberBuffer = 256;  // what a number's text is cut to, its end included
 constexpr std::size_t mostFields = std::numeric_limits<unsigned short>::max();
 
 }  // namespace
@@ -58,6 +59,14 @@ dbrecord& dbrecord::operator=(const dbrecord& other) {
     m_fields.resize(count);
     for (unsigned short i = 0; i < count; ++i) set_field(i, other.get_field(i), true);
     return *this;
+}
+
+void dbrecord::set_container(kesta* container) noexcept {
+    m_container = WatchedPtr<kesta>(container);
+}
+
+kesta* dbrecord::get_container() const noexcept {
+    return m_container.get();
 }
 
 const char* dbrecord::get_field(unsigned short i) const noexcept {
@@ -108,7 +117,8 @@ bool dbrecord::set_field(int i, unsigned v) {
 
 bool dbrecord::set_field(int i, double v) {
     char buffer[numberBuffer];
-    std::snprintf(buffer, sizeof buffer, "%.8lf", v);
+    const LightweightString<char> text = Zr::StringFromDouble(v);
+    buffer[text.view().copy(buffer, sizeof buffer - 1)] = 0;
     return set_field(i, buffer, true);
 }
 
@@ -164,12 +174,14 @@ bool dbrecord::write(TextFile& file) const {
 
 void dbrecord::markChanged() noexcept {
     m_changed = 1;
-    if (m_container) m_container->markChanged();
+    if (kesta* const container = get_container()) container->markChanged();
 }
 
 int dbrecord::update(configb* cfg) const {
-    if (!m_container || !cfg) return 0;
-    const unsigned name = m_container->get_fieldnum("name");
+    const std::size_t labelCount = exportedLabels();
+    const kesta* const container = get_container();
+    if (!container || !cfg) return 0;
+    const unsigned name = container->get_fieldnum("name");
     if (name == static_cast<unsigned>(-1)) return 0;
 
     strp_field value;
@@ -179,7 +191,7 @@ int dbrecord::update(configb* cfg) const {
 
     int exported = 0;
     for (unsigned short i = 0; i < get_num_fields(); ++i) {
-        const char* const key = labelKey(m_container->get_fieldname(i));
+        const char* const key = labelKey(container->get_fieldname(i), labelCount);
         if (!key) continue;
         value.set(m_fields[i]);
         cfg->set(key, value);

@@ -12,6 +12,7 @@
 
 #include <vector>
 
+#include "record/LifeWatch.h"
 #include "support/Export.h"
 #include "support/LightweightString.h"
 #include "support/iObject.h"
@@ -36,8 +37,8 @@ class KESTA_API dbrecord : public iObject {
     dbrecord& operator=(const dbrecord& other);
 
     // The database that contains this record; not owned, null for a free-standing record.
-    void set_container(kesta* container) noexcept { m_container = container; }
-    kesta* get_container() const noexcept { return m_container; }
+    void set_container(kesta* container) noexcept;
+    kesta* get_container() const noexcept;
 
     // --- Reading fields ---
 
@@ -120,7 +121,7 @@ class KESTA_API dbrecord : public iObject {
     int readLine(TextFile& file, RecentTexts* recent);
     void markChanged() noexcept;
 
-    kesta* m_container = nullptr;
+    WatchedPtr<kesta> m_container;
     std::vector<LightweightString<char>> m_fields;
     mutable unsigned char m_changed = 0;  // writing a line is const, yet clears it
     unsigned char m_tag = 0;

@@ -98,15 +98,25 @@ void kesta::loadFromFile(const LightweightString<wchar_t>& fileName, int maxReco
 
 void kesta::loadFromFile(int maxRecords, bool strict) {
     init();
-    m_fieldNames.clear();
-    m_specialLabels.clear();
     TextFile file;
     if (!file.load(m_fileName, lineSeparator, false)) return;
-    if (endsWithCSV(m_fileName)) {
-        loadCSV(file);
-        return;
+    const std::size_t before = m_records.size();
+    try {
+        if (endsWithCSV(m_fileName)) {
+            loadCSV(file);
+        } else {
+            loadLog(file, maxRecords, strict);
+        }
+    } catch (...) {
+        // A load that cannot be finished leaves nothing that could be taken for the whole log, and saved over
+        // it.
+        if (m_records.size() > before) m_records.erase(before, m_records.size() - before);
+        init();
+        throw;
     }
+}
 
+void kesta::loadLog(TextFile& file, int maxRecords, bool strict) {
     file.forgetReadLines();
     dbrecord line(scratchFields);
     read_params(file, &line);
@@ -159,7 +169,7 @@ void kesta::readColumns(TextFile& file) {
     names.read(file);
     if (types.fields().size() != names.fields().size()) return;
     for (std::size_t field = 0; field < names.fields().size(); ++field) {
-        m_fields.emplace_back(names.fields()[field], fieldTypeFromString(types.fields()[field]));
+        m_fields.emplace_back(names.fields()[field], storedType(fieldTypeFromString(types.fields()[field])));
     }
     m_valid = 1;
 }
@@ -189,8 +199,8 @@ int kesta::add_text(TextFile& file, int skipFirst, int maxRecords) {
             return count;
         }
         if (count != 0 || !skipFirst) {
-            // A repeated header, which only a one-column database can meet: its names line becomes a record.
-            if (isMarker(*record)) {
+            // A repeated header, as only a one-column database can meet it: its names line becomes a record.
+            if (m_fields.size() == 1 && isMarker(*record)) {
                 record->read(file, recent);
                 record->read(file, recent);
                 if (record->read(file, recent) == 0) break;
@@ -276,16 +286,7 @@ void kesta::save_column_header(TextFile& file, bool namesOnly) const {
 void kesta::saveWidths(TextFile& file) const {
     // get_fieldsize is asked for each column, as a derived class may answer it; its own answer comes from
     // here.
-    struct Measured {
-        explicit Measured(const kesta& owner) : database(owner) {
-            database.m_measuredWidths = database.measureWidths();
-        }
-        Measured(const Measured&) = delete;
-        Measured& operator=(const Measured&) = delete;
-        ~Measured() { database.m_measuredWidths.clear(); }
-        const kesta& database;
-    } const measured(*this);
-
+    const MeasuredWidths measuredOnce(*this);
     HeaderLine widths;
     for (unsigned field = 0; field < m_fields.size(); ++field) {
         const auto least = static_cast<unsigned>(getMinFieldSize(get_fieldname(field)));

@@ -12,7 +12,7 @@ bool kesta::set_field(unsigned row, const Cookie& id) {
     const bool stored = record->setField(static_cast<unsigned short>(column), id.asString(false));
     // Filed even into an index that was never built, which then holds just this row and counts as built; an
     // entry for the record's previous identifier stays. Both deliberate.
-    m_identifiers.assign(id, row);
+    m_identifiers.change([&](CookieIndex& rows) { rows.assign(id, row); });
     return stored;
 }
 
@@ -22,24 +22,24 @@ Zr::Ptr<dbrecord> kesta::addRecord(const Cookie& id) {
     const unsigned column = get_fieldnum(identifierColumn);
     if (column == notFound) return record;
     record->setField(static_cast<unsigned short>(column), id.asString(false));
-    if (!m_identifiers.empty()) m_identifiers.insert(id, static_cast<unsigned>(m_records.size() - 1));
+    if (m_identifiers.filled()) {
+        const auto row = static_cast<unsigned>(m_records.size() - 1);
+        m_identifiers.change([&](CookieIndex& rows) { rows.insert(id, row); });
+    }
     return record;
 }
 
 unsigned kesta::getRowIndexByID(const Cookie& id) const {
-    if (m_identifiers.empty()) buildIdentifierIndex();
-    return m_identifiers.find(id);
+    return m_identifiers.get([this](CookieIndex& rows) { fileIdentifiers(rows); }).find(id);
 }
 
-void kesta::buildIdentifierIndex() const {
+void kesta::fileIdentifiers(CookieIndex& rows) const {
     const unsigned column = get_fieldnum(identifierColumn);
     if (column == notFound) return;
-    CookieIndex rows;
     rows.reserve(get_num_records());
     for (unsigned row = 0; row < get_num_records(); ++row) {
         rows.insert(Cookie(getField(row, column).c_str(), false), row);
     }
-    std::swap(m_identifiers, rows);
 }
 
 Zr::Ptr<dbrecord> kesta::get_record(const Cookie& id) const {

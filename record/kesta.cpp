@@ -25,7 +25,6 @@ kesta::kesta(const kesta& other, int copyRecords)
     init();
     m_revision = other.m_revision;
     m_fields = other.m_fields;
-    m_fieldNames = other.m_fieldNames;
     m_params = other.m_params;
     post_init();
     for (unsigned row = 0; copyRecords && row < other.get_num_records(); ++row) {
@@ -50,15 +49,14 @@ void kesta::init() {
     m_revision = 1;
     m_matchOptions = 0;
     m_fields.clear();
+    m_fieldNames.clear();
+    m_specialLabels.clear();
 }
 
 void kesta::free() {
     m_records.clear();
     m_taggedIndex.clear();
-    m_params->clear();
-    m_fieldNames.clear();
     m_identifiers.clear();
-    m_fields.clear();
     init();
 }
 
@@ -74,6 +72,7 @@ void kesta::post_init() {
 void kesta::setFields(const std::vector<DBFieldDesc>& descs) {
     free();
     m_fields = descs;
+    for (DBFieldDesc& field : m_fields) field.type = storedType(field.type);
     m_valid = 1;
     post_init();
 }

@@ -7,12 +7,12 @@
 // The operations of iKST are called through the interface by the others, so an override in a derived class
 // changes the behaviour of those too; loops read get_num_records() anew at every row.
 //
-// While show-tags-only is on, row numbers address the tagged index, and operations that change the list of
-// records refuse.
+// While show-tags-only is on, row numbers address the tagged index, and insert_records, delete_records,
+// add_records, delete_tagged_records and add_kesta refuse.
 //
-// Thread-safety: not locked. Callers serialise changes; reading while nobody writes is safe, look-ups by
-// identifier and by column name apart, which fill an index on first use. Only one sort may run at a time in a
-// process. Memory: running out throws Zr::Exception::BadAlloc; nothing else is ever thrown.
+// Thread-safety: not locked. Callers serialise changes; reading while nobody writes is safe. Only one sort
+// may run at a time in a process. Memory: running out throws Zr::Exception::BadAlloc; nothing else is ever
+// thrown, unless by a listener.
 #pragma once
 
 #include <map>
@@ -21,6 +21,7 @@
 #include "record/CookieIndex.h"
 #include "record/GapVector.h"
 #include "record/KSTBase.h"
+#include "record/OnDemand.h"
 #include "record/dbrecord.h"
 #include "support/Notifier.h"
 #include "support/TextSearch.h"
@@ -143,12 +144,13 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     /// The same, with another file name.
     void loadFromFile(const LightweightString<wchar_t>& fileName, int maxRecords, bool strict);
 
-    /// Appends the records of the database's file, whose first line is skipped. Answers how many.
+    /// Appends the records of the database's file, whose first line is dropped; see add_text. Answers how
+    /// many.
     int load_text(int maxRecords);
 
     /// Appends records from the file's cursor on, until a blank line, a line with a wrong number of fields,
-    /// the end, or `maxRecords` of them. With `skipFirst` non-zero the first line is dropped. Answers how
-    /// many were appended.
+    /// the end, or `maxRecords` of them. With `skipFirst` non-zero the first line, which must have the right
+    /// number of fields, is dropped for the second. Answers how many were appended.
     int add_text(TextFile& file, int skipFirst, int maxRecords);
 
     /// Reads parameter lines into the parameter list; `line` is the scratch record and holds the last line
@@ -170,7 +172,8 @@ class KESTA_API kesta : public KSTBase, public Notifier {
 
     unsigned get_num_records() const override;
 
-    /// The record at `row`; null when there is none.
+    /// The record at `row`; null when there is none. An override answers records that its database keeps:
+    /// others read their texts after letting go of the answer.
     Zr::Ptr<dbrecord> get_record(unsigned row) const override;
     const LightweightString<char>& getField(unsigned row, unsigned field) const override;
 
@@ -215,9 +218,9 @@ class KESTA_API kesta : public KSTBase, public Notifier {
 
     // --- Identifiers (identity.cpp) ---
     //
-    // Rows by identifier are found through an index that is built on the first look-up and emptied when rows
-    // are inserted, appended or deleted. Sorting and plain setters do not empty it: until one of those runs
-    // it answers the rows of before.
+    // Rows by identifier are found through an index that is built on the first look-up and emptied by
+    // insert_records, add_records and delete_records. Sorting, plain setters, loading and add_kesta do not
+    // empty it: until one of those three runs it answers the rows of before.
 
     /// Stores the identifier's text in the column "cookie" and files the row under it.
     bool set_field(unsigned row, const Cookie& id) override;
@@ -318,14 +321,39 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     static constexpr unsigned mostFieldNumber = 0xFFFF;
     static constexpr int currentRevision = 1;
 
+    // The widths of all columns, measured in one pass over the records, which the writer of a header holds:
+    // while it asks for each column's width, this thread's get_fieldsize answers from them.
+    class MeasuredWidths {
+     public:
+        explicit MeasuredWidths(const kesta& database);
+        MeasuredWidths(const MeasuredWidths&) = delete;
+        MeasuredWidths& operator=(const MeasuredWidths&) = delete;
+        ~MeasuredWidths();
+
+        const kesta* database() const noexcept { return &m_database; }
+        const std::vector<unsigned>& widths() const noexcept { return m_widths; }
+
+     private:
+        const kesta& m_database;
+        std::vector<unsigned> m_widths;
+        const MeasuredWidths* m_outer;
+    };
+    static thread_local const MeasuredWidths* measured;
+
+    static DBFieldTypes::eType storedType(DBFieldTypes::eType type) noexcept;
     static LightweightString<char> fieldTypeToString(DBFieldTypes::eType type);
-    std::vector<unsigned> measureWidths() const;
 
     bool isShown(unsigned row) const noexcept;
     Zr::Ptr<dbrecord> listedRecord(unsigned row) const;
     void appendRecord(Zr::Ptr<dbrecord> record);
+
+    // A share for the time of a deletion, in which a listener may let go of the last Ptr to this database.
+    // Empty when the database is not held by Ptrs.
+    Zr::Ptr<iObject> ownShare();
+
     void prefetchForMatch(std::size_t row) const noexcept;
-    void buildIdentifierIndex() const;
+    void fileIdentifiers(CookieIndex& rows) const;
+    void loadLog(TextFile& file, int maxRecords, bool strict);
     void readColumns(TextFile& file);
     void takeColumnNames(const dbrecord& names);
     void appendParam(const LightweightString<char>& line);
@@ -345,12 +373,8 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     std::vector<unsigned short> m_sortFields;
 
     // Caches, filled on demand; empty counts as not built.
-    mutable CookieIndex m_identifiers;
-    mutable FieldNameIndex m_fieldNames;
-
-    // While a header is being written: the greatest length in each column, measured in one pass. Empty
-    // otherwise.
-    mutable std::vector<unsigned> m_measuredWidths;
+    OnDemand<CookieIndex> m_identifiers;
+    OnDemand<FieldNameIndex> m_fieldNames;
 
     // One flag for each column: isSpecialLabelField.
     std::vector<bool> m_specialLabels;

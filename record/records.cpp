@@ -5,6 +5,7 @@
 #include "record/RecordsDeleted.h"
 #include "record/kesta.h"
 #include "support/Ascii.h"
+#include "support/StringFunctions.h"
 
 bool kesta::isShown(unsigned row) const noexcept {
     return row < (m_showTagsOnly ? m_taggedIndex.size() : m_records.size());
@@ -12,6 +13,10 @@ bool kesta::isShown(unsigned row) const noexcept {
 
 Zr::Ptr<dbrecord> kesta::listedRecord(unsigned row) const {
     return row < m_records.size() ? m_records[row] : Zr::Ptr<dbrecord>();
+}
+
+Zr::Ptr<iObject> kesta::ownShare() {
+    return Zr::Ptr<iObject>(refCount() > 0 ? this : nullptr);
 }
 
 void kesta::appendRecord(Zr::Ptr<dbrecord> record) {
@@ -68,8 +73,7 @@ void kesta::delete_records(unsigned first, unsigned count) {
     if (count == 0) return;
     count = std::min(count, static_cast<unsigned>(m_records.size()) - first);
 
-    // A listener may let go of the last Ptr to this database.
-    const Zr::Ptr<iObject> alive(refCount() > 0 ? this : nullptr);
+    const Zr::Ptr<iObject> alive = ownShare();
     const RecordsDeleted announcement(*this, first, count);
     m_records.erase(first, count);
     try {
@@ -126,7 +130,7 @@ bool kesta::in_field(unsigned row, unsigned field, int& value) const {
 bool kesta::in_field(unsigned row, unsigned field, double& value) const {
     const LightweightString<char>& text = getField(row, field);
     if (text.empty()) return false;
-    value = std::strtod(text.c_str(), nullptr);
+    value = Zr::DoubleFromString(text.c_str());
     return true;
 }
 

@@ -46,6 +46,7 @@ int kesta::get_num_tags() {
 
 unsigned kesta::delete_tagged_records() {
     if (m_showTagsOnly) return notFound;
+    const Zr::Ptr<iObject> alive = ownShare();
     unsigned deleted = 0;
     unsigned first = 0;
     unsigned length = 0;

@@ -4,6 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+scripts/build.sh release
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cmake --install build/release --prefix "$work/first" >/dev/null

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "record/Prefetch.h"
 #include "record/kesta.h"
 #include "support/Ascii.h"
 
@@ -88,21 +89,13 @@ int kesta::match_record(const Zr::Ptr<dbrecord>& record) const {
     return 1;
 }
 
-// Callers walk the rows in order, and a text that has to come from main memory costs more than its match: so
-// the texts of the coming rows are asked for ahead of time.
+// Callers walk the rows in order, and a text that has to come from main memory costs more than its match.
 void kesta::prefetchForMatch(std::size_t row) const noexcept {
-    constexpr std::size_t recordAhead = 24;
-    constexpr std::size_t fieldAhead = 16;
-    constexpr std::size_t textAhead = 8;
-    if (m_showTagsOnly || m_conditions.empty() || row + recordAhead >= m_records.size()) return;
+    if (m_showTagsOnly || m_conditions.empty() || row + Prefetch::recordAhead >= m_records.size()) return;
     const auto field = static_cast<unsigned short>(m_conditions.front());
-    __builtin_prefetch(m_records[row + recordAhead].get());
-    if (const dbrecord* const record = m_records[row + fieldAhead].get()) {
-        __builtin_prefetch(&record->getField(field));
-    }
-    if (const dbrecord* const record = m_records[row + textAhead].get()) {
-        __builtin_prefetch(record->getField(field).c_str());
-    }
+    Prefetch::record(m_records[row + Prefetch::recordAhead].get());
+    Prefetch::field(m_records[row + Prefetch::fieldAhead].get(), field);
+    Prefetch::text(m_records[row + Prefetch::textAhead].get(), field);
 }
 
 int kesta::match_record(int row) const {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 #include "support/Export.h"
@@ -45,6 +46,9 @@ class KESTA_API Cookie {
 
     /// A total order: UUID, then kind, then qualifier. Negative, zero or positive.
     int compare(const Cookie& other) const noexcept;
+
+    /// For tables in memory. Differs from process to process, so that no file can be made to collide.
+    std::size_t hash() const noexcept;
 
     const Zr::UUID& uuid() const noexcept { return m_uuid; }
     CookieType type() const noexcept { return m_type; }

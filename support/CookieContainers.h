@@ -13,39 +13,15 @@
 #include <vector>
 
 #include "support/Cookie.h"
-#include "support/Exception.h"
 #include "support/Export.h"
 #include "support/GrowString.h"
-#include "support/OS.h"
+#include "support/LibraryAllocator.h"
 #include "support/iObject.h"
-
-/// Gives a standard container the memory of OS()->allocator().
-template <class T>
-struct LibraryAllocator {
-    using value_type = T;
-
-    LibraryAllocator() noexcept = default;
-    template <class Other>
-    LibraryAllocator(const LibraryAllocator<Other>&) noexcept {}
-
-    T* allocate(std::size_t count) {
-        static_assert(alignof(T) <= alignof(std::max_align_t));
-        if (count > SIZE_MAX / sizeof(T)) throw Zr::Exception::BadAlloc();
-        return static_cast<T*>(OS()->allocator()->allocate(count * sizeof(T)));
-    }
-    void deallocate(T* block, std::size_t) noexcept { OS()->allocator()->release(block); }
-
-    friend bool operator==(const LibraryAllocator&, const LibraryAllocator&) noexcept { return true; }
-    friend bool operator!=(const LibraryAllocator&, const LibraryAllocator&) noexcept { return false; }
-};
-
-template <class T>
-using LightweightVector = std::vector<T, LibraryAllocator<T>>;
 
 using CookieVec = LightweightVector<Cookie>;
 
-struct KESTA_API CookieHash {
-    std::size_t operator()(const Cookie& cookie) const noexcept;
+struct CookieHash {
+    std::size_t operator()(const Cookie& cookie) const noexcept { return cookie.hash(); }
 };
 
 /// What an Array keeps.

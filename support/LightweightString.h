@@ -118,7 +118,7 @@ class LightweightString {
     }
     friend bool operator!=(const LightweightString& a, const Char* b) noexcept { return !(a == b); }
 
-    /// Order of the characters' unsigned values.
+    /// Order of the characters' values: narrow ones unsigned, wide ones as they are.
     friend bool operator<(const LightweightString& a, const LightweightString& b) noexcept {
         return a.view() < b.view();
     }

@@ -87,8 +87,8 @@ class GenericNotifier : public NotifierBase {
     /// emptied.
     void deregisterNotification(Zr::Ptr<Zr::Guard>& guard);
 
-    /// Delivers the message to every listener registered for `type`. What a listener throws is passed on;
-    /// those after it do not get the message.
+    /// Delivers the message to every listener registered for `type`. What a listener throws is passed on when
+    /// all have had the message; of several exceptions the first.
     void issueNotification(const Message& message, int type) const;
 
     /// Whether anybody is registered for `type`: an issuer may spare itself the message when not. Cheap.

@@ -13,6 +13,13 @@ KESTA_API LightweightString<char> StringFromInteger(int number);
 /// when it is anything else.
 KESTA_API unsigned UIntFromString(const LightweightString<char>& text, unsigned fallback) noexcept;
 
+/// The number with eight decimals and a point, whatever the locale.
+KESTA_API LightweightString<char> StringFromDouble(double number);
+
+/// What strtod reads from the beginning of the text in the "C" locale: 0 when it is no number. Null is the
+/// empty text.
+KESTA_API double DoubleFromString(const char* text) noexcept;
+
 /// Lower-cases the ASCII letters in place.
 KESTA_API void toLower(LightweightString<char>& text);
 

@@ -8,9 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
-#include <vector>
 
 #include "support/Export.h"
+#include "support/LibraryAllocator.h"
 #include "support/LightweightString.h"
 
 namespace TextSearch {
@@ -68,7 +68,7 @@ class KESTA_API Criteria {
     const Criterion& getCriterion(unsigned short index) const noexcept;
 
  private:
-    std::vector<Criterion> m_criteria;
+    LightweightVector<Criterion> m_criteria;
 };
 
 /// Whether `text` satisfies all criteria; `options` is a sum of eOption bits, others are ignored. The time is

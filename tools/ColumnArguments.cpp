@@ -1,7 +1,5 @@
 #include "tools/ColumnArguments.h"
 
-#include <algorithm>
-
 #include "record/kesta.h"
 #include "tools/Failure.h"
 #include "tools/LogFile.h"
@@ -11,29 +9,10 @@ namespace {
 
 constexpr std::size_t mostSortColumns = 9;
 
-void addColumns(const kesta& log, const std::string& list, std::vector<unsigned>& columns) {
-    const unsigned whole = log.get_fieldnum(libraryText(list));
-    if (whole < log.get_num_fields()) {
-        columns.push_back(whole);
-        return;
-    }
-    for (std::size_t begin = 0; begin <= list.size();) {
-        const std::size_t comma = std::min(list.find(',', begin), list.size());
-        columns.push_back(columnNamed(log, list.substr(begin, comma - begin)));
-        begin = comma + 1;
-    }
-}
-
 }  // namespace
 
-std::vector<unsigned> parseColumns(const kesta& log, const std::vector<std::string>& lists) {
-    std::vector<unsigned> columns;
-    for (const std::string& list : lists) addColumns(log, list, columns);
-    return columns;
-}
-
 std::vector<int> parseSortColumns(const kesta& log, const std::vector<std::string>& lists) {
-    const std::vector<unsigned> columns = parseColumns(log, lists);
+    const std::vector<unsigned> columns = columnsNamed(log, lists);
     if (columns.size() > mostSortColumns) {
         throw Failure(std::to_string(columns.size()) + " columns to sort by; at most " +
                           std::to_string(mostSortColumns) + " are possible",

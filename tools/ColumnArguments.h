@@ -6,11 +6,8 @@
 
 class kesta;
 
-/// The columns of lists with commas between, in order. A list that is the name of a column as a whole is that
-/// column. Throws Failure for a name that is none.
-std::vector<unsigned> parseColumns(const kesta& log, const std::vector<std::string>& lists);
-
-/// The same as the library takes sort fields: ended by -1. Throws Failure for more than nine.
+/// The columns of lists as columnsNamed reads them, in the form in which the library takes sort fields: ended
+/// by -1. Throws Failure for more than nine as well.
 std::vector<int> parseSortColumns(const kesta& log, const std::vector<std::string>& lists);
 
 struct ColumnText {

@@ -87,16 +87,28 @@ void addForce(CLI::App& app, bool& force) {
     app.add_flag("--force", force, "save even when the file holds text that is lost by that");
 }
 
-void addColumnList(CLI::App& app, const char* name, std::vector<std::string>& columns, const char* what) {
-    app.add_option(name, columns, what)->expected(1)->take_all();
+void addFormat(CLI::App& app, std::string& format) {
+    app.add_option("--format", format, "table, csv or json")
+        ->check(CLI::IsMember({"table", "csv", "json"}))
+        ->capture_default_str();
+}
+
+CLI::Option* addColumnList(CLI::App& app, const char* option, std::vector<std::string>& lists,
+                           const char* what) {
+    return app.add_option(option, lists, what)->expected(1)->take_all();
+}
+
+CLI::Option* addAllColumns(CLI::App& app, bool& allColumns) {
+    return app.add_flag("--all-columns", allColumns,
+                        "all columns in the log's own order, not those that kesta columns lists as shown");
 }
 
 void addTable(CLI::App& app, TableOptions& options) {
-    addColumnList(app, "--columns", options.columns, "the columns to show, with commas between");
+    CLI::Option* const columns =
+        addColumnList(app, "--columns", options.columns, "the columns to show, with commas between");
+    addAllColumns(app, options.allColumns)->excludes(columns);
     addColumnList(app, "--sort", options.sort, "show them in the order of these columns, at most nine");
-    app.add_option("--format", options.format, "table, csv or json")
-        ->check(CLI::IsMember({"table", "csv", "json"}))
-        ->capture_default_str();
+    addFormat(app, options.format);
 }
 
 constexpr const char* searchRules =
@@ -126,6 +138,7 @@ void addReadingCommands(CommandList& commands) {
             addTable(app, options.table);
             app.add_option("-o,--output", options.output, "the log to write, instead of showing the records")
                 ->excludes("--columns")
+                ->excludes("--all-columns")
                 ->excludes("--format");
             app.add_flag("--force", options.force,
                          "replace a log that is there already; save even what could not be read whole");
@@ -155,6 +168,7 @@ void addExchangeCommands(CommandList& commands) {
                 ->required()
                 ->check(CLI::IsMember({"csv", "ale", "json"}));
             app.add_option("-o,--output", options.output, "the file to write, instead of standard output");
+            addAllColumns(app, options.allColumns);
         });
 }
 
@@ -190,6 +204,36 @@ void addEditingCommands(CommandList& commands) {
                                    app.add_option("VALUE", options.value, "its new value");
                                    addForce(app, options.force);
                                });
+    commands.add<ColumnsOptions>(
+        "columns", "List the columns that a log shows, or choose and order them",
+        "kesta columns day1.log --hide Notes --order Reel,Name", Commands::columns,
+        [](CLI::App& app, ColumnsOptions& options) {
+            addLog(app, options.log);
+            addColumnList(app, "--show", options.show, "columns to show, with commas between");
+            addColumnList(app, "--hide", options.hide, "columns to hide");
+            addColumnList(app, "--order", options.order, "the columns to come first, in this order");
+            app.add_flag("--reset", options.reset, "first go back to all columns in the log's own order");
+            addForce(app, options.force);
+        });
+}
+
+void addContainerCommands(CommandList& commands) {
+    commands.add<ItemsOptions>(
+        "items", "Show what a container file holds", "kesta items reels.sg", Commands::showItems,
+        [](CLI::App& app, ItemsOptions& options) {
+            app.add_option("CONTAINER", options.container, "the container's file")->required();
+            addFormat(app, options.format);
+        });
+    commands.add<PackOptions>(
+        "pack", "Make a container file of media identifiers",
+        "kesta pack -o reels.sg --name \"Day 1\" M0123456789abcdef0123456789abcdef00", Commands::packItems,
+        [](CLI::App& app, PackOptions& options) {
+            app.add_option("IDENTIFIER", options.identifiers, "the items' identifiers")->required();
+            app.add_option("-o,--output", options.container, "the container to write")->required();
+            app.add_option("--name", options.name, "the container's name")->required();
+            app.add_flag("--permanent", options.permanent, "mark the container as permanent");
+            app.add_flag("--force", options.force, "replace a file that is there already");
+        });
 }
 
 void addBulkCommands(CommandList& commands) {
@@ -200,11 +244,9 @@ void addBulkCommands(CommandList& commands) {
         "order them.",
         Commands::sortRecords, [](CLI::App& app, SortOptions& options) {
             addLog(app, options.log);
-            app.add_option("--by", options.columns,
-                           "the columns to sort by, at most nine, with commas between, the first one first")
-                ->required()
-                ->expected(1)
-                ->take_all();
+            addColumnList(app, "--by", options.columns,
+                          "the columns to sort by, at most nine, with commas between, the first one first")
+                ->required();
             app.add_flag("--desc", options.descending,
                          "from last to first, values as plain text in either case");
             app.add_flag("--ignore-case", options.ignoreCase,
@@ -236,7 +278,7 @@ void addBulkCommands(CommandList& commands) {
                 ->excludes("--clear")
                 ->excludes("--list");
             addTable(app, options.table);
-            for (const char* const option : {"--columns", "--sort", "--format"}) {
+            for (const char* const option : {"--columns", "--all-columns", "--sort", "--format"}) {
                 app.get_option(option)->needs("--list");
             }
             addForce(app, options.force);
@@ -260,5 +302,6 @@ int runCommandLine(int argc, char** argv) {
     addExchangeCommands(commands);
     addEditingCommands(commands);
     addBulkCommands(commands);
+    addContainerCommands(commands);
     return commands.run(argc, argv);
 }

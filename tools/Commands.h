@@ -12,9 +12,10 @@ struct InfoOptions {
     std::string log;
 };
 
-/// How records are shown. Lists of columns are as ColumnArguments.h reads them.
+/// How records are shown. Lists of columns are as columnsNamed reads them.
 struct TableOptions {
-    std::vector<std::string> columns;  ///< in the order to show; empty for all
+    std::vector<std::string> columns;  ///< in the order to show; empty for those that the log shows
+    bool allColumns = false;           ///< whatever the log shows
     std::vector<std::string> sort;     ///< the most important first; empty for the order of the log
     std::string format = "table";      ///< table, csv or json
 };
@@ -49,6 +50,7 @@ struct ExportOptions {
     std::string log;
     std::string format;  ///< csv, ale or json
     std::string output;  ///< empty for standard output
+    bool allColumns = false;
 };
 
 struct SetOptions {
@@ -109,6 +111,28 @@ struct ParamOptions {
     bool force = false;
 };
 
+struct ColumnsOptions {
+    std::string log;
+    std::vector<std::string> show;
+    std::vector<std::string> hide;
+    std::vector<std::string> order;  ///< the columns to come first
+    bool reset = false;              ///< before anything else, back to all columns in the log's own order
+    bool force = false;
+};
+
+struct ItemsOptions {
+    std::string container;
+    std::string format = "table";  ///< table, csv or json
+};
+
+struct PackOptions {
+    std::string container;
+    std::string name;
+    std::vector<std::string> identifiers;
+    bool permanent = false;
+    bool force = false;  ///< replace an existing file
+};
+
 namespace Commands {
 
 int showInfo(const InfoOptions& options);
@@ -124,5 +148,8 @@ int sortRecords(const SortOptions& options);
 int tagRecords(const TagOptions& options);
 int mergeLogs(const MergeOptions& options);
 int parameters(const ParamOptions& options);
+int columns(const ColumnsOptions& options);
+int showItems(const ItemsOptions& options);
+int packItems(const PackOptions& options);
 
 }  // namespace Commands

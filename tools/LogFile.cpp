@@ -1,5 +1,6 @@
 #include "tools/LogFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <sys/stat.h>
 
@@ -143,6 +144,23 @@ unsigned columnNamed(const kesta& log, const std::string& name) {
     const unsigned column = log.get_fieldnum(libraryText(name));
     if (column == none) throw Failure("no column " + suggestionFor(name, columnNames(log), "columns"));
     return column;
+}
+
+std::vector<unsigned> columnsNamed(const kesta& log, const std::vector<std::string>& lists) {
+    std::vector<unsigned> columns;
+    for (const std::string& list : lists) {
+        const unsigned whole = log.get_fieldnum(libraryText(list));
+        if (whole != none) {
+            columns.push_back(whole);
+            continue;
+        }
+        for (std::size_t begin = 0; begin <= list.size();) {
+            const std::size_t comma = std::min(list.find(',', begin), list.size());
+            columns.push_back(columnNamed(log, list.substr(begin, comma - begin)));
+            begin = comma + 1;
+        }
+    }
+    return columns;
 }
 
 std::vector<std::string> columnTypes(const kesta& log) {

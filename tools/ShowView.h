@@ -6,4 +6,4 @@
 #include "view/KSTView.h"
 
 /// Writes rows of the log to standard output as the options say; sorts the view when they say so.
-void showView(const kesta& log, const KSTView& view, const TableOptions& options);
+void showView(kesta& log, const KSTView& view, const TableOptions& options);

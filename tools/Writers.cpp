@@ -6,8 +6,10 @@
 
 #include "support/StringFunctions.h"
 #include "support/time_def.h"
+#include "tools/ColumnMap.h"
 #include "tools/LogFile.h"
 #include "tools/LogForm.h"
+#include "tools/LogView.h"
 #include "tools/Messages.h"
 #include "tools/StandardColumns.h"
 
@@ -84,8 +86,9 @@ class JsonWriter {
     JsonWriter(const kesta& log, const Selection& selection, LineSink& out)
         : m_log(log), m_selection(selection), m_out(out) {}
 
-    void write() {
+    void write(const JsonProperties& properties) {
         m_out.line("{");
+        for (const auto& [name, value] : properties) m_out.line("  \"" + name + "\": " + value + ',');
         writeParameters();
         writeColumns();
         writeRecords();
@@ -166,13 +169,15 @@ class JsonWriter {
 
 class AleWriter {
  public:
-    AleWriter(const kesta& log, const KSTView& rows, LineSink& out) : m_log(log), m_rows(rows), m_out(out) {}
+    AleWriter(const kesta& log, const Selection& selection, LineSink& out)
+        : m_log(log), m_selection(selection), m_out(out) {}
 
     void write() {
         writeHeading();
         writeColumns();
         m_out.line("Data");
-        forEachRow(m_rows, [this](unsigned row, const dbrecord& record) { writeRecord(row, record); });
+        forEachRow(m_selection.rows,
+                   [this](unsigned row, const dbrecord& record) { writeRecord(row, record); });
         m_warnings.summarise("the places are not listed");
     }
 
@@ -183,9 +188,12 @@ class AleWriter {
         const bool saysDelimiter = std::any_of(params.begin(), params.end(), [](const auto& param) {
             return sameName(param.name().view(), "FIELD_DELIM");
         });
+        const bool isWhole = m_selection.columns == allColumns(m_log);
         if (!saysDelimiter) m_out.line("FIELD_DELIM\tTABS");
         for (const auto& param : params) {
             if (sameName(param.name().view(), "KESTA")) continue;
+            // Its numbers are those of the log's columns.
+            if (sameName(param.name().view(), columnMapKey) && !isWhole) continue;
             std::string line;
             append(line, param.name().view(), "a parameter");
             line += '\t';
@@ -198,7 +206,9 @@ class AleWriter {
     void writeColumns() {
         m_out.line("Column");
         std::string line;
-        for (const std::string& name : exchangeNames(columnNames(m_log))) {
+        std::vector<std::string> names;
+        for (const unsigned column : m_selection.columns) names.emplace_back(m_log.get_fieldname(column));
+        for (const std::string& name : exchangeNames(names)) {
             append(line, name, "a column's name");
             line += '\t';
         }
@@ -209,8 +219,10 @@ class AleWriter {
 
     void writeRecord(unsigned row, const dbrecord& record) {
         m_line.clear();
-        for (unsigned column = 0; column < m_log.get_num_fields(); ++column) {
-            if (column > 0) m_line += '\t';
+        bool first = true;
+        for (const unsigned column : m_selection.columns) {
+            if (!first) m_line += '\t';
+            first = false;
             if (!append(m_line, exchangeForm(record, column).view()))
                 warnOfSpace(placeOf(m_log, row, column));
         }
@@ -244,7 +256,7 @@ class AleWriter {
     }
 
     const kesta& m_log;
-    const KSTView& m_rows;
+    const Selection& m_selection;
     LineSink& m_out;
     std::string m_line;
     Warnings m_warnings;
@@ -258,31 +270,40 @@ std::vector<unsigned> allColumns(const kesta& log) {
     return columns;
 }
 
+Selection everythingOf(kesta& log) {
+    return {viewOf(log), allColumns(log)};
+}
+
 void writeCsv(const kesta& log, const Selection& selection, LineSink& out) {
     std::string line;
-    // A line of one empty field would read as no line at all.
-    const auto writeLine = [&] { out.line(line.empty() && selection.columns.size() == 1 ? "\"\"" : line); };
-    for (const unsigned column : selection.columns) {
-        if (column != selection.columns.front()) line += ',';
-        appendCsvField(line, log.get_fieldname(column));
-    }
-    writeLine();
-    forEachRow(selection.rows, [&](unsigned, const dbrecord& record) {
+    const auto writeFields = [&](auto fieldOf) {
         line.clear();
         bool first = true;
         for (const unsigned column : selection.columns) {
             if (!first) line += ',';
             first = false;
-            appendCsvField(line, valueIn(record, column));
+            appendCsvField(line, fieldOf(column));
         }
-        writeLine();
+        // A line of one empty field would read as no line at all.
+        out.line(line.empty() && selection.columns.size() == 1 ? "\"\"" : line);
+    };
+    writeFields([&](unsigned column) { return std::string_view(log.get_fieldname(column)); });
+    forEachRow(selection.rows, [&](unsigned, const dbrecord& record) {
+        writeFields([&](unsigned column) { return valueIn(record, column); });
     });
 }
 
-void writeJson(const kesta& log, const Selection& selection, LineSink& out) {
-    JsonWriter(log, selection, out).write();
+std::string jsonText(std::string_view bytes) {
+    std::string text;
+    JsonText().append(text, bytes);
+    return text;
 }
 
-void writeAle(const kesta& log, const KSTView& rows, LineSink& out) {
-    AleWriter(log, rows, out).write();
+void writeJson(const kesta& log, const Selection& selection, LineSink& out,
+               const JsonProperties& properties) {
+    JsonWriter(log, selection, out).write(properties);
+}
+
+void writeAle(const kesta& log, const Selection& selection, LineSink& out) {
+    AleWriter(log, selection, out).write();
 }

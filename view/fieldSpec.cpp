@@ -1,7 +1,9 @@
 // KSTViewRep: the field specification.
+#include <algorithm>
 #include <cstring>
 #include <memory>
-#include <string>
+#include <string_view>
+#include <unordered_map>
 
 #include "support/Exception.h"
 #include "support/Log.h"
@@ -25,6 +27,21 @@ class KSTViewRep::FieldRef : public SExprRef {
     LifeWatch m_sourceLives;
 };
 
+namespace {
+
+using FieldsByName = std::unordered_map<std::string_view, unsigned>;
+
+/// The first field of each exact name, for specifications that name many. Valid while no name changes.
+FieldsByName fieldsByName(const iKST* source) {
+    FieldsByName fields;
+    for (unsigned field = 0; source && field < source->get_num_fields(); ++field) {
+        fields.emplace(source->get_fieldname(field), field);
+    }
+    return fields;
+}
+
+}  // namespace
+
 void KSTViewRep::fieldSpec(const char* specification) {
     m_fieldSpec.reset();
     if (!specification) return;
@@ -34,15 +51,20 @@ void KSTViewRep::fieldSpec(const char* specification) {
         return;  // a view does well without
     }
 
-    constexpr const char* separators = "\t,";
-    std::string name;
-    for (const char* at = specification; *(at += std::strspn(at, separators)) != 0; at += name.size()) {
-        name.assign(at, std::strcspn(at, separators));
-        const int field = dbFieldIndex(name.c_str());
-        if (field >= 0) {
-            pushFieldRef(static_cast<unsigned>(field));
+    const FieldsByName fields = fieldsByName(db());
+    constexpr std::string_view separators = "\t,";
+    std::string_view rest = specification;
+    for (;;) {
+        rest.remove_prefix(std::min(rest.find_first_not_of(separators), rest.size()));
+        if (rest.empty()) break;
+        const std::string_view name = rest.substr(0, rest.find_first_of(separators));
+        rest.remove_prefix(name.size());
+        const auto found = fields.find(name);
+        if (found != fields.end()) {
+            pushFieldRef(found->second);
         } else {
-            dorp_printf("Warning: KSTView::fieldSpec, non-existant fieldname \"%s\".\n", name.c_str());
+            dorp_printf("Warning: KSTView::fieldSpec, non-existant fieldname \"%.*s\".\n",
+                        static_cast<int>(name.size()), name.data());
         }
     }
     if (m_fields) m_fields.reset(m_fields.release()->reverse());

@@ -1,6 +1,7 @@
 #include "support/Cookie.h"
 
 #include <cstring>
+#include <sys/random.h>
 
 #include "support/Ascii.h"
 #include "support/StringFunctions.h"
@@ -114,6 +115,19 @@ int Cookie::compare(const Cookie& other) const noexcept {
     if (byUuid != 0) return byUuid;
     if (m_type != other.m_type) return m_type - other.m_type;
     return m_qualifier - other.m_qualifier;
+}
+
+std::size_t Cookie::hash() const noexcept {
+    static const std::uint64_t seed = [] {
+        std::uint64_t random = 0;
+        if (::getrandom(&random, sizeof random, GRND_NONBLOCK) != sizeof random) random = 0;
+        return random;
+    }();
+    std::uint64_t words[2];
+    static_assert(sizeof words == sizeof m_uuid.bytes);
+    std::memcpy(words, m_uuid.bytes.data(), sizeof words);
+    const std::uint64_t rest = std::uint64_t(static_cast<unsigned char>(m_type)) << 8 | m_qualifier;
+    return spread(spread(words[0] ^ seed) + words[1] + rest);
 }
 
 Cookie convertCookie(const Cookie& cookie, CookieType type, unsigned char qualifier) noexcept {

@@ -9,16 +9,6 @@ const Cookie nullCookie;
 
 }  // namespace
 
-std::size_t CookieHash::operator()(const Cookie& cookie) const noexcept {
-    std::uint64_t words[2];
-    static_assert(sizeof words == sizeof cookie.uuid().bytes);
-    std::memcpy(words, cookie.uuid().bytes.data(), sizeof words);
-    const auto kind = static_cast<unsigned char>(cookie.type());
-    const std::uint64_t rest = std::uint64_t(kind) << 8 | cookie.qualifier();
-    const std::uint64_t mixed = (words[0] + rest) * 0x9E3779B97F4A7C15 + words[1];
-    return static_cast<std::size_t>(mixed ^ mixed >> 32);
-}
-
 Array::Array() = default;
 Array::Array(const Array&) = default;
 Array& Array::operator=(const Array&) = default;

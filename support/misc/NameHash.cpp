@@ -13,12 +13,6 @@ constexpr Word rotated(Word word, int bits) noexcept {
     return word << bits | word >> (64 - bits);
 }
 
-constexpr Word finished(Word word) noexcept {
-    word = (word ^ word >> 33) * 0xFF51AFD7ED558CCD;
-    word = (word ^ word >> 33) * 0xC4CEB9FE1A85EC53;
-    return word ^ word >> 33;
-}
-
 /// Up to eight bytes, the first lowest.
 Word wordOf(std::string_view bytes) noexcept {
     Word word = 0;
@@ -50,8 +44,8 @@ struct State {
         h2 ^= length;
         h1 += h2;
         h2 += h1;
-        h1 = finished(h1);
-        h2 = finished(h2);
+        h1 = spread(h1);
+        h2 = spread(h2);
         h1 += h2;
         h2 += h1;
     }

@@ -1,6 +1,7 @@
 #include "support/Notifier.h"
 
 #include <cstdint>
+#include <exception>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -86,10 +87,16 @@ class GenericNotifier<Message>::Listeners : public NotifierBase::ListenerTable {
     void deliver(const Message& message, int type) const {
         const std::uint64_t end = nextNumber();
         Place place{type, 0};
+        std::exception_ptr thrown;
         while (const std::shared_ptr<const Callback> callback = firstFrom(place, end)) {
-            (*callback)(message);
+            try {
+                (*callback)(message);
+            } catch (...) {
+                if (!thrown) thrown = std::current_exception();
+            }
             ++place.number;
         }
+        if (thrown) std::rethrow_exception(thrown);
     }
 
     bool hasAny(int type) const {

@@ -4,17 +4,18 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <string>
 #include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
+#include "support/LibraryAllocator.h"
 #include "support/StringFunctions.h"
 
 namespace {
 
 constexpr std::size_t standardBlock = std::size_t(1) << 20;
+constexpr std::size_t firstBlock = std::size_t(1) << 14;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 /// A file descriptor that closes itself.
@@ -36,46 +37,60 @@ class File {
 };
 
 /// A file name as the system takes it; empty, with errno set, when it is none.
-std::string systemPath(const LightweightString<wchar_t>& name) {
+LibraryString systemPath(const LightweightString<wchar_t>& name) {
     const LightweightString<char> path = toUTF8(name);
     if (path.empty() || path.view().find('\0') != std::string_view::npos) {
         errno = path.empty() ? ENOENT : EINVAL;
         return {};
     }
-    return std::string(path.view());
+    return LibraryString(path.view());
 }
 
-std::string folderOf(const std::string& path) {
+LibraryString folderOf(const LibraryString& path) {
     const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    return slash == LibraryString::npos ? "." : path.substr(0, slash + 1);
 }
 
 /// What a chain of symbolic links ends at, which need not exist; empty, with errno set, when the links go
 /// round.
-std::string followLinks(std::string path) {
+LibraryString followLinks(LibraryString path) {
     for (int links = 0; links < 40; ++links) {
         char target[4096];
         const ssize_t length = ::readlink(path.c_str(), target, sizeof target);
         if (length < 0 || length == sizeof target) return path;  // no link
         const std::string_view text(target, static_cast<std::size_t>(length));
-        path = (text[0] == '/' ? std::string() : folderOf(path) + "/").append(text);
+        path = (text[0] == '/' ? LibraryString() : folderOf(path) + "/").append(text);
     }
     errno = ELOOP;
     return {};
+}
+
+/// Opens without waiting for the other end of a pipe; from then on reading and writing wait as usual. Regular
+/// files, pipes and terminals are taken: other devices may have no end.
+int openStream(const LibraryString& path, int access) noexcept {
+    const int file = ::open(path.c_str(), access | O_CLOEXEC | O_NONBLOCK);
+    if (file < 0) return file;
+    struct stat status;
+    const bool endless = ::fstat(file, &status) != 0 || S_ISBLK(status.st_mode) ||
+                         (S_ISCHR(status.st_mode) && access == O_RDONLY && ::isatty(file) == 0);
+    if (!endless && ::fcntl(file, F_SETFL, access) == 0) return file;
+    ::close(file);
+    errno = EINVAL;
+    return -1;
 }
 
 bool writeAll(int file, std::string_view bytes) noexcept {
     while (!bytes.empty()) {
         const ssize_t written = ::write(file, bytes.data(), bytes.size());
         if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return false;
+        if (written <= 0) return false;
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
     return true;
 }
 
 /// A new file in the folder, under a name that nobody can have guessed. Its name comes back in `path`.
-int createTemporary(const std::string& folder, mode_t mode, std::string& path) {
+int createTemporary(const LibraryString& folder, mode_t mode, LibraryString& path) {
     for (int attempt = 0; attempt < 100; ++attempt) {
         unsigned char random[12];
         if (::getrandom(random, sizeof random, 0) != sizeof random) return -1;
@@ -90,7 +105,7 @@ int createTemporary(const std::string& folder, mode_t mode, std::string& path) {
 /// Takes the name of a temporary file away again unless it was put to use. Keeps errno.
 class TemporaryName {
  public:
-    explicit TemporaryName(const std::string& path) noexcept : m_path(path) {}
+    explicit TemporaryName(const LibraryString& path) noexcept : m_path(path) {}
     TemporaryName(const TemporaryName&) = delete;
     TemporaryName& operator=(const TemporaryName&) = delete;
     ~TemporaryName() {
@@ -102,13 +117,13 @@ class TemporaryName {
     void used() noexcept { m_used = true; }
 
  private:
-    const std::string& m_path;
+    const LibraryString& m_path;
     bool m_used = false;
 };
 
 /// Makes the folder's list of names survive a power failure. That the file system cannot is no failure of the
 /// save.
-void flushFolder(const std::string& folder) noexcept {
+void flushFolder(const LibraryString& folder) noexcept {
     const int error = errno;
     const File file(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (file) ::fsync(file.descriptor());
@@ -161,9 +176,9 @@ TextFile::Block& TextFile::addBlock(std::size_t capacity) {
 
 bool TextFile::load(LightweightString<wchar_t> name, char separator, bool) {
     clear();
-    const std::string path = systemPath(name);
+    const LibraryString path = systemPath(name);
     if (path.empty()) return false;
-    const File file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const File file(openStream(path, O_RDONLY));
     if (file && readBlocks(file.descriptor(), separator)) return true;
     const int error = errno;
     clear();
@@ -236,7 +251,10 @@ char* TextFile::beginLine(std::size_t longest) {
     const std::size_t room = longest + 1;
     const bool fits = !m_blocks.empty() && m_blocks.back().written &&
                       m_blocks.back().capacity - m_blocks.back().size >= room;
-    Block& block = fits ? m_blocks.back() : addBlock(std::max(room, standardBlock));
+    // Blocks begin small, for short files, and double.
+    const std::size_t usual =
+        m_blocks.empty() ? firstBlock : std::min(2 * m_blocks.back().capacity, standardBlock);
+    Block& block = fits ? m_blocks.back() : addBlock(std::max(room, usual));
     block.written = true;
     return block.data + block.size;
 }
@@ -261,7 +279,7 @@ void TextFile::forgetRead() noexcept {
 }
 
 bool TextFile::save(LightweightString<wchar_t> name, eEOLStyle style) const {
-    std::string path = systemPath(name);
+    LibraryString path = systemPath(name);
     if (path.empty()) return false;
     path = followLinks(std::move(path));
     if (path.empty()) return false;
@@ -276,12 +294,12 @@ bool TextFile::save(LightweightString<wchar_t> name, eEOLStyle style) const {
     if (exists && ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) return false;
     if (exists && !S_ISREG(status.st_mode)) {
         // A device or pipe has no content to protect, and must not be replaced by a file.
-        File device(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+        File device(openStream(path, O_WRONLY));
         return device && writeLines(device.descriptor(), style) && device.close();
     }
 
-    const std::string folder = folderOf(path);
-    std::string temporary;
+    const LibraryString folder = folderOf(path);
+    LibraryString temporary;
     File file(createTemporary(folder, exists ? status.st_mode & 0777 : 0666, temporary));
     if (!file) return false;
     TemporaryName temporaryName(temporary);
@@ -302,7 +320,7 @@ bool TextFile::save(LightweightString<wchar_t> name, eEOLStyle style) const {
 
 bool TextFile::writeLines(int file, eEOLStyle style) const {
     const std::string_view end = style == eCRLF ? "\r\n" : "\n";
-    std::string buffer;
+    LibraryString buffer;
     for (const Block& block : m_blocks) {
         if (block.written && style != eCRLF) {
             if (!writeAll(file, std::string_view(block.data, block.size))) return false;

@@ -58,6 +58,21 @@ unsigned UIntFromString(const LightweightString<char>& text, unsigned fallback) 
     return error == std::errc() && stop == end ? number : fallback;
 }
 
+LightweightString<char> StringFromDouble(double number) {
+    // Room for the largest number: sign, 309 digits, point, decimals.
+    char text[330];
+    constexpr int decimals = 8;
+    const auto [end, error] = std::to_chars(text, std::end(text), number, std::chars_format::fixed, decimals);
+    (void)error;
+    return LightweightString<char>(std::string_view(text, static_cast<std::size_t>(end - text)));
+}
+
+double DoubleFromString(const char* text) noexcept {
+    static const locale_t plain = ::newlocale(LC_NUMERIC_MASK, "C", nullptr);
+    if (!text) return 0;
+    return plain ? ::strtod_l(text, nullptr, plain) : std::strtod(text, nullptr);
+}
+
 void toLower(LightweightString<char>& text) {
     const std::string_view now = text.view();
     const auto changes = [](char c) { return Ascii::fold(c) != c; };

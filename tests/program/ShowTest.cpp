@@ -155,8 +155,9 @@ TEST_F(ShowTest, AFullDiskIsNoticed) {
 }
 
 TEST_F(ShowTest, HelpShowsAnExampleOfEveryCommand) {
-    for (const std::string command : {"info", "show", "find", "check", "import", "export", "set", "add",
-                                      "delete", "param", "sort", "tag", "merge"}) {
+    for (const std::string command :
+         {"info", "show", "find", "check", "import", "export", "set", "add", "delete", "param", "columns",
+          "sort", "tag", "merge", "items", "pack"}) {
         const Outcome help = run({command, "--help"});
         EXPECT_EQ(help.exitCode, 0);
         EXPECT_NE(help.out.find("Example:\n  kesta " + command + ' '), std::string::npos) << help.out;

@@ -267,6 +267,15 @@ TEST(DatabaseParameters, AreKeptInOrderBehindTheRevision) {
     EXPECT_EQ(database.findParamIndex(""), -1);
 }
 
+TEST(DatabaseParameters, TheRevisionComesFirstWhateverIsAddedFirst) {
+    kesta named;
+    EXPECT_EQ(named.add_param("kesta", "x"), 0);
+    EXPECT_EQ(paramsOf(named), (Pairs{{"KESTA", "x"}}));
+    kesta refused;
+    EXPECT_EQ(refused.add_param("", "x"), -1);
+    EXPECT_EQ(paramsOf(refused), (Pairs{{"KESTA", "Rev 1"}}));
+}
+
 TEST(DatabaseParameters, SettingPlainTextsGoesThroughTheInterface) {
     class Listening : public kesta {
      public:

@@ -101,7 +101,7 @@ TEST(FieldTypes, HeaderNamesKnownTypesByTokenAndOthersByTheirCharacter) {
         {116, "timecode"}, {84, "timecode_s"}, {97, "text"}, {65, "text_s"}, {68, "time_of_day"},
         {100, "date"},     {77, "dos_date"},   {99, "c"},    {66, "B"},      {110, "numeric"},
         {108, "long"},     {102, "double"},    {117, "u"},   {64, "@"},      {1, "\x01"},
-        {127, "\x7F"},     {-1, "\xFF"},       {34, "\""},
+        {127, "\x7F"},     {-1, "\xFF"},       {34, "\"\""}, {10, "text"},
     };
     for (const auto& [code, token] : tokens) {
         Lines header;

@@ -127,7 +127,8 @@ inline int typeOf(const std::string& token) {
     for (const auto& [name, code] : tokens) {
         if (name == folded(token)) return code;
     }
-    return token.size() == 1 ? static_cast<signed char>(token[0]) : 0;
+    const int code = token.size() == 1 ? static_cast<signed char>(token[0]) : 0;
+    return code == 0 ? 97 : code;  // a column always has a type
 }
 
 class Loader {
@@ -210,7 +211,7 @@ class Loader {
                 database.messages.emplace_back("kesta::add_text: returning because not all fields filled\n");
                 return;
             }
-            if (!line.fields.empty() && folded(line.fields[0]) == "kesta") {
+            if (line.fields.size() == 1 && folded(line.fields[0]) == "kesta") {
                 read();
                 read();
                 line = read();

@@ -219,7 +219,8 @@ TEST(RecordLineReading, CutsFieldsAt4095BytesAndGoesOnBehindTheByteItCutAt) {
         {std::string(4094, 'x') + R"(""yz)", {std::string(4094, 'x') + '"', "z"}, 2},
         {std::string(4093, 'x') + R"(\nyzw)", {std::string(4093, 'x') + "\ny", "w"}, 2},
         {std::string(4093, 'x') + R"(\\yz)", {std::string(4093, 'x') + R"(\\)", "z"}, 2},
-        // A backslash before anything else is a byte of its own there.
+        // Two backslashes are cut apart, as a backslash before anything else is a byte of its own.
+        {std::string(4094, 'x') + R"(\\yz)", {std::string(4094, 'x') + '\\', "yz"}, 2},
         {std::string(4094, 'x') + R"(\yz)", {std::string(4094, 'x') + '\\', "z"}, 2},
         // Dropped quotes take no room.
         {std::string(4095, '"') + "a", {std::string(2047, '"') + "a"}, 1},

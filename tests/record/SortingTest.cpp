@@ -225,8 +225,8 @@ class SortingAtRandom : public ::testing::TestWithParam<unsigned> {
 
     std::string value() {
         static const char* const parts[] = {
-            "",        " ",        "a", "A", "b",  "take", "é",  "\xFF", "interview", "Interview anna",
-            "10:00:0", "10:00:00", ":", ";", "01", "[",    "\t", "@"};
+            "",   " ", "a",       "A",        "b", "take", "é",  "\xFF", "interview", "Interview anna",
+            "Zz", "z", "10:00:0", "10:00:00", ":", ";",    "01", "[",    "\t",        "@"};
         std::string text;
         for (unsigned n = below(4); n != 0; --n) text += parts[below(std::size(parts))];
         return text;
@@ -292,8 +292,8 @@ TEST(Sorting, LongAlikeTextsAndZeroCharactersAreSafe) {
     for (const char* end : {"c", "A", "b", "a", ""}) values.push_back(alike + end);
     EXPECT_EQ(sorted(values, up), (Fields{alike, alike + "A", alike + "a", alike + "b", alike + "c"}));
     // The comparators see a text up to its zero character, yet it is not empty.
-    EXPECT_EQ(sorted({"", "b", bytes("a\0z"), bytes("\0z"), "a1"}, up),
-              (Fields{bytes("\0z"), bytes("a\0z"), "a1", "b", ""}));
+    EXPECT_EQ(sorted({"", "b", bytes("a\0z"), bytes("\0z"), "a1", bytes("a\0b")}, up),
+              (Fields{bytes("\0z"), bytes("a\0z"), bytes("a\0b"), "a1", "b", ""}));
 }
 
 TEST(Sorting, KeepsTheOrderOfEqualRecords) {

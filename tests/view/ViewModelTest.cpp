@@ -16,7 +16,6 @@ using TestSupport::text;
 
 constexpr unsigned nameField = 0;
 constexpr unsigned valueField = 1;
-constexpr unsigned cookieField = 2;
 
 class Worlds {
  public:

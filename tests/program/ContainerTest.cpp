@@ -1,0 +1,84 @@
+// kesta pack and kesta items: container files made and shown.
+#include "tests/program/ProgramTest.h"
+
+namespace {
+
+class ContainerTest : public ProgramTest {};
+
+const std::string identifier = "M0123456789abcdef0123456789abcdef07";
+const std::string spelled = "M01234567-89ab-cdef-0123-456789abcdef07";
+
+TEST_F(ContainerTest, WhatIsPackedIsShown) {
+    const std::string file = path("box.rak");
+    const Outcome packed = run({"pack", "-o", file, "--name", "Dag \xC3\xA9\x1B", "--permanent", identifier,
+                                "B000102030405060708090a0b0c0d0e0f00", spelled});
+    EXPECT_EQ(packed.out, file + ": 2 items\n");
+    EXPECT_EQ(packed.err, "kesta: warning: \"" + spelled + "\" is named twice and kept once\n");
+
+    EXPECT_EQ(run({"items", file}).out,
+              "name:      Dag \xC3\xA9\\x1b\n"
+              "permanent: yes\n"
+              "kind:      B\n"
+              "items:     2\n"
+              "Row  Cookie\n"
+              "  1  " +
+                  spelled +
+                  "\n"
+                  "  2  B00010203-0405-0607-0809-0a0b0c0d0e0f00\n");
+    EXPECT_EQ(run({"items", file, "--format", "csv"}).out,
+              "Cookie\r\n" + spelled + "\r\nB00010203-0405-0607-0809-0a0b0c0d0e0f00\r\n");
+    const std::string json = run({"items", file, "--format", "json"}).out;
+    EXPECT_EQ(
+        json.find("{\n  \"name\": \"Dag \xC3\xA9\\u001b\",\n  \"permanent\": true,\n  \"kind\": \"B\",\n"),
+        0U)
+        << json;
+    EXPECT_NE(json.find("[\"" + spelled + "\"],\n"), std::string::npos) << json;
+}
+
+TEST_F(ContainerTest, AnExistingFileIsReplacedOnlyWhenAskedFor) {
+    const std::string file = path("box.sg");
+    EXPECT_EQ(run({"pack", "-o", file, "--name", "Old", identifier}).exitCode, 0);
+    const std::string before = content("box.sg");
+    const Outcome refused = run({"pack", "-o", file, "--name", "New", "clip"});
+    EXPECT_EQ(refused.exitCode, 2);
+    EXPECT_EQ(refused.err, "kesta: " + file + ": is there already; --force replaces it\n");
+    EXPECT_EQ(content("box.sg"), before);
+    EXPECT_EQ(run({"pack", "-o", file, "--name", "New", "--force", "clip"}).exitCode, 0);
+    const std::string items = run({"items", file}).out;
+    EXPECT_EQ(items.find("name:      New\npermanent: no\nkind:      M\nitems:     1\n"), 0U) << items;
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"box.sg"});
+}
+
+TEST_F(ContainerTest, WhatCannotBeDoneIsSaidAndLeavesNothing) {
+    std::filesystem::create_directory(folder / "folder");
+    log("a.log", "\"Name\"", "\"1\"\n");
+    log("full.sg", "\"Name\"", "\"1\"\n");
+    std::filesystem::create_directory(folder / "full.sg.tmp");
+    const std::vector<std::string> before = folder.names();
+    struct Refused {
+        std::vector<std::string> arguments;
+        int exitCode;
+        std::string why;
+    };
+    const std::vector<Refused> cases = {
+        {{"pack", "-o", path("b.sg"), "--name", "B", "I0123456789abcdef0123456789abcdef07"}, 64, "of kind I"},
+        {{"pack", "-o", path("b.sg"), "--name", "B", "clip", " "}, 64, "an identifier is empty"},
+        {{"pack", "-o", path("b.sg"), "--name", "say \"B\"", "clip"}, 2, "does not keep this name"},
+        {{"pack", "-o", path("b.csv"), "--name", "B", "clip"}, 2, "cannot have this name"},
+        {{"pack", "-o", path("absent/b.sg"), "--name", "B", "clip"}, 2, "No such file or directory"},
+        {{"pack", "-o", path("folder"), "--name", "B", "--force", "clip"}, 2, "is no plain file"},
+        {{"pack", "-o", path("full.sg"), "--name", "B", "--force", "clip"}, 2, "full.sg: "},
+        {{"pack", "-o", path("b.sg"), "--name", "B"}, 64, "IDENTIFIER"},
+        {{"items", path("a.log")}, 2, "is a log, but no container"},
+        {{"items", path("b.sg")}, 2, "No such file or directory"},
+    };
+    for (const Refused& refused : cases) {
+        const Outcome outcome = run(refused.arguments);
+        EXPECT_EQ(outcome.exitCode, refused.exitCode) << refused.why;
+        EXPECT_NE(outcome.err.find(refused.why), std::string::npos) << outcome.err;
+        EXPECT_EQ(outcome.out, "");
+    }
+    EXPECT_EQ(folder.names(), before);
+}
+
+}  // namespace

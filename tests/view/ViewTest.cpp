@@ -1,0 +1,418 @@
+// What views promise beyond the plain model: attachment, the record-source interface, field specifications,
+// cursors, bad arguments, sources that refuse.
+#include <climits>
+#include <gtest/gtest.h>
+
+#include "tests/TestSupport.h"
+#include "view/KSTViewCursor.h"
+
+namespace {
+
+using TestSupport::CapturedLog;
+using TestSupport::CapturedNotifications;
+using TestSupport::columnOf;
+using TestSupport::Fields;
+using TestSupport::makeTextDatabase;
+using TestSupport::Pairs;
+using TestSupport::paramsOf;
+using TestSupport::str;
+using TestSupport::text;
+
+constexpr unsigned none = static_cast<unsigned>(-1);
+
+Zr::Ptr<kesta> fiveRows() {
+    return makeTextDatabase(
+        {"Name", "Scene", "Tag"},
+        {{"a", "1", ""}, {"b", "2", "1"}, {"c", "2", "0"}, {"d", "1", "x"}, {"e", "", "7"}});
+}
+
+KSTView viewOfAll(kesta& database) {
+    KSTView view(new KSTViewRep(&database));
+    view->displayAllRecords();
+    return view;
+}
+
+KSTView chainedOn(const KSTView& base, kesta& database) {
+    KSTView view(new KSTViewRep(&database));
+    view->baseView(base.rep());
+    return view;
+}
+
+std::string described(const KSTViewRep& view) {
+    GrowString out;
+    view.asString(out);
+    return static_cast<const char*>(out);
+}
+
+TEST(View, BeginsEmptyWithTheColumnsNameAndParametersOfItsDatabase) {
+    const auto database = fiveRows();
+    database->set_filename(L"log.kst");
+    const KSTViewRep bare(nullptr, "");
+    const KSTView before(new KSTViewRep(database.get()));
+    EXPECT_EQ(0u, before->get_num_records());
+    EXPECT_EQ(3u, before->get_num_fields());
+    EXPECT_TRUE(before->get_filename() == L"log.kst");
+    EXPECT_EQ((Pairs{{"KESTA", "Rev 1"}}), paramsOf(*before));
+
+    database->add_param("Mode", "x");
+    const KSTView after(new KSTViewRep(database.get()));
+    EXPECT_EQ((Pairs{{"KESTA", "Rev 1"}, {"Mode", "x"}}), paramsOf(*after));
+    after->add_param("Own", "y");
+    EXPECT_STREQ("", database->get_param_val("Own"));
+}
+
+TEST(View, ChangesItsParametersWithWhatItStandsOn) {
+    const auto first = fiveRows();
+    const auto second = makeTextDatabase({"Other"}, {{"z"}});
+    second->set_param_val("KESTA", "Rev 7");
+    const KSTView base = viewOfAll(*first);
+    base->add_param("Base", "b");
+
+    const KSTView view = viewOfAll(*first);
+    view->baseView(base.rep());
+    EXPECT_EQ(0u, view->get_num_records());
+    EXPECT_EQ((Pairs{{"KESTA", "Rev 1"}, {"Base", "b"}}), paramsOf(*view));
+    view->baseView(nullptr);
+    EXPECT_EQ(Pairs{}, paramsOf(*view));
+
+    view->baseView(base.rep());
+    view->displayAllRecords();
+    view->kst(second.get());
+    EXPECT_EQ(second.get(), view->db());
+    EXPECT_EQ(0u, view->get_num_records());
+    EXPECT_EQ((Pairs{{"KESTA", "Rev 7"}}), paramsOf(*view));
+    EXPECT_EQ(1u, base->useCount());
+
+    view->displayAllRecords();
+    first->delete_records(0, 5);
+    EXPECT_EQ(1u, view->get_num_records()) << "it hears of another database";
+    view->kst(second.get());
+    EXPECT_EQ(1u, view->get_num_records()) << "attaching to the present database is no change";
+}
+
+TEST(View, AnswersNothingWithoutADatabase) {
+    const KSTView view(new KSTViewRep(nullptr, "Name"));
+    const auto database = fiveRows();
+    int number = 5;
+    EXPECT_EQ(0u, view->get_num_fields());
+    EXPECT_EQ(0u, view->get_fieldnum("Name"));
+    EXPECT_STREQ("", view->get_fieldname(0));
+    EXPECT_EQ(0, view->baseIndex(0));
+    EXPECT_EQ(-1, view->find(database->get_record(0).get()));
+    EXPECT_EQ(-1, view->findFirst("Name", "a", 0));
+    EXPECT_EQ(none, view->findViewIndexForBaseRow(0));
+    EXPECT_EQ(-1, view->dbFieldIndex("Name"));
+    EXPECT_FALSE(view->set_field(0, 0, "x"));
+    EXPECT_FALSE(view->set_field(0, Cookie()));
+    EXPECT_FALSE(view->in_field(0, 0, number));
+    EXPECT_FALSE(view->make_dummy_record());
+    EXPECT_EQ(0, view->get_valid());
+    EXPECT_EQ(0, view->displayRecordsAt(0, 3, 0));
+    EXPECT_EQ(0u, view->add_records(2));
+    EXPECT_EQ(0, view->tagDuplicates(0));
+    EXPECT_EQ(nullptr, view->newTagSubview());
+    EXPECT_FALSE(view.copy());
+    EXPECT_FALSE(view.copyWithNewBaseView());
+    view->sort(1, 0);
+    view->deleteTagged();
+    EXPECT_EQ(0u, view->get_num_records());
+}
+
+TEST(View, ReadsAndWritesFieldsThroughTheRowsOfItsSource) {
+    const auto database = fiveRows();
+    const KSTView base(new KSTViewRep(database.get()));
+    base->displayRecordsAt(2, 3, 0);
+    const KSTView view = chainedOn(base, *database);
+    view->displayRecordsAt(1, 2, 0);
+    ASSERT_EQ((Fields{"d", "e"}), columnOf(*view, 0));
+    EXPECT_EQ(3, view->baseIndex(0));
+    EXPECT_EQ(0, view->baseIndex(2));
+    EXPECT_EQ(1u, view->findViewIndexForBaseRow(2));
+    EXPECT_EQ(database->get_record(4).get(), (*view)[1]);
+    EXPECT_EQ(nullptr, (*view)[-1]);
+    EXPECT_FALSE(view->get_record(2));
+
+    EXPECT_EQ(1, view->set_field(1, 0, "new"));
+    EXPECT_TRUE(view->set_field(0, 1, 17));
+    int scene = 0;
+    EXPECT_TRUE(view->in_field(0, 1, scene));
+    EXPECT_EQ(17, scene);
+    EXPECT_EQ((Fields{"a", "b", "c", "d", "new"}), columnOf(*database, 0));
+    EXPECT_TRUE(view->getField(0, 65536) == "d") << "field numbers are cut to 16 bits";
+
+    for (const unsigned bad : {2u, none}) {
+        EXPECT_FALSE(view->set_field(bad, 0, "x"));
+        EXPECT_FALSE(view->set_field(bad, 0, true));
+        EXPECT_FALSE(view->in_field(bad, 0, scene));
+        EXPECT_TRUE(view->getField(bad, 0).empty());
+        view->set_tag(bad, 1);
+        view->invert_tag(bad);
+        EXPECT_EQ(0, view->get_tag(bad));
+    }
+    EXPECT_TRUE(view->notTagged(-1));
+    EXPECT_EQ(0, view->countTags());
+}
+
+TEST(View, SearchesAndMatchesRowsOfItsSource) {
+    const auto database = fiveRows();
+    const KSTView view(new KSTViewRep(database.get()));
+    view->displayRecordsAt(3, 2, 0);
+    EXPECT_EQ(1, view->findFirst("Scene", "2", 4)) << "from the first row, however it is asked";
+    dbrecord query(3);
+    query.set_field(0, "e", false);
+    view->set_query(&query);
+    EXPECT_EQ(0, view->match_record(1)) << "database row 1, not view row 1";
+    EXPECT_EQ(1, view->match_record(4));
+    view->tagAll(true);
+    EXPECT_EQ(1, view->tagMatches(1));
+    EXPECT_EQ(2, view->countTags());
+    EXPECT_EQ(1, view->tag_matching_records(1)) << "and other tags go, whatever is asked";
+    EXPECT_EQ(1, view->countTags());
+}
+
+TEST(View, TakesTagsFromTheFieldOrTheDatabase) {
+    const auto database = fiveRows();
+    database->set_tag(3, 9);
+    const KSTView view(new KSTViewRep(database.get()));
+    view->setupViewTagsFromKestaTagField();
+    EXPECT_EQ((std::vector<bool>{false, true, false, false, true}),
+              (std::vector<bool>{view->tag(0), view->tag(1), view->tag(2), view->tag(3), view->tag(4)}));
+    view->displayAllRecordsWithBaseTagStatus();
+    EXPECT_EQ(1, view->countTags());
+    EXPECT_TRUE(view->tag(3));
+
+    view->set_show_tags_only(0);
+    EXPECT_EQ(0, view->get_show_tags_only());
+    EXPECT_EQ((Fields{"d"}), columnOf(*view, 0));
+    EXPECT_EQ(0u, view->delete_tagged_records());
+    EXPECT_EQ(0u, view->get_num_records());
+    EXPECT_EQ(5u, database->get_num_records());
+}
+
+TEST(View, TagsTheFirstOfEachValue) {
+    const auto database = fiveRows();
+    const KSTView view = viewOfAll(*database);
+    EXPECT_EQ(3, view->tag_all_different(1));
+    EXPECT_EQ((Fields{"a", "b", "c", "d", "e"}), columnOf(*view, 0)) << "the view itself is not sorted";
+    EXPECT_FALSE(view->tag(2));
+    EXPECT_FALSE(view->tag(3));
+    EXPECT_EQ(1u, view->useCount());
+
+    KSTViewRep unheld(database.get());
+    unheld.displayAllRecords();
+    EXPECT_EQ(2, unheld.tagDuplicates(1)) << "a view that nobody holds survives it";
+    EXPECT_EQ(0u, unheld.useCount());
+}
+
+TEST(View, AnnouncesEachLossThenASummaryThenTheChange) {
+    const auto database = fiveRows();
+    const KSTView view(new KSTViewRep(database.get()));
+    view->displayRecordsAt(0, 1, 0);
+    view->displayRecordsAt(2, 2, 1);
+    CapturedNotifications deleted(*view);
+    CapturedNotifications changed(*view, "recordsChanged");
+    database->delete_records(1, 2);
+    EXPECT_EQ((Fields{"a", "d"}), columnOf(*view, 0));
+    EXPECT_EQ((Fields{"1 ", "1 "}), deleted.texts());
+    EXPECT_EQ((Fields{""}), changed.texts());
+    EXPECT_FALSE(deleted.anyWithObject());
+
+    deleted.clear();
+    view->remove(1, 0);
+    EXPECT_EQ((Fields{""}), deleted.texts()) << "no row at all is announced as well";
+    view->remove(0, INT_MAX);
+    EXPECT_EQ((Fields{"", "0 1 "}), deleted.texts());
+
+    deleted.clear();
+    view->displayAllRecords();
+    EXPECT_EQ(0, view->recordsDeletedNotify(NotifyMsg("junk -1 99999999999999999999 ", Zr::Ptr<iObject>())));
+    EXPECT_EQ((Fields{"b", "c"}).size(), view->get_num_records()) << "junk reads as row 0";
+}
+
+TEST(View, NumbersOutOfRangeDoNothing) {
+    const auto database = fiveRows();
+    const KSTView view = viewOfAll(*database);
+    for (const int row : {INT_MIN, -1, 5, INT_MAX}) {
+        for (const int count : {INT_MIN, -1, 0, 1, INT_MAX}) {
+            view->remove(row, count);
+            view->deleteRecords(row, count);
+            view->removeRecordsFromBaseView(row, count);
+            view->delete_records(static_cast<unsigned>(row), static_cast<unsigned>(count));
+            if (count <= 0) {
+                view->remove(0, std::min(count, -1));
+                view->deleteRecords(0, count);
+                view->insertBlankRecords(row, count);
+                EXPECT_EQ(0, view->displayRecordsAt(0, count, row));
+            }
+            EXPECT_EQ(0, view->displayRecordsAt(row < 0 ? INT_MIN : 5, count, row));
+        }
+    }
+    EXPECT_EQ(0, view->removeSome(nullptr));
+    EXPECT_EQ(0, view->displayAllFromAt(nullptr, 0));
+    EXPECT_EQ(0, view->displayMatchAt(nullptr, nullptr, 0));
+    EXPECT_EQ(-1, view->find(nullptr));
+    view->set_sortfields(nullptr);
+    view->set_query(nullptr);
+    view->addParamsFrom(static_cast<kesta*>(nullptr));
+    EXPECT_EQ((Fields{"a", "b", "c", "d", "e"}), columnOf(*view, 0));
+
+    EXPECT_EQ(5, view->displayRecordsAt(0, INT_MAX, INT_MAX)) << "rows that the source has";
+    EXPECT_EQ(2, view->displayRecordsAt(-3, 5, INT_MIN));
+    EXPECT_EQ(0, view->tagDuplicatesOrdered(0));
+    EXPECT_EQ(11, view->tagDuplicatesOrdered(9)) << "fields that are not there are all equal";
+}
+
+// Rows that do not go, because the source refuses, are tried run by run like all others.
+TEST(View, LeavesItsRowsWhenTheSourceRefusesToDelete) {
+    const auto database = fiveRows();
+    for (unsigned row = 0; row < 4; ++row) database->set_tag(row, 1);
+    const KSTView view = viewOfAll(*database);
+    for (unsigned row = 0; row < 3; ++row) view->set_tag(row, 1);
+    database->set_show_tags_only(1);
+    EXPECT_EQ(3 + 2 + 1, view->deleteTagged());
+    view->deleteRecords(0, 5);
+    database->set_show_tags_only(0);
+    EXPECT_EQ((Fields{"a", "b", "c", "d", "e"}), columnOf(*view, 0));
+}
+
+TEST(View, RowsThatTheSourceHasNoMoreAreMissingRecords) {
+    const auto database = fiveRows();
+    const KSTView view = viewOfAll(*database);
+    database->free();
+    database->setFields(TestSupport::textColumns({"Name"}));
+    TestSupport::fill(*database, {{"z"}, {"y"}});
+    view->set_tag(4, 1);
+    view->sort(1, 0);
+    EXPECT_EQ((Fields{"y", "z", "", "", ""}), columnOf(*view, 0));
+    EXPECT_FALSE(view->get_record(4));
+    EXPECT_FALSE(view->set_field(4, 0, "x"));
+    EXPECT_EQ(2, KSTView(view->copy())->displayAllFromAt(view.rep(), 0) + 2);
+    EXPECT_EQ((Fields{"y", "z"}), columnOf(*view.copyWithNewBaseView(), 0));
+    EXPECT_EQ(1, view->deleteTagged());
+    EXPECT_EQ(5u, view->get_num_records());
+}
+
+TEST(View, DeletesWhatThereIsBehindARowThatTheSourceHasNoMore) {
+    const auto database = fiveRows();
+    const KSTView view(new KSTViewRep(database.get()));
+    for (const int row : {4, 0, 1, 3}) view->displayRecordsAt(row, 1, INT_MAX);
+    database->free();
+    database->setFields(TestSupport::textColumns({"Name"}));
+    TestSupport::fill(*database, {{"x"}, {"y"}, {"z"}});
+    for (unsigned row = 0; row < 3; ++row) view->set_tag(row, 1);
+    EXPECT_EQ(3 + 2, view->deleteTagged()) << "the run that could not go, then what was left of it";
+    EXPECT_EQ((Fields{"z"}), columnOf(*database, 0));
+    EXPECT_EQ(2u, view->get_num_records());
+}
+
+TEST(View, KeepsItsFieldSpecificationAsItWasGiven) {
+    const auto database = makeTextDatabase({"Name", "Scene", "Take"});
+    CapturedLog log;
+    KSTViewRep view(database.get(), "Name,,Tape\tScene,");
+    EXPECT_EQ("fieldSpec: Name,,Tape\tScene,\nfields: (Name Scene)\n", described(view));
+    EXPECT_EQ((Fields{"Warning: KSTView::fieldSpec, non-existant fieldname \"Tape\".\n"}), log.messages());
+    view.fieldSpec("Take");
+    EXPECT_EQ("fieldSpec: Take\nfields: (Scene Name Take)\n", described(view));
+    view.fieldSpec(nullptr);
+    EXPECT_EQ("fieldSpec: \nfields: (Scene Name Take)\n", described(view));
+    EXPECT_EQ(1, view.dbFieldIndex("Scene"));
+    EXPECT_EQ(-1, view.dbFieldIndex("scene"));
+    EXPECT_EQ(-1, view.dbFieldIndex(nullptr));
+
+    const char* names[] = {"Take", "Name", nullptr};
+    EXPECT_EQ("fieldSpec: Take,Name,\nfields: (Take Name)\n", described(KSTViewRep(database.get(), names)));
+    EXPECT_EQ("fieldSpec: Name,Scene,Take\nfields: (Name Scene Take)\n",
+              described(KSTViewRep(database.get(), static_cast<const char**>(nullptr))));
+    kesta bare;
+    EXPECT_EQ("fieldSpec: \n", described(KSTViewRep(&bare)));
+
+    const KSTView sub(KSTViewRep(database.get(), names).newTagSubview());
+    EXPECT_EQ("fieldSpec: Take,Name,\nfields: (Take Name)\n", described(*sub));
+}
+
+TEST(View, CopiesRowsOnceAndTagsByPlace) {
+    const auto database = fiveRows();
+    const KSTView view(new KSTViewRep(database.get(), "Scene"));
+    view->displayRecordsAt(1, 2, 0);
+    view->displayRecordsAt(1, 3, 0);
+    view->set_tag(2, 1);
+    view->add_param("Own", "y");
+    const KSTView copied = view.copy();
+    EXPECT_EQ((Fields{"b", "c", "d"}), columnOf(*copied, 0));
+    EXPECT_TRUE(copied->tag(2));
+    EXPECT_EQ("fieldSpec: Scene\nfields: (Scene)\n", described(*copied));
+    EXPECT_STREQ("", copied->get_param_val("Own"));
+
+    const KSTView chained = chainedOn(view, *database);
+    chained->displayRecordsAt(4, 1, 0);
+    chained->set_tag(0, 1);
+    const KSTView sibling = chained.copy();
+    EXPECT_EQ(view->get_num_records(), sibling->get_num_records()) << "all rows of the base view";
+    EXPECT_TRUE(sibling->tag(0));
+
+    const KSTView apart = view.copyWithNewBaseView();
+    EXPECT_EQ((Fields{"b", "c", "d", "b", "c"}), columnOf(*apart, 0));
+    EXPECT_NE(database.get(), apart->db());
+    EXPECT_STREQ("y", apart->get_param_val("Own"));
+    apart->set_field(0, 0, "new");
+    database->delete_records(0, 5);
+    EXPECT_EQ((Fields{"new", "c", "d", "new", "c"}), columnOf(*apart, 0));
+    EXPECT_EQ("fieldSpec: Name,Scene,Tag\nfields: (Name Scene Tag)\n", described(*apart));
+}
+
+TEST(ViewCursor, StepsOverRowsAndComesBack) {
+    const auto database = fiveRows();
+    const KSTView view(new KSTViewRep(database.get()));
+    view->displayRecordsAt(0, 3, 0);
+    KSTViewCursor cursor(view);
+    const auto indexAfter = [](KSTViewCursor& moved) { return moved.index(); };
+    EXPECT_EQ(nullptr, *cursor);
+    EXPECT_EQ(2, indexAfter(--cursor));
+    EXPECT_EQ(-1, indexAfter(++cursor));
+    EXPECT_EQ(0, indexAfter(++cursor));
+    EXPECT_EQ((*view)[0], *cursor);
+    EXPECT_EQ(-1, indexAfter(--cursor));
+    cursor.set_index(3);
+    EXPECT_EQ(-1, cursor.index());
+    EXPECT_EQ(1, cursor.find((*view)[1]));
+    cursor.remove();
+    EXPECT_EQ(1, cursor.index());
+    EXPECT_EQ((*view)[1], *cursor);
+    cursor.remove();
+    EXPECT_EQ(-1, cursor.index());
+    cursor.remove();
+    EXPECT_EQ(1u, view->get_num_records());
+    EXPECT_EQ(-1, cursor.find(nullptr));
+
+    KSTViewCursor stale(view, 0);
+    view->remove(0, 1);
+    EXPECT_EQ(nullptr, *stale);
+    EXPECT_EQ(-1, indexAfter(--stale));
+    KSTViewCursor empty((KSTView()));
+    empty.remove();
+    EXPECT_EQ(-1, indexAfter(++empty));
+}
+
+TEST(ViewCursor, StepsOverTaggedRowsOnly) {
+    const auto database = fiveRows();
+    const KSTView view = viewOfAll(*database);
+    KSTViewCursor cursor(view, -1, true);
+    ++cursor;
+    EXPECT_EQ(-1, cursor.index());
+    view->set_tag(1, 1);
+    view->set_tag(3, 1);
+    ++cursor;
+    EXPECT_EQ(1, cursor.index());
+    ++cursor;
+    EXPECT_EQ(3, cursor.index());
+    ++cursor;
+    EXPECT_EQ(-1, cursor.index());
+    --cursor;
+    EXPECT_EQ(3, cursor.index());
+    cursor.set_index(2);
+    EXPECT_EQ(2, cursor.index()) << "set by hand it stands where it is put";
+    --cursor;
+    EXPECT_EQ(1, cursor.index());
+}
+
+}  // namespace

@@ -1,0 +1,96 @@
+// kesta columns: which columns a log shows, and in which order.
+#include <algorithm>
+
+#include "tools/ColumnMap.h"
+#include "tools/Commands.h"
+#include "tools/DisplayText.h"
+#include "tools/Failure.h"
+#include "tools/LogFile.h"
+#include "tools/Output.h"
+
+namespace {
+
+/// The columns that an option names, each once.
+std::vector<unsigned> distinctColumns(const kesta& log, const std::vector<std::string>& lists) {
+    const std::vector<unsigned> columns = columnsNamed(log, lists);
+    for (auto column = columns.begin(); column != columns.end(); ++column) {
+        if (std::find(columns.begin(), column, *column) == column) continue;
+        throw Failure(std::string("column \"") + log.get_fieldname(*column) + "\" is named twice", exitUsage);
+    }
+    return columns;
+}
+
+void requireApart(const kesta& log, const std::vector<unsigned>& show, const std::vector<unsigned>& hide) {
+    for (const unsigned column : show) {
+        if (std::find(hide.begin(), hide.end(), column) == hide.end()) continue;
+        throw Failure(
+            std::string("column \"") + log.get_fieldname(column) + "\" cannot be shown and hidden at once",
+            exitUsage);
+    }
+}
+
+void setVisible(FieldMap& map, const kesta& log, const std::vector<unsigned>& columns, bool visible) {
+    for (const unsigned column : columns) {
+        const char* const name = log.get_fieldname(column);
+        map.append(name, visible);
+        map.setVisible(map.getFieldIdx(name), visible);
+    }
+}
+
+void putFirst(FieldMap& map, const kesta& log, const std::vector<unsigned>& columns) {
+    int place = 0;
+    for (const unsigned column : columns) {
+        const char* const name = log.get_fieldname(column);
+        map.append(name, true);
+        for (int i = map.getFieldIdx(name); i > place; --i) map.swap(i, i - 1);
+        ++place;
+    }
+}
+
+void change(kesta& log, const ColumnsOptions& options) {
+    const std::vector<unsigned> show = distinctColumns(log, options.show);
+    const std::vector<unsigned> hide = distinctColumns(log, options.hide);
+    const std::vector<unsigned> order = distinctColumns(log, options.order);
+    requireApart(log, show, hide);
+
+    if (options.reset) forgetColumnMap(log);
+    if (show.empty() && hide.empty() && order.empty()) return;
+    FieldMap map = columnMapOf(log);
+    setVisible(map, log, show, true);
+    setVisible(map, log, hide, false);
+    putFirst(map, log, order);
+    storeColumnMap(log, std::move(map));
+}
+
+void list(kesta& log) {
+    const auto output = standardOutput();
+    std::vector<ListedColumn> columns = listedColumns(log);
+    const std::size_t numberWidth = std::to_string(log.get_num_fields()).size();
+    std::vector<bool> listed(log.get_num_fields());
+    const auto print = [&](unsigned column, const char* state) {
+        std::string number = std::to_string(column + 1);
+        number.insert(0, numberWidth - number.size(), ' ');
+        output->line(number + "  " + state + "  " + harmless(log.get_fieldname(column)));
+        listed[column] = true;
+    };
+    for (const ListedColumn& column : columns) print(column.column, column.visible ? "shown   " : "hidden  ");
+    for (unsigned column = 0; column < listed.size(); ++column) {
+        if (!listed[column]) print(column, "unlisted");
+    }
+    output->finish();
+}
+
+}  // namespace
+
+int Commands::columns(const ColumnsOptions& options) {
+    const bool changes =
+        options.reset || !options.show.empty() || !options.hide.empty() || !options.order.empty();
+    if (!changes) {
+        list(*openLog(options.log));
+        return exitDone;
+    }
+    const Zr::Ptr<kesta> log = openLogForEditing(options.log, options.force);
+    change(*log, options);
+    saveLog(*log, options.log);
+    return exitDone;
+}

@@ -1,0 +1,55 @@
+// kesta items: what a container file holds.
+#include "container/ZRContainerFile.h"
+#include "support/StringFunctions.h"
+#include "tools/Commands.h"
+#include "tools/DisplayText.h"
+#include "tools/Failure.h"
+#include "tools/LogFile.h"
+#include "tools/TablePrinter.h"
+#include "tools/Writers.h"
+
+namespace {
+
+struct Container {
+    std::string name;
+    bool permanent;
+    std::string kind;
+};
+
+Container describe(const std::string& path) {
+    const LightweightString<wchar_t> fileName = Zr::WStringFromAscii(path.c_str());
+    const ZRContainerFile::Reader reader(fileName, true);
+    if (!reader.valid()) throw Failure(path + ": is a log, but no container: it has no column \"Cookie\"");
+    const Cookie identifier = ZRContainerFile::getCookieFromFilename(fileName);
+    return {std::string(reader.getName().view()), reader.isPermanent(),
+            identifier.isNull() ? std::string() : std::string(1, identifier.type())};
+}
+
+void printHead(const Container& container, const kesta& items, LineSink& out) {
+    out.line("name:      " + harmless(container.name));
+    out.line(std::string("permanent: ") + (container.permanent ? "yes" : "no"));
+    out.line("kind:      " + container.kind);
+    out.line("items:     " + std::to_string(items.get_num_records()));
+}
+
+}  // namespace
+
+int Commands::showItems(const ItemsOptions& options) {
+    const Zr::Ptr<kesta> items = openLog(options.container);
+    const Container container = describe(options.container);
+    const Selection everything = everythingOf(*items);
+    const auto output = standardOutput(options.format == "csv" ? LineEnd::crlf : LineEnd::lf);
+    if (options.format == "csv") {
+        writeCsv(*items, everything, *output);
+    } else if (options.format == "json") {
+        writeJson(*items, everything, *output,
+                  {{"name", jsonText(container.name)},
+                   {"permanent", container.permanent ? "true" : "false"},
+                   {"kind", jsonText(container.kind)}});
+    } else {
+        printHead(container, *items, *output);
+        printTable(*items, everything, standardOutputTerminal(), *output);
+    }
+    output->finish();
+    return exitDone;
+}
