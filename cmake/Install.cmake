@@ -14,7 +14,7 @@ set(public_headers
     container/ZRContainerFile.h)
 foreach(header IN LISTS public_headers)
     get_filename_component(folder ${header} DIRECTORY)
-    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kesta/${folder} OPTIONAL)
+    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kesta/${folder})
 endforeach()
 
 file(RELATIVE_PATH libraries_from_programs ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
