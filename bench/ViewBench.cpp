@@ -1,7 +1,8 @@
-// Views: deleting scattered rows under two chained views, showing all rows of another view, building a view,
-// tagging duplicates, a subview of tagged rows, and sorting a view beside sorting its database.
+// Views: rows that go under two chained views, showing all rows of another view, building a view, tagging
+// duplicates, a subview of tagged rows, and sorting a view beside sorting its database.
 //
-// The deletions are those of a sorted view: every tenth row of it, each a run of its own in the database.
+// Scattered rows are every tenth row of a sorted view, each a run of its own in the database; a block is half
+// of the database in one deletion.
 #include <benchmark/benchmark.h>
 
 #include "bench/GeneratedLog.h"
@@ -66,6 +67,15 @@ void deleteInDatabase(benchmark::State& state) {
     deleteUnderTwoViews(state, [](kesta& log, const KSTView&) { log.delete_tagged_records(); });
 }
 
+void deleteBlock(benchmark::State& state) {
+    deleteUnderTwoViews(state,
+                        [](kesta& log, const KSTView&) { log.delete_records(0, log.get_num_records() / 2); });
+}
+
+void removeFromViews(benchmark::State& state) {
+    deleteUnderTwoViews(state, [](kesta&, const KSTView& top) { top->removeTagged(); });
+}
+
 void buildView(benchmark::State& state) {
     const Zr::Ptr<kesta> log = newLog(state);
     for (auto _ : state) benchmark::DoNotOptimize(viewOn(*log).rep());
@@ -125,6 +135,8 @@ void growing(benchmark::internal::Benchmark* bench) {
 
 BENCHMARK(deleteThroughTopView)->Apply(many);
 BENCHMARK(deleteInDatabase)->Apply(many);
+BENCHMARK(deleteBlock)->Apply(many);
+BENCHMARK(removeFromViews)->Apply(many);
 BENCHMARK(buildView)->Apply(growing);
 BENCHMARK(displayAllFrom)->Apply(growing);
 BENCHMARK(tagDuplicates)->Apply(growing);

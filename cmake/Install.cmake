@@ -7,14 +7,14 @@ file(GLOB support_headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PRO
 set(public_headers
     ${support_headers}
     expr/SExpr.h
-    record/CookieIndex.h record/DBFieldTypes.h record/GapVector.h record/KSTBase.h record/LifeWatch.h
+    record/CookieIndex.h record/DBFieldTypes.h record/GapVector.h record/KSTBase.h record/LifeWatch.h record/OnDemand.h
     record/dbrecord.h record/iKST.h record/kesta.h
     view/KSTView.h view/KSTViewCursor.h view/KSTViewRep.h view/RowIndex.h
     fieldmap/FieldMap.h
     container/ZRContainerFile.h)
 foreach(header IN LISTS public_headers)
     get_filename_component(folder ${header} DIRECTORY)
-    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kesta/${folder} OPTIONAL)
+    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kesta/${folder})
 endforeach()
 
 file(RELATIVE_PATH libraries_from_programs ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})

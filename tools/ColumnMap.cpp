@@ -71,10 +71,11 @@ std::vector<unsigned> shownColumns(kesta& log) {
     return shown;
 }
 
-void storeColumnMap(kesta& log, FieldMap map) {
-    map.remove("");  // stands for columns that the log does not have
-    for (int i = 0; i < map.size(); ++i) requireRoom(log, log.get_fieldnum(map[i]), map.isVisible(i));
-    log.set_param_val(columnMapKey, map.asString().c_str());
+void storeColumnMap(kesta& log, const FieldMap& map) {
+    FieldMap kept(map);
+    kept.remove("");  // stands for columns that the log does not have
+    for (int i = 0; i < kept.size(); ++i) requireRoom(log, log.get_fieldnum(kept[i]), kept.isVisible(i));
+    log.set_param_val(columnMapKey, kept.asString().c_str());
     warnOfUnnameable(log);
 }
 

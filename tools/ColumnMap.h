@@ -28,7 +28,7 @@ FieldMap columnMapOf(kesta& log);
 
 /// Puts the map into the log's parameter. Throws Failure, with the log as it was, when the parameter cannot
 /// hold it. Warns of columns that no map can name.
-void storeColumnMap(kesta& log, FieldMap map);
+void storeColumnMap(kesta& log, const FieldMap& map);
 
 /// Takes the map away.
 void forgetColumnMap(kesta& log);

@@ -101,7 +101,7 @@ class NameSet {
         if (add(name)) return name;
         unsigned& last = m_lastNumbers[folded(name)];
         while (true) {
-            const std::string numbered = name + ' ' + std::to_string(++last);
+            std::string numbered = name + ' ' + std::to_string(++last);
             if (add(numbered)) return numbered;
         }
     }

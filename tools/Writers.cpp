@@ -88,7 +88,11 @@ class JsonWriter {
 
     void write(const JsonProperties& properties) {
         m_out.line("{");
-        for (const auto& [name, value] : properties) m_out.line("  \"" + name + "\": " + value + ',');
+        for (const auto& [name, value] : properties) {
+            std::string line = "  \"";
+            line.append(name).append("\": ").append(value) += ',';
+            m_out.line(line);
+        }
         writeParameters();
         writeColumns();
         writeRecords();

@@ -169,7 +169,7 @@ void RowIndex::restart() noexcept {
 
 void RowIndex::append(unsigned row) {
     edit();
-    sizeFor(1, m_size);
+    sizeForMore(1);
     m_rows[index(m_size)] = row;
     ++m_size;
 }
@@ -218,7 +218,7 @@ void RowIndex::addToRows(int from, unsigned number) noexcept {
 void RowIndex::erase(int first, int count) noexcept {
     ++m_changes;
     if (count == m_size) return clear();
-    if (!m_shrinking && isWorthShrinking()) noteRemovals();
+    if (!m_shrinking && isWorthNoting()) noteRemovals();
     if (m_shrinking) return eraseNoted(first, count);
 
     std::copy(place(m_rows, first + count), place(m_rows, m_size), place(m_rows, first));
@@ -265,7 +265,7 @@ int nextCapacity(int capacity, int wanted) noexcept {
         const long long doubled = std::min(2LL * capacity, 1LL * std::numeric_limits<int>::max());
         return std::max(static_cast<int>(doubled), target);
     }
-    return capacity / 2 >= target && capacity > 2LL * target ? capacity / 2 : capacity;
+    return capacity > 2LL * target ? capacity / 2 : capacity;
 }
 
 // How many slots survive the change to another capacity; the others come out empty.
@@ -281,9 +281,9 @@ void RowIndex::sizeFor(int wanted) {
     if (capacity != m_capacity) reallocate(capacity, slotsKept(capacity, m_size, wanted));
 }
 
-void RowIndex::sizeFor(std::size_t more, int from) {
-    if (more > index(std::numeric_limits<int>::max() - from)) throw Zr::Exception::BadAlloc();
-    sizeFor(from + static_cast<int>(more));
+void RowIndex::sizeForMore(std::size_t count) {
+    if (count > index(std::numeric_limits<int>::max() - m_size)) throw Zr::Exception::BadAlloc();
+    sizeFor(m_size + static_cast<int>(count));
 }
 
 void RowIndex::reallocate(int capacity, int kept) {
@@ -300,7 +300,7 @@ void RowIndex::reallocate(int capacity, int kept) {
 int RowIndex::makeRoom(int at, std::size_t count) {
     edit();
     const int begin = std::clamp(at, 0, m_size);
-    sizeFor(count, m_size);
+    sizeForMore(count);
     const int newSize = m_size + static_cast<int>(count);
     std::copy_backward(place(m_rows, begin), place(m_rows, m_size), place(m_rows, newSize));
     std::copy_backward(place(m_tags, begin), place(m_tags, m_size), place(m_tags, newSize));
@@ -310,7 +310,7 @@ int RowIndex::makeRoom(int at, std::size_t count) {
 
 // --- Notes of what has gone ---
 
-bool RowIndex::isWorthShrinking() noexcept {
+bool RowIndex::isWorthNoting() noexcept {
     return m_arrayWalks == 0 && m_size >= manyEntries && ++m_removals > manyRemovals;
 }
 
@@ -364,7 +364,7 @@ void RowIndex::beginLoss() noexcept {
     ++m_changes;
     // A walk that another one interrupts, and notes mostly of what has gone, are not worth going on with.
     if (m_shrinking && (m_shrinking->isWalking() || index(m_size) < m_shrinking->slots() / 4)) flatten();
-    if (!m_shrinking && isWorthShrinking()) noteRemovals();
+    if (!m_shrinking && isWorthNoting()) noteRemovals();
 }
 
 int RowIndex::findInArray(int from, unsigned deleted) noexcept {

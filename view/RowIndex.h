@@ -15,6 +15,7 @@
 // need room throw Zr::Exception::BadAlloc and leave the index as it was.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -74,10 +75,10 @@ class KESTA_API RowIndex {
     void edit() noexcept;
     void flatten() noexcept;
     void sizeFor(int wanted);
-    void sizeFor(std::size_t more, int from);
+    void sizeForMore(std::size_t count);
     void reallocate(int capacity, int kept);
     int makeRoom(int at, std::size_t count);
-    bool isWorthShrinking() noexcept;
+    bool isWorthNoting() noexcept;
     void noteRemovals() noexcept;
     void eraseNoted(int first, int count) noexcept;
     void beginLoss() noexcept;

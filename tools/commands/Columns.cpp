@@ -12,7 +12,7 @@ namespace {
 
 /// The columns that an option names, each once.
 std::vector<unsigned> distinctColumns(const kesta& log, const std::vector<std::string>& lists) {
-    const std::vector<unsigned> columns = columnsNamed(log, lists);
+    std::vector<unsigned> columns = columnsNamed(log, lists);
     for (auto column = columns.begin(); column != columns.end(); ++column) {
         if (std::find(columns.begin(), column, *column) == column) continue;
         throw Failure(std::string("column \"") + log.get_fieldname(*column) + "\" is named twice", exitUsage);
@@ -59,12 +59,11 @@ void change(kesta& log, const ColumnsOptions& options) {
     setVisible(map, log, show, true);
     setVisible(map, log, hide, false);
     putFirst(map, log, order);
-    storeColumnMap(log, std::move(map));
+    storeColumnMap(log, map);
 }
 
 void list(kesta& log) {
     const auto output = standardOutput();
-    std::vector<ListedColumn> columns = listedColumns(log);
     const std::size_t numberWidth = std::to_string(log.get_num_fields()).size();
     std::vector<bool> listed(log.get_num_fields());
     const auto print = [&](unsigned column, const char* state) {
@@ -73,7 +72,8 @@ void list(kesta& log) {
         output->line(number + "  " + state + "  " + harmless(log.get_fieldname(column)));
         listed[column] = true;
     };
-    for (const ListedColumn& column : columns) print(column.column, column.visible ? "shown   " : "hidden  ");
+    for (const ListedColumn& column : listedColumns(log))
+        print(column.column, column.visible ? "shown   " : "hidden  ");
     for (unsigned column = 0; column < listed.size(); ++column) {
         if (!listed[column]) print(column, "unlisted");
     }

@@ -72,7 +72,8 @@ int Commands::packItems(const PackOptions& options) {
     const CookieSet identifiers = parseIdentifiers(options.identifiers);
     save(options, identifiers);
     const auto output = standardOutput();
-    output->line(options.container + ": " + std::to_string(identifiers.size()) + " items");
+    output->line(options.container + ": " + std::to_string(identifiers.size()) +
+                 (identifiers.size() == 1 ? " item" : " items"));
     output->finish();
     return exitDone;
 }
