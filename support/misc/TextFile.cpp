@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr std::size_t standardBlock = std::size_t(1) << 20;
+constexpr std::size_t standardBlock = std::size_t(1) << 16;
 constexpr std::size_t firstBlock = std::size_t(1) << 14;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
