@@ -22,17 +22,16 @@ class ShowTest : public ProgramTest {
         const int held = open(terminal.c_str(), O_RDWR | O_NOCTTY);
         ioctl(held, TIOCSWINSZ, &size);
         run(arguments, terminal);
+        // What the terminal gets behind everything else, so that reading stops in time.
+        const std::string end = "<end>";
+        if (write(held, end.data(), end.size()) < 0) throw std::runtime_error("cannot write to the terminal");
         std::string shown;
-        // Everything has been written; the terminal would block once it has been read.
-        int waiting = 0;
-        while (ioctl(controller, FIONREAD, &waiting) == 0 && waiting > 0) {
-            char buffer[4096];
-            const ssize_t count = read(controller, buffer, sizeof buffer);
-            if (count <= 0) break;
-            for (ssize_t i = 0; i < count; ++i) {
-                if (buffer[i] != '\r') shown += buffer[i];
-            }
+        while (shown.size() < end.size() || shown.compare(shown.size() - end.size(), end.size(), end) != 0) {
+            char byte = 0;
+            if (read(controller, &byte, 1) != 1) break;
+            if (byte != '\r') shown += byte;
         }
+        shown.erase(shown.size() - end.size());
         close(held);
         close(controller);
         return shown;
