@@ -286,7 +286,7 @@ class Inspector {
     void inspectColumn(unsigned first, unsigned short i, const LightweightString<char>& type) {
         if (kesta::fieldTypeFromString(type) == DBFieldTypes::eNone) {
             report(first + 1, i + 1u,
-                   "the type " + quoted(type.view()) + " is unknown; \"text\" is always right", true);
+                   "the type " + quoted(type.view()) + " is unknown and read as \"text\"; write that", true);
         }
         if (!keepsColumnName(m_names[i])) {
             report(first + 2, i + 1u,
@@ -313,7 +313,7 @@ class Inspector {
             reportWrongNumber(line);
             return false;
         }
-        if (!m_names.empty() && readsAsHeader(m_record.getField(0).view())) {
+        if (m_names.size() == 1 && readsAsHeader(m_record.getField(0).view())) {
             report(
                 line, 1,
                 "the value is read as the beginning of a header: this line and the next two are dropped, the "
@@ -387,12 +387,12 @@ class Inspector {
     }
 
     void reportWrongNumber(unsigned line) {
-        const unsigned fields = m_record.get_num_fields();
+        const std::size_t fields = m_record.fields().size();
         const std::size_t rest = linesFrom(line + 1);
         std::string text = counted(fields, "field") + " where the log has " +
                            counted(m_names.size(), "column") + "; reading stops here";
         if (rest > 0) text += " and " + counted(rest, "line") + " behind it not read";
-        report(line, static_cast<unsigned>(std::min<std::size_t>(fields, m_names.size()) + 1),
+        report(line, static_cast<unsigned>(std::min(fields, m_names.size()) + 1),
                text + ": give the line one field for each column", true);
     }
 
