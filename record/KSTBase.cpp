@@ -4,24 +4,21 @@
 
 iKST::~iKST() = default;
 
-KSTBase::KSTBase() : m_params(new Params) {}
+KSTBase::KSTBase() : m_params(new ParamList) {}
 
 KSTBase::~KSTBase() = default;
 
 int KSTBase::findParamIndex(const LightweightString<char>& key) const noexcept {
-    for (std::size_t i = 0; i < m_params->size(); ++i) {
-        if ((*m_params)[i].name().icompare(key.c_str()) == 0) return static_cast<int>(i);
-    }
-    return -1;
+    return m_params->find(key);
 }
 
 int KSTBase::add_param(const LightweightString<char>& key, const LightweightString<char>& value) {
     if (key.empty()) return -1;
     const int index = findParamIndex(key);
     if (index < 0) {
-        m_params->emplace_back(key, value, '=');
+        m_params->append(key, value);
     } else {
-        (*m_params)[static_cast<std::size_t>(index)].setValue(value);
+        m_params->setValue(index, value);
     }
     return 0;
 }
@@ -32,16 +29,16 @@ void KSTBase::set_param_val(const char* key, const char* value) {
 
 const char* KSTBase::get_param_val(const char* key) const {
     const int index = findParamIndex(LightweightString<char>(key));
-    return index < 0 ? "" : (*m_params)[static_cast<std::size_t>(index)].value().c_str();
+    return index < 0 ? "" : params()[static_cast<std::size_t>(index)].value().c_str();
 }
 
 LightweightString<char> KSTBase::getParamVal(const char* key) const {
     const int index = findParamIndex(LightweightString<char>(key));
-    return index < 0 ? LightweightString<char>() : (*m_params)[static_cast<std::size_t>(index)].value();
+    return index < 0 ? LightweightString<char>() : params()[static_cast<std::size_t>(index)].value();
 }
 
 void KSTBase::writeParams(TextFile& file) const {
-    for (const Zr::AttribValuePair& pair : *m_params) {
+    for (const Zr::AttribValuePair& pair : params()) {
         LightweightString<char> line("\"");
         line += pair.name();
         line += ':';

@@ -1,18 +1,16 @@
 // KSTBase: a record source with named parameters.
 #pragma once
 
-#include <vector>
-
 #include "record/LifeWatch.h"
+#include "record/ParamList.h"
 #include "record/iKST.h"
-#include "support/AttribValuePair.h"
 
 /// Parameters are an ordered list of key/value pairs. Keys compare ignoring case. Copies of a database share
 /// the list: a parameter changed through one is seen by the other.
 class KESTA_API KSTBase : public iKST {
  public:
-    using Params = std::vector<Zr::AttribValuePair>;
-    using ParamsPtr = Zr::Ptr<Params, Zr::DtorTraits, Zr::ExternalRefCountTraits>;
+    using Params = ParamList::Pairs;
+    using ParamsPtr = Zr::Ptr<ParamList, Zr::DtorTraits, Zr::ExternalRefCountTraits>;
 
     ~KSTBase() override;
 
@@ -33,7 +31,7 @@ class KESTA_API KSTBase : public iKST {
     LightweightString<char> getParamVal(const char* key) const;
 
     /// All pairs, in order.
-    const Params& params() const noexcept { return *m_params; }
+    const Params& params() const noexcept { return m_params->pairs(); }
 
     /// Tells those who point at this object without owning it when it is gone.
     LifeWatch watch() const noexcept { return LifeWatch(m_life); }

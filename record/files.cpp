@@ -140,7 +140,7 @@ void kesta::read_params(TextFile& file, dbrecord* line) {
     if (Ascii::compareFolded(line->getField(0).c_str(), revisionPrefix, revisionPrefixLength) != 0) return;
 
     appendParam(line->getField(0));
-    m_revision = revisionOf(m_params->front().value());
+    m_revision = revisionOf(params().front().value());
     if (m_revision != currentRevision) {
         dorp_printf("kesta::read_text:  Warning: kesta is revision %d, current level is %d\n", m_revision,
                     currentRevision);
@@ -156,8 +156,8 @@ void kesta::appendParam(const LightweightString<char>& line) {
     const std::string_view text = withoutLeadingSpace(line.view());
     const std::size_t colon = text.find(':');
     if (colon == std::string_view::npos || colon == 0) return;
-    m_params->emplace_back(LightweightString<char>(text.substr(0, colon)),
-                           LightweightString<char>(withoutLeadingSpace(text.substr(colon + 1))), '=');
+    m_params->append(LightweightString<char>(text.substr(0, colon)),
+                     LightweightString<char>(withoutLeadingSpace(text.substr(colon + 1))));
 }
 
 void kesta::readColumns(TextFile& file) {

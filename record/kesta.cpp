@@ -85,7 +85,7 @@ int kesta::add_param(const LightweightString<char>& key, const LightweightString
     if (m_params->empty()) {
         LightweightString<char> revision("Rev ");
         revision += currentRevision;
-        m_params->emplace_back("KESTA", revision, '=');
+        m_params->append("KESTA", revision);
     }
     return KSTBase::add_param(key, value);
 }

@@ -347,10 +347,6 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     Zr::Ptr<dbrecord> listedRecord(unsigned row) const;
     void appendRecord(Zr::Ptr<dbrecord> record);
 
-    // A share for the time of a deletion, in which a listener may let go of the last Ptr to this database.
-    // Empty when the database is not held by Ptrs.
-    Zr::Ptr<iObject> ownShare();
-
     void prefetchForMatch(std::size_t row) const noexcept;
     void fileIdentifiers(CookieIndex& rows) const;
     void loadLog(TextFile& file, int maxRecords, bool strict);

@@ -15,10 +15,6 @@ Zr::Ptr<dbrecord> kesta::listedRecord(unsigned row) const {
     return row < m_records.size() ? m_records[row] : Zr::Ptr<dbrecord>();
 }
 
-Zr::Ptr<iObject> kesta::ownShare() {
-    return Zr::Ptr<iObject>(refCount() > 0 ? this : nullptr);
-}
-
 void kesta::appendRecord(Zr::Ptr<dbrecord> record) {
     m_records.push_back(std::move(record));
 }
@@ -63,7 +59,12 @@ unsigned kesta::add_records(int count) {
     if (m_showTagsOnly) return notFound;
     const auto before = static_cast<unsigned>(m_records.size());
     m_identifiers.clear();
-    for (int i = 0; i < count; ++i) appendRecord(newRecord());
+    try {
+        for (int i = 0; i < count; ++i) appendRecord(newRecord());
+    } catch (...) {
+        m_records.erase(before, m_records.size() - before);
+        throw;
+    }
     return before;
 }
 
@@ -73,16 +74,16 @@ void kesta::delete_records(unsigned first, unsigned count) {
     if (count == 0) return;
     count = std::min(count, static_cast<unsigned>(m_records.size()) - first);
 
-    const Zr::Ptr<iObject> alive = ownShare();
     const RecordsDeleted announcement(*this, first, count);
     m_records.erase(first, count);
+    const LifeWatch self = watch();  // a listener may end this database
     try {
         announcement.issue();  // listeners see the shortened list, not yet the changed flag
     } catch (...) {
-        m_changed = 1;
+        if (self) m_changed = 1;
         throw;
     }
-    m_changed = 1;
+    if (self) m_changed = 1;
 }
 
 bool kesta::setField(unsigned row, unsigned field, const LightweightString<char>& value) {

@@ -46,7 +46,10 @@ int kesta::get_num_tags() {
 
 unsigned kesta::delete_tagged_records() {
     if (m_showTagsOnly) return notFound;
-    const Zr::Ptr<iObject> alive = ownShare();
+    // A listener may let go of the last Ptr to this database, which then lives to the end of the walk; or end
+    // it, where no Ptr holds it.
+    const Zr::Ptr<iObject> alive(refCount() > 0 ? this : nullptr);
+    const LifeWatch self = watch();
     unsigned deleted = 0;
     unsigned first = 0;
     unsigned length = 0;
@@ -61,6 +64,7 @@ unsigned kesta::delete_tagged_records() {
             if (length++ == 0) first = row;
         } else if (length != 0) {
             deleteRun();
+            if (!self) return deleted;
             row = first;  // where the row just looked at has moved to
         }
     }

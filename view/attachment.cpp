@@ -112,7 +112,7 @@ LifeWatch KSTViewRep::sourceWatch() const noexcept {
 }
 
 void KSTViewRep::internRevision() {
-    if (findParamIndex("KESTA") < 0) m_params->emplace_back("KESTA", "Rev 1", '=');
+    if (findParamIndex("KESTA") < 0) m_params->append("KESTA", "Rev 1");
 }
 
 void KSTViewRep::addParamsFrom(kesta* other) {

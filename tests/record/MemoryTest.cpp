@@ -123,3 +123,18 @@ TEST_F(OutOfMemory, LeavesADatabaseThatCanGoOn) {
         if (finished) break;
     }
 }
+
+TEST_F(OutOfMemory, ALoadThatCannotBeFinishedLeavesNothingToBeTakenForTheLog) {
+    const SilentLog silent;
+    kesta database(textColumns({"held before"}));
+    database.set_filename(log);
+    const auto attempt = [&] { database.loadFromFile(100, true); };
+    const unsigned failures = failEachRequest(attempt, [&] {
+        EXPECT_EQ(database.get_valid(), 0);
+        EXPECT_EQ(database.get_num_fields(), 0U);
+        EXPECT_EQ(database.get_num_records(), 0U);
+        EXPECT_TRUE(database.params().empty());
+    });
+    EXPECT_GT(failures, 10U);
+    EXPECT_EQ(database.get_num_records(), 12U);
+}

@@ -106,6 +106,28 @@ TEST(DeletingRecords, RemovesTheRowsAndTellsTheirNumbers) {
     EXPECT_EQ(columnOf(*database, 0), (Fields{"1"}));
 }
 
+TEST(DeletingRecords, AListenerMayEndTheDatabase) {
+    const int type = NotifyMsgTypeDictionary::instance().intern("recordsDeleted");
+    for (const bool tagged : {false, true}) {
+        auto database = std::make_unique<kesta>(textColumns({"a"}));
+        database->add_records(9);
+        for (const unsigned row : {1U, 4U, 7U}) database->set_tag(row, 1);
+        const Zr::Ptr<dbrecord> kept = database->get_record(8);
+        const auto guard = database->registerNotification(type, [&](const NotifyMsg&) {
+            database.reset();
+            return 0;
+        });
+        if (tagged) {
+            EXPECT_EQ(database->delete_tagged_records(), 1U);
+        } else {
+            database->delete_records(0, 2);
+        }
+        EXPECT_FALSE(database);
+        EXPECT_EQ(kept->get_container(), nullptr);
+        EXPECT_TRUE(kept->set_field(0, "a record outlives its database", true));
+    }
+}
+
 TEST(DeletingRecords, NothingIsDoneOrToldForNoRows) {
     const Zr::Ptr<kesta> database = numbered(5);
     CapturedNotifications heard(*database);

@@ -267,3 +267,17 @@ TEST(Query, SurvivesRunningOutOfMemory) {
 }
 
 }  // namespace
+
+TEST(SpecialColumns, AreSoByTheirOwnNamesWhateverWasThereBefore) {
+    const Zr::Ptr<kesta> database = makeTextDatabase({"Start time", "End time", "Name"});
+    database->free();
+    for (const char* const name : {"Name", "Start time"}) database->addField({name, DBFieldTypes::eText});
+    fill(*database, {{"abc", "01:00:00:00"}});
+    setQuery(*database, {"zzz", ""});
+    EXPECT_EQ(matches(*database), (std::vector<int>{0})) << "a name is matched as text";
+    setQuery(*database, {"", "01:00"});
+    EXPECT_EQ(matches(*database), (std::vector<int>{1}));
+    database->set_fieldname(1, "Reel");
+    setQuery(*database, {"", "00:00:00"});
+    EXPECT_EQ(matches(*database), (std::vector<int>{1})) << "renamed, it is text like any other";
+}
