@@ -44,7 +44,6 @@ void makeReadable(kesta& log) {
     for (unsigned i = 0; i < log.get_num_fields(); ++i) {
         const std::string name = log.get_fieldname(i);
         if (!keepsColumnName(name)) log.set_fieldname(i, keepableColumnName(name).c_str());
-        if (log.get_fieldtype(i) == DBFieldTypes::eNone) log.set_fieldtype(i, DBFieldTypes::eText);
     }
     int unused = 0;
     for (unsigned row = 0; row < log.get_num_records(); ++row) {
@@ -181,7 +180,8 @@ std::string valueObjection(const kesta& log, unsigned column, const std::string&
     if (column == log.get_fieldnum("Tag")) {
         return readTag(value, tag) ? "" : "it is no tag: tags are numbers from 0 to 255";
     }
-    if (column == 0 && readsAsHeader(value)) return "it would be read as the beginning of a header";
+    if (log.get_num_fields() == 1 && readsAsHeader(value))
+        return "it would be read as the beginning of a header";
     return LineRoundTrip().keeps(value) ? "" : whyNotKept(value);
 }
 

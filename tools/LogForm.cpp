@@ -105,8 +105,8 @@ std::string keepableColumnName(std::string_view name) {
     return result;
 }
 
-bool readsAsHeader(std::string_view firstField) noexcept {
-    return sameName(firstField, "KESTA");
+bool readsAsHeader(std::string_view field) noexcept {
+    return sameName(field, "KESTA");
 }
 
 bool readTag(std::string_view text, int& tag) noexcept {

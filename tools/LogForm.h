@@ -55,8 +55,9 @@ bool keepsColumnName(std::string_view name);
 /// The nearest name that a log keeps; empty when nothing is left of it.
 std::string keepableColumnName(std::string_view name);
 
-/// A first field that reads as a header line inside the records: the loader then drops what follows it.
-bool readsAsHeader(std::string_view firstField) noexcept;
+/// Whether a line of this one field is a header's marker. Among the records of a one-column log it is one
+/// too: the loader then drops what follows it.
+bool readsAsHeader(std::string_view field) noexcept;
 
 /// Whether the text is what saving writes into a column "Tag": a number from 0 to 255 as the library writes
 /// it. `tag` gets the number.

@@ -286,7 +286,7 @@ class Inspector {
     void inspectColumn(unsigned first, unsigned short i, const LightweightString<char>& type) {
         if (kesta::fieldTypeFromString(type) == DBFieldTypes::eNone) {
             report(first + 1, i + 1u,
-                   "the type " + quoted(type.view()) + " is unknown; \"text\" is always right", true);
+                   "the type " + quoted(type.view()) + " is unknown and read as \"text\"; write that", true);
         }
         if (!keepsColumnName(m_names[i])) {
             report(first + 2, i + 1u,
@@ -313,7 +313,7 @@ class Inspector {
             reportWrongNumber(line);
             return false;
         }
-        if (!m_names.empty() && readsAsHeader(m_record.getField(0).view())) {
+        if (m_names.size() == 1 && readsAsHeader(m_record.getField(0).view())) {
             report(
                 line, 1,
                 "the value is read as the beginning of a header: this line and the next two are dropped, the "

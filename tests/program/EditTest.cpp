@@ -40,6 +40,7 @@ TEST_F(EditTest, ValuesAreTakenAsTheyAre) {
 
 TEST_F(EditTest, RefusesWhatALogWouldNotGiveBack) {
     const std::string file = log("a.log", "\"Name\",\"Notes\",\"Tag\"", "\"1\",\"2\",\"0\"\n");
+    const std::string oneColumn = log("one.log", "\"Name\"", "\"1\"\n");
     const std::string before = content("a.log");
     struct Refused {
         std::vector<std::string> arguments;
@@ -51,7 +52,7 @@ TEST_F(EditTest, RefusesWhatALogWouldNotGiveBack) {
         {{"set", file, "1", "Notes", "a\rb"}, "carriage return"},
         {{"set", file, "1", "Notes", "C:\\new"}, "backslash followed by n"},
         {{"set", file, "1", "Notes", std::string(4095, 'x')}, "longer than 4094 bytes"},
-        {{"set", file, "1", "Name", "Kesta"}, "beginning of a header"},
+        {{"set", oneColumn, "1", "Name", "Kesta"}, "beginning of a header"},
         {{"set", file, "1", "Tag", "256"}, "tags are numbers from 0 to 255"},
         {{"set", file, "1", "Tag", "01"}, "tags are numbers from 0 to 255"},
         {{"set", file, "1", "Note", "x"}, "did you mean \"Notes\"?"},

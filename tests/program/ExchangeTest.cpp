@@ -168,7 +168,7 @@ TEST_F(ExchangeTest, RefusesWhatItCannotRead) {
          "\xFF\xFE"
          "A",
          "is UTF-16 text"},
-        {"a.csv", "A,B\n kesta ,1\n", ":2: column 1: a log takes the value"},
+        {"a.csv", "A\n kesta \n", ":2: column 1: a log of one column takes the value"},
         {"a.csv", std::string(65536, ',') + "A", "more columns than a log takes"},
         {"a.ale", "", "ends before Heading or Column"},
         {"a.ale", "Heading\nFPS\t25\n", "ends before Column"},
