@@ -387,12 +387,12 @@ class Inspector {
     }
 
     void reportWrongNumber(unsigned line) {
-        const unsigned fields = m_record.get_num_fields();
+        const std::size_t fields = m_record.fields().size();
         const std::size_t rest = linesFrom(line + 1);
         std::string text = counted(fields, "field") + " where the log has " +
                            counted(m_names.size(), "column") + "; reading stops here";
         if (rest > 0) text += " and " + counted(rest, "line") + " behind it not read";
-        report(line, static_cast<unsigned>(std::min<std::size_t>(fields, m_names.size()) + 1),
+        report(line, static_cast<unsigned>(std::min(fields, m_names.size()) + 1),
                text + ": give the line one field for each column", true);
     }
 
