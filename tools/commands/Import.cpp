@@ -140,7 +140,7 @@ class Importer {
         }
         warnOfLongRow(line, values);
         storeAsKept(line, *record, values);
-        if (m_log.get_num_fields() == 1 && readsAsHeader(record->getField(0).view())) {
+        if (readsAsHeader(*record)) {
             throw Failure(atLine(m_options.file, line) + "column 1: a log of one column takes the value \"" +
                           values[0] + "\" for the beginning of a header; give the file a second column");
         }
