@@ -180,7 +180,7 @@ std::string valueObjection(const kesta& log, unsigned column, const std::string&
     if (column == log.get_fieldnum("Tag")) {
         return readTag(value, tag) ? "" : "it is no tag: tags are numbers from 0 to 255";
     }
-    if (log.get_num_fields() == 1 && readsAsHeader(value))
+    if (log.get_num_fields() == 1 && isHeaderMarker(value))
         return "it would be read as the beginning of a header";
     return LineRoundTrip().keeps(value) ? "" : whyNotKept(value);
 }

@@ -105,8 +105,12 @@ std::string keepableColumnName(std::string_view name) {
     return result;
 }
 
-bool readsAsHeader(std::string_view field) noexcept {
+bool isHeaderMarker(std::string_view field) noexcept {
     return sameName(field, "KESTA");
+}
+
+bool readsAsHeader(const dbrecord& record) noexcept {
+    return record.get_num_fields() == 1 && isHeaderMarker(record.getField(0).view());
 }
 
 bool readTag(std::string_view text, int& tag) noexcept {

@@ -55,9 +55,12 @@ bool keepsColumnName(std::string_view name);
 /// The nearest name that a log keeps; empty when nothing is left of it.
 std::string keepableColumnName(std::string_view name);
 
-/// Whether a line of this one field is a header's marker. Among the records of a one-column log it is one
-/// too: the loader then drops what follows it.
-bool readsAsHeader(std::string_view field) noexcept;
+/// Whether a line that begins with this field is a header's marker.
+bool isHeaderMarker(std::string_view field) noexcept;
+
+/// Whether the loader takes the record for a repeated header, as only a one-column log can have it: it then
+/// drops what follows.
+bool readsAsHeader(const dbrecord& record) noexcept;
 
 /// Whether the text is what saving writes into a column "Tag": a number from 0 to 255 as the library writes
 /// it. `tag` gets the number.

@@ -193,7 +193,7 @@ class Inspector {
                    true);
             return false;
         }
-        const bool hasMarker = line.get_num_fields() > 0 && readsAsHeader(line.getField(0).view());
+        const bool hasMarker = line.get_num_fields() > 0 && isHeaderMarker(line.getField(0).view());
         const unsigned behind = m_file.cursor();
         if (!hasMarker) {
             reportMissingMarker();
@@ -313,7 +313,7 @@ class Inspector {
             reportWrongNumber(line);
             return false;
         }
-        if (m_names.size() == 1 && readsAsHeader(m_record.getField(0).view())) {
+        if (readsAsHeader(m_record)) {
             report(
                 line, 1,
                 "the value is read as the beginning of a header: this line and the next two are dropped, the "

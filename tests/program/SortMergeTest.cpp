@@ -91,7 +91,6 @@ TEST_F(SortMergeTest, MergesAllLogsOrNone) {
         {path("none.log"), "No such file or directory"},
         {log("damaged.log", names, "\"3\",\"C\"\n\n\"4\",\"D\"\n"), "not copied, because"},
         {log("other.log", "\"X\",\"Y\"", "\"3\",\"C\"\n"), "has no column of the log"},
-        {log("header.log", "\"X\",\"Name\"", "\"3\",\"kesta\"\n"), "row 1: the log does not keep the value"},
         {folder.with("plain.csv", "Name,Reel\n3,C\n").string(), "kesta import"},
         {into, "a log is not merged into itself"},
         {link, "a log is not merged into itself"},
@@ -104,6 +103,11 @@ TEST_F(SortMergeTest, MergesAllLogsOrNone) {
         EXPECT_NE(outcome.err.find(refused.why), std::string::npos) << outcome.err;
         EXPECT_EQ(content("into.log"), before);
     }
+    const std::string header = log("header.log", "\"X\",\"Name\"", "\"3\",\"kesta\"\n");
+    const Outcome intoOneColumn = run({"merge", log("one.log", "\"Name\"", "\"1\"\n"), header});
+    EXPECT_EQ(intoOneColumn.exitCode, 2);
+    EXPECT_NE(intoOneColumn.err.find("row 1: the log does not keep the value"), std::string::npos)
+        << intoOneColumn.err;
     EXPECT_EQ(run({"merge", path("damaged.log"), good}).exitCode, 2);
     EXPECT_EQ(run({"merge", into, path("damaged.log"), "--force"}).exitCode, 0);
     EXPECT_EQ(records(into), "Name,Reel\r\n1,A\r\n3,C\r\n");

@@ -20,6 +20,13 @@ std::string atLine(const std::string& path, unsigned line) {
     return path + ':' + std::to_string(line) + ": ";
 }
 
+std::string becoming(const std::string& before, std::string_view after) {
+    std::string text = '"' + before;
+    text += "\" becomes \"";
+    text += after;
+    return text += '"';
+}
+
 /// Makes a log of a table. What a log cannot hold exactly is stored as the log would give it back, and warned
 /// of.
 class Importer {
@@ -75,8 +82,7 @@ class Importer {
         const StandardColumn* const standard = standardColumnFor(name);
         if (sameName(name, stored) || (standard && sameName(standard->name, stored))) return;
         m_warnings.add(atLine(m_options.file, m_source.columnLine()) + "column " +
-                       std::to_string(column + 1) + ": the name \"" + name + "\" becomes \"" +
-                       std::string(stored) + '"');
+                       std::to_string(column + 1) + ": the name " + becoming(name, stored));
     }
 
     void storeParameters() {
@@ -86,7 +92,7 @@ class Importer {
             const std::string place = atLine(m_options.file, parameter.line);
             const std::string key = freeKey(parameter.key);
             if (key != parameter.key) {
-                m_warnings.add(place + "the parameter \"" + parameter.key + "\" becomes \"" + key + '"');
+                m_warnings.add(place + "the parameter " + becoming(parameter.key, key));
             }
             if (keepsParameter(key, parameter.value)) {
                 m_log.add_param(libraryText(key), libraryText(parameter.value));
@@ -134,7 +140,7 @@ class Importer {
         }
         warnOfLongRow(line, values);
         storeAsKept(line, *record, values);
-        if (m_log.get_num_fields() == 1 && readsAsHeader(record->getField(0).view())) {
+        if (readsAsHeader(*record)) {
             throw Failure(atLine(m_options.file, line) + "column 1: a log of one column takes the value \"" +
                           values[0] + "\" for the beginning of a header; give the file a second column");
         }
