@@ -177,9 +177,11 @@ void FieldMap::setSourceDb(const KSTView& view) {
 }
 
 void FieldMap::appendFrom(const LightweightString<char>& text) {
+    // Numbers have three characters at most, so a text of any length names few fields.
+    std::set<int> seen;
     NumberReader numbers(text.view());
     for (int number; numbers.next(number);) {
-        if (number == 0) continue;
+        if (number == 0 || !seen.insert(std::abs(number)).second) continue;
         append(m_source->get_fieldname(static_cast<unsigned>(std::abs(number)) - 1), number > 0);
     }
 }

@@ -114,6 +114,7 @@ const kesta::FieldNameIndex& kesta::getFieldNameIndexMap() const {
 unsigned kesta::addField(const DBFieldDesc& desc) {
     const unsigned known = get_fieldnum(desc.name);
     if (known != notFound) return known;
+    if (m_fields.size() >= mostFieldNumber) return notFound;  // a record has no more fields than that
     const auto added = static_cast<unsigned>(m_fields.size());
     m_fields.push_back(desc);
     m_fields.back().type = storedType(desc.type);

@@ -48,6 +48,8 @@ void kesta::init() {
     m_valid = 0;
     m_revision = 1;
     m_matchOptions = 0;
+    m_query.clear();
+    m_conditions.clear();
     m_fields.clear();
     m_fieldNames.clear();
     m_specialLabels.clear();

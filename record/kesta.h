@@ -60,7 +60,7 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     kesta& operator=(const kesta&) = delete;
     ~kesta() override;
 
-    /// No parameters, no columns, not valid, unchanged, revision 1. Records and indices stay.
+    /// No parameters, no columns, no query, not valid, unchanged, revision 1. Records and their indices stay.
     void init();
 
     /// Releases records, columns, parameters and indices, then init().
@@ -94,7 +94,7 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     const FieldNameIndex& getFieldNameIndexMap() const;
 
     /// Appends a column, an empty field to every record, and answers the column's number; when a column of
-    /// that name is there, only its number.
+    /// that name is there, only its number. A database with 65,535 columns takes no more and answers -1.
     unsigned addField(const DBFieldDesc& desc);
 
     /// Renames a column; ampersands are removed unless the setting "remove_fieldname_ampersands" is 0.

@@ -104,7 +104,7 @@ unsigned kesta::get_new_row(unsigned rawRow) {
 
 unsigned kesta::get_raw_row(unsigned row) {
     if (!m_showTagsOnly) return row;
-    if (row >= m_taggedIndex.size()) return notFound;
+    if (row >= m_taggedIndex.size()) return notFound;  // the row behind the last is no record's either
     for (unsigned raw = 0; raw < m_records.size(); ++raw) {
         if (m_records[raw] == m_taggedIndex[row]) return raw;
     }

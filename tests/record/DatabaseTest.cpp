@@ -477,3 +477,14 @@ TEST_F(DatabaseSettings, SecondaryReelsAreNotExportedWhenTheSettingIsOff) {
         },
         testing::ExitedWithCode(0), "");
 }
+
+TEST(AddingColumns, EndsWithTheMostThatARecordCanHold) {
+    std::vector<std::string> names;
+    for (int i = 0; i < 65534; ++i) names.push_back('n' + std::to_string(i));
+    const Zr::Ptr<kesta> database = makeTextDatabase(names, {{"x"}});
+    EXPECT_EQ(database->addField({"last", DBFieldTypes::eText}), 65534U);
+    EXPECT_EQ(database->addField({"one more", DBFieldTypes::eText}), 0xFFFFFFFFU);
+    EXPECT_EQ(database->get_num_fields(), 65535U);
+    EXPECT_EQ(database->set_field(0, 65534, "y"), 1);
+    EXPECT_EQ(database->getField(0, 65534), "y");
+}

@@ -268,6 +268,14 @@ TEST(Query, SurvivesRunningOutOfMemory) {
 
 }  // namespace
 
+TEST(Querying, AQueryEndsWithTheColumnsItWasMadeFor) {
+    const Zr::Ptr<kesta> database = shots();
+    setQuery(*database, {"Wide", ""});
+    database->setFields(textColumns({"Scene"}));
+    database->add_records(1);
+    EXPECT_EQ(matches(*database), (std::vector<int>{-1}));
+}
+
 TEST(SpecialColumns, AreSoByTheirOwnNamesWhateverWasThereBefore) {
     const Zr::Ptr<kesta> database = makeTextDatabase({"Start time", "End time", "Name"});
     database->free();
