@@ -33,14 +33,15 @@ void checkAgainstModel(const kesta& log, const LineModel::Database& model) {
 }
 
 // What one save loses (text behind a quote in a column's name, the end of a long value) the next load does
-// not see, so after a few rounds a file comes back as it was.
+// not see, so after some rounds a file comes back as it was. Parameters and names are deliberately written
+// with their quotes as they are, of which two read as one: a run of them takes a round for each halving.
 void saveUntilSettled(kesta& log) {
     const std::string path = Fuzz::folder() / "saved.log";
     const auto wide = Fuzz::folder().wide("saved.log");
     log.set_filename(wide);
     log.save_text();
     std::string before = Fuzz::readFile(path);
-    for (int round = 0; round < 6; ++round) {
+    for (int round = 0; round < 20; ++round) {
         kesta again(wide, noLimit, true);
         if (!again.get_valid()) return;
         const int saved = again.save_text();
