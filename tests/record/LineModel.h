@@ -20,13 +20,16 @@ inline bool isControl(char c) {
     return (c >= 0 && c < 32) || c == 127;
 }
 
-/// For comparing: in lower case, and up to a zero byte.
-inline std::string folded(std::string text) {
-    text.resize(text.find('\0') == std::string::npos ? text.size() : text.find('\0'));
+inline std::string lowered(std::string text) {
     for (char& c : text) {
         if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
     }
     return text;
+}
+
+/// For comparing: in lower case, and up to a zero byte.
+inline std::string folded(const std::string& text) {
+    return lowered(text.substr(0, text.find('\0')));
 }
 
 inline std::string withoutLeadingSpace(std::string text) {
@@ -160,7 +163,7 @@ class Loader {
             return database;
         } else {
             for (const std::string& name : last) {
-                const std::string lower = folded(name);
+                const std::string lower = lowered(name);
                 const bool isCode =
                     lower.find("start") != std::string::npos || lower.find("end") != std::string::npos;
                 database.names.push_back(name);

@@ -1,0 +1,150 @@
+// The small parsers of the support libraries, each on any text. The first byte says which.
+#include <string>
+#include <vector>
+
+#include "fieldmap/FieldMap.h"
+#include "fuzz/Fuzz.h"
+#include "record/kesta.h"
+#include "support/Cookie.h"
+#include "support/NotifyMsg.h"
+#include "support/TextSearch.h"
+#include "support/time_def.h"
+
+namespace {
+
+void cookie(Fuzz::Input& input) {
+    const std::string text = input.rest();
+    const Cookie id(text.c_str(), false);
+    for (const bool grouped : {false, true}) {
+        const Fuzz::Text written = id.asString(grouped);
+        Fuzz::promise(written.empty() == id.isNull());
+        Fuzz::promise(Cookie(written.c_str(), !grouped) == id);
+        Fuzz::promise(Cookie(fromUTF8(written), grouped) == id);
+    }
+    Fuzz::promise(Cookie(fromUTF8(text.c_str()), false) == id);
+    Fuzz::promise(id.hash() == Cookie(text.c_str(), true).hash());
+}
+
+// Both forms read back as the same time code; text that is none stays.
+void timecode(Fuzz::Input& input) {
+    const std::string text = input.rest();
+    const time_def code(text.c_str(), eTimecodeLabel);
+    for (const Fuzz::Text& form : {code.get_database_str(), code.get_punctuated_str()}) {
+        if (!code.valid()) Fuzz::promise(form == text.c_str());
+        const time_def again(form.c_str(), eTimecodeLabel);
+        Fuzz::promise(again.valid() == code.valid() && again.dropFrame() == code.dropFrame());
+        Fuzz::promise(again.get_database_str() == code.get_database_str());
+        Fuzz::promise(again.get_punctuated_str() == code.get_punctuated_str());
+    }
+}
+
+/// Characters that count as one under the options, as one.
+std::string canonical(std::string text, unsigned options) {
+    for (char& c : text) {
+        if ((options & TextSearch::eMatchCase) == 0 && c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+        if ((options & TextSearch::eSeparatorsEqual) != 0 && (c == ';' || c == '.' || c == ',')) c = ':';
+    }
+    return text;
+}
+
+bool slowMatch(std::string text, std::string query, int method, unsigned options) {
+    text = canonical(text, options);
+    query = canonical(query, options);
+    if (query.empty()) return true;
+    const std::size_t behind = text.size() - query.size();
+    switch (method) {
+        case TextSearch::eContains:
+            return text.find(query) != std::string::npos;
+        case TextSearch::eBeginsWith:
+            return text.substr(0, query.size()) == query;
+        case TextSearch::eEndsWith:
+            return query.size() <= text.size() && text.substr(behind) == query;
+        default:
+            return text == query;
+    }
+}
+
+void textSearch(Fuzz::Input& input) {
+    const int method = static_cast<int>(input.below(6)) - 1;
+    const unsigned options = input.byte();
+    TextSearch::Criteria criteria;
+    std::vector<std::string> queries;
+    for (unsigned count = input.below(3); count > 0; --count) queries.push_back(input.take(input.byte()));
+    const std::string text = input.rest();
+    bool expected = true;
+    for (const std::string& query : queries) {
+        criteria.add(TextSearch::Criterion(Fuzz::Text(query), static_cast<TextSearch::eMatchMethod>(method)));
+        expected = expected && slowMatch(text, query, method, options);
+    }
+    Fuzz::promise(TextSearch::match(Fuzz::Text(text), criteria, options) == expected);
+}
+
+// What a map writes it reads again as the same columns.
+void fieldMap(Fuzz::Input& input) {
+    std::vector<DBFieldDesc> columns;
+    for (unsigned count = input.byte(); count > 0; --count) {
+        columns.emplace_back(Zr::StringFromInteger(static_cast<int>(count)), DBFieldTypes::eText);
+    }
+    kesta log(columns);
+    log.add_param("V5_FIELD_MAP", input.rest().c_str());
+    FieldMap map(log);
+    Fuzz::promise(map.numVisible() <= map.size());
+    for (int i = 0; i < map.size(); ++i) {
+        // Hidden columns past the 99th do not fit into the text.
+        if (!map.isVisible(i) && log.get_fieldnum(map.getName(i)) >= 99) map.setVisible(i, true);
+    }
+    map.remove("");  // numbers of columns that are not there
+    if (map.size() == 0) return;
+    log.add_param("V5_FIELD_MAP", map.asString());
+    const FieldMap again(log);
+    Fuzz::promise(again.size() == map.size() && again.asString() == map.asString());
+    for (int i = 0; i < map.size(); ++i) {
+        Fuzz::promise(again[i] == map[i] && again.isVisible(i) == map.isVisible(i));
+    }
+}
+
+void messageWords(Fuzz::Input& input) {
+    const std::string text = input.rest();
+    const NotifyMsg message(Fuzz::Text(text), {});
+    std::string words;
+    for (NotifyMsgTokenIterator word(message); word; ++word) {
+        Fuzz::promise((*word).find(' ') == std::string_view::npos);
+        words += *word;
+    }
+    std::string expected;
+    for (const char c : text) {
+        if (c != ' ') expected += c;
+    }
+    Fuzz::promise(words == expected);
+}
+
+// Every byte sequence survives the way to wide characters and back.
+void utf8(Fuzz::Input& input) {
+    const std::string text = input.rest();
+    const LightweightString<wchar_t> wide = fromUTF8(Fuzz::Text(text));
+    Fuzz::promise(wide.length() <= text.size());
+    Fuzz::promise(toUTF8(wide).view() == text);
+    Fuzz::promise(stripPathAndExt(wide).length() <= wide.length());
+}
+
+void numbers(Fuzz::Input& input) {
+    const std::string text = input.rest();
+    const unsigned number = Zr::UIntFromString(text.c_str(), 7);
+    Fuzz::promise(Zr::UIntFromString(std::to_string(number).c_str(), 8) == number);
+    Zr::StringFromDouble(Zr::DoubleFromString(text.c_str()));
+    bool flag = true;
+    if (!BoolFromString(text.c_str(), flag)) Fuzz::promise(flag);
+    const std::string other = text.substr(text.size() / 2);
+    Fuzz::promise((strxcmp(text.c_str(), other.c_str()) < 0) == (strxcmp(other.c_str(), text.c_str()) > 0));
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    constexpr void (*parsers[])(Fuzz::Input&) = {cookie,       timecode, textSearch, fieldMap,
+                                                 messageWords, utf8,     numbers};
+    Fuzz::Input input(data, size);
+    parsers[input.below(std::size(parsers))](input);
+    return 0;
+}
