@@ -28,6 +28,7 @@
 // even then, though views further up may not have heard of it.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -68,7 +69,8 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
 
     /// Chains the view on a base view, or unchains it with null: empties it and takes over the base view's
     /// parameters. The database stays attached. Does nothing for the present base view, for this view, for
-    /// one that stands on it, and past 1000 views in a chain.
+    /// one that stands on it, and where the chain would become longer than 200 views. The views that have
+    /// stood on this one count, even those that do no more.
     void baseView(KSTViewRep* base);
 
     /// The source: the base view, else the database, else null.
@@ -334,6 +336,8 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     kesta* database() const noexcept { return m_database.get(); }
     LifeWatch sourceWatch() const noexcept;
     bool canStandOn(const KSTViewRep* base) const noexcept;
+    void raiseAbove(int above) noexcept;
+    std::uint64_t lastAttachment() const noexcept;
     Zr::Ptr<Zr::Guard> listenTo(Notifier& source);
     void addParams(const KSTBase* other);
 
@@ -343,7 +347,13 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     std::optional<unsigned> sourceRow(unsigned row) const noexcept;
     int displayRecordsOf(const Cookie* begin, const Cookie* end, int at);
     int runLength(int row, int count) const noexcept;
-    int takeOutRuns(bool (KSTViewRep::*test)(int), void (KSTViewRep::*takeOut)(int, int));
+    template <class TakeOut>
+    void takeOutOfSource(int row, int count, const TakeOut& takeOut);
+    int takeOutRuns(bool (KSTViewRep::*test)(int), void (KSTViewRep::*takeOut)(int, int),
+                    bool (KSTViewRep::*canBeTakenOut)(int) const);
+    std::optional<int> bottomRow(int row) const noexcept;
+    bool isInBottomView(int row) const;
+    bool isInDatabase(int row) const;
 
     std::unique_ptr<KSTViewRep> newSubview();
     void copyTagsTo(KSTViewRep& other) const;
@@ -352,6 +362,8 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     void writeHeader(TextFile& file) const;
 
     unsigned m_useCount = 0;
+    int m_above = 0;                 // the longest chain that may stand on this view; never lowered
+    std::uint64_t m_attachment = 0;  // the number of the last change of what the view stands on
 
     // The view holds one use of its base view.
     WatchedPtr<KSTViewRep> m_base;

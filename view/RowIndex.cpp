@@ -154,6 +154,7 @@ void RowIndex::setTag(int at, bool on) noexcept {
 
 void RowIndex::clear() noexcept {
     ++m_changes;
+    ++m_generation;
     m_shrinking.reset();
     std::vector<unsigned>().swap(m_rows);
     std::vector<unsigned char>().swap(m_tags);
@@ -164,6 +165,7 @@ void RowIndex::clear() noexcept {
 
 void RowIndex::restart() noexcept {
     edit();
+    ++m_generation;
     m_size = 0;
 }
 
@@ -218,7 +220,7 @@ void RowIndex::addToRows(int from, unsigned number) noexcept {
 void RowIndex::erase(int first, int count) noexcept {
     ++m_changes;
     if (count == m_size) return clear();
-    if (!m_shrinking && isWorthNoting()) noteRemovals();
+    if (isWorthNoting()) noteRemovals();
     if (m_shrinking) return eraseNoted(first, count);
 
     std::copy(place(m_rows, first + count), place(m_rows, m_size), place(m_rows, first));
@@ -310,8 +312,12 @@ int RowIndex::makeRoom(int at, std::size_t count) {
 
 // --- Notes of what has gone ---
 
+bool RowIndex::canNote() const noexcept {
+    return !m_shrinking && m_arrayWalks == 0 && m_size >= manyEntries;
+}
+
 bool RowIndex::isWorthNoting() noexcept {
-    return m_arrayWalks == 0 && m_size >= manyEntries && ++m_removals > manyRemovals;
+    return canNote() && ++m_removals > manyRemovals;
 }
 
 void RowIndex::noteRemovals() noexcept {
@@ -360,11 +366,13 @@ void RowIndex::flatten() noexcept {
 
 // --- Lost source rows ---
 
-void RowIndex::beginLoss() noexcept {
+void RowIndex::beginLoss(unsigned deleted) noexcept {
     ++m_changes;
     // A walk that another one interrupts, and notes mostly of what has gone, are not worth going on with.
     if (m_shrinking && (m_shrinking->isWalking() || index(m_size) < m_shrinking->slots() / 4)) flatten();
-    if (!m_shrinking && isWorthNoting()) noteRemovals();
+    // A walk over the array keeps it up to date to its end: many entries for one row are counted beforehand.
+    const auto lost = [&] { return std::count(m_rows.begin(), place(m_rows, m_size), deleted); };
+    if (isWorthNoting() || (canNote() && lost() > manyRemovals)) noteRemovals();
 }
 
 int RowIndex::findInArray(int from, unsigned deleted) noexcept {
@@ -376,8 +384,9 @@ int RowIndex::findInArray(int from, unsigned deleted) noexcept {
     return -1;
 }
 
-RowIndex::Loss::Loss(RowIndex& index, unsigned deleted) noexcept : m_index(index), m_deleted(deleted) {
-    index.beginLoss();
+RowIndex::Loss::Loss(RowIndex& index, unsigned deleted) noexcept
+    : m_index(index), m_deleted(deleted), m_generation(index.m_generation) {
+    index.beginLoss(deleted);
     m_noted = index.m_shrinking != nullptr;
     m_expectedChanges = index.m_changes;
     if (m_noted) {
@@ -389,6 +398,10 @@ RowIndex::Loss::Loss(RowIndex& index, unsigned deleted) noexcept : m_index(index
 
 int RowIndex::Loss::next() noexcept {
     if (m_at < 0) return -1;
+    if (m_index.m_generation != m_generation) {
+        if (!m_noted) --m_index.m_arrayWalks;
+        return m_at = -1;
+    }
     if (m_noted && m_index.m_shrinking && m_index.m_changes == m_expectedChanges) {
         ++m_expectedChanges;  // by the caller's erase
         return m_at = m_index.m_shrinking->walkOn();

@@ -35,6 +35,9 @@ class KESTA_API RowIndex {
     /// How many entries there is room for.
     int capacity() const noexcept { return m_capacity; }
 
+    /// Counts how often the index has been emptied.
+    unsigned generation() const noexcept { return m_generation; }
+
     bool contains(int at) const noexcept { return at >= 0 && at < m_size; }
 
     /// The source row and the tag of an entry, which must exist.
@@ -78,10 +81,11 @@ class KESTA_API RowIndex {
     void sizeForMore(std::size_t count);
     void reallocate(int capacity, int kept);
     int makeRoom(int at, std::size_t count);
+    bool canNote() const noexcept;
     bool isWorthNoting() noexcept;
     void noteRemovals() noexcept;
     void eraseNoted(int first, int count) noexcept;
-    void beginLoss() noexcept;
+    void beginLoss(unsigned deleted) noexcept;
     int findInArray(int from, unsigned deleted) noexcept;
 
     int m_size = 0;
@@ -94,8 +98,9 @@ class KESTA_API RowIndex {
     // What has gone since the array was last up to date; null when it is.
     std::unique_ptr<Shrinking> m_shrinking;
 
-    int m_removals = 0;      // in the array, since the last other change
-    int m_arrayWalks = 0;    // Losses that walk the array: it must stay up to date
+    int m_removals = 0;    // in the array, since the last other change
+    int m_arrayWalks = 0;  // Losses that walk the array: it must stay up to date
+    unsigned m_generation = 0;
     unsigned m_changes = 0;  // counts all changes, so that a Loss sees those that are not its own
 };
 
@@ -104,7 +109,8 @@ class KESTA_API RowIndex {
 /// Walks the entries from the first on. Those that name a row above the lost one are counted down as the walk
 /// passes them; at one that names the lost row it stops, for the caller to take it out. What the caller then
 /// does is its own affair: others may read the index, which is as far as the walk has come, and even change
-/// it, in which case the walk goes on from the place it has reached.
+/// it, in which case the walk goes on from the place it has reached. Once the index has been emptied the walk
+/// is done: entries that are put in then name rows as they are without the lost one.
 class KESTA_API RowIndex::Loss {
  public:
     Loss(RowIndex& index, unsigned deleted) noexcept;
@@ -118,7 +124,8 @@ class KESTA_API RowIndex::Loss {
 
     RowIndex& m_index;
     const unsigned m_deleted;
-    int m_at = 0;                // where the walk stands; -1 at its end
-    bool m_noted;                // the walk is the notes' own
+    int m_at = 0;  // where the walk stands; -1 at its end
+    bool m_noted;  // the walk is the notes' own
+    const unsigned m_generation;
     unsigned m_expectedChanges;  // the index's count while nobody else has changed it
 };

@@ -1,4 +1,6 @@
 // KSTViewRep: making and ending views, and what they stand on.
+#include <algorithm>
+#include <atomic>
 #include <utility>
 
 #include "record/RecordsDeleted.h"
@@ -8,7 +10,14 @@
 namespace {
 
 // Calls pass from view to view along a chain, and for nested calls there is only so much room.
-constexpr int longestChain = 1000;
+constexpr int longestChain = 200;
+
+// Attachments are numbered through the whole process, so that the greatest number in a chain tells whether
+// anything in it has come to stand on something else.
+std::uint64_t nextAttachment() noexcept {
+    static std::atomic<std::uint64_t> last{0};
+    return ++last;
+}
 
 // The names with a comma behind each, the last one too.
 LightweightString<char> joined(const char** names) {
@@ -56,6 +65,7 @@ void KSTViewRep::kst(kesta* newDatabase) {
 
     baseView(nullptr);
     clear();
+    m_attachment = nextAttachment();
     if (kesta* const old = database()) old->deregisterNotification(m_databaseGuard);
     m_databaseGuard = std::move(guard);
     m_database = WatchedPtr<kesta>(newDatabase);
@@ -72,6 +82,7 @@ void KSTViewRep::baseView(KSTViewRep* newBase) {
     Zr::Ptr<Zr::Guard> guard = newBase ? listenTo(*newBase) : Zr::Ptr<Zr::Guard>();
 
     clear();
+    m_attachment = nextAttachment();
     m_params->clear();
     if (newBase) newBase->addUse();  // the old base view may be what holds it
     KSTViewRep* const old = m_base.get();
@@ -79,14 +90,30 @@ void KSTViewRep::baseView(KSTViewRep* newBase) {
     m_baseGuard = std::move(guard);
     m_base = WatchedPtr<KSTViewRep>(newBase);
     release(old);
-    if (newBase) addParamsFrom(newBase);
+    if (!newBase) return;
+    newBase->raiseAbove(m_above);
+    addParamsFrom(newBase);
 }
 
 bool KSTViewRep::canStandOn(const KSTViewRep* base) const noexcept {
-    for (int length = 1; base; base = base->m_base.get(), ++length) {
-        if (base == this || length == longestChain) return false;
+    int length = m_above + 1;
+    for (; base; base = base->m_base.get()) {
+        if (base == this || ++length > longestChain) return false;
     }
     return true;
+}
+
+// Notes that a view has come to stand on this one which itself carries up to `above`.
+void KSTViewRep::raiseAbove(int above) noexcept {
+    for (KSTViewRep* view = this; view; view = view->m_base.get())
+        view->m_above = std::max(view->m_above, ++above);
+}
+
+std::uint64_t KSTViewRep::lastAttachment() const noexcept {
+    std::uint64_t last = 0;
+    for (const KSTViewRep* view = this; view; view = view->m_base.get())
+        last = std::max(last, view->m_attachment);
+    return last;
 }
 
 Zr::Ptr<Zr::Guard> KSTViewRep::listenTo(Notifier& source) {

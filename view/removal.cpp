@@ -2,7 +2,9 @@
 //
 // Telling others may end this view: after every call that announces, the view is looked at only if it lives.
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
+#include <exception>
 #include <optional>
 
 #include "record/RecordsDeleted.h"
@@ -19,11 +21,14 @@ int recordsChangedType() {
 /// message.
 class Losses {
  public:
-    Losses(RowIndex& index, const NotifyMsg& message) noexcept : m_index(index), m_token(message) {}
+    Losses(RowIndex& index, const NotifyMsg& message) noexcept
+        : m_index(index), m_token(message), m_generation(index.generation()) {}
 
-    /// The next view row that is lost, to be erased before the next call; -1 when all is done.
+    /// The next view row that is lost, to be erased before the next call; -1 when all is done, or when
+    /// somebody has emptied the index meanwhile: what is in it now was put in after the deletion.
     int next() noexcept {
-        for (; m_token; ++m_token, ++m_position, m_loss.reset()) {
+        for (; m_token && (m_loss || m_index.generation() == m_generation);
+             ++m_token, ++m_position, m_loss.reset()) {
             if (!m_loss) m_loss.emplace(m_index, lostRow());
             const int row = m_loss->next();
             if (row >= 0) return row;
@@ -42,8 +47,30 @@ class Losses {
 
     RowIndex& m_index;
     NotifyMsgTokenIterator m_token;
+    const unsigned m_generation;
     unsigned m_position = 0;
     std::optional<RowIndex::Loss> m_loss;
+};
+
+/// Steps that are all to be tried, whatever one of them throws.
+class Attempts {
+ public:
+    template <class Step>
+    void operator()(const Step& step) noexcept {
+        try {
+            step();
+        } catch (...) {
+            if (!m_first) m_first = std::current_exception();
+        }
+    }
+
+    /// Throws what was thrown first, if anything was.
+    void rethrow() const {
+        if (m_first) std::rethrow_exception(m_first);
+    }
+
+ private:
+    std::exception_ptr m_first;
 };
 
 }  // namespace
@@ -56,30 +83,39 @@ void KSTViewRep::remove(int row, int count) {
     announcement.issue();
 }
 
+// A lost row goes even if there is no memory to announce it: its number is another's now. And a listener that
+// throws keeps the others from nothing. One that shows lost rows again each time is told no more often than
+// there were entries; the rest goes without a word.
 int KSTViewRep::recordsDeletedNotify(const NotifyMsg& message) {
     const LifeWatch self = watch();
+    Attempts attempt;
     LightweightString<char> summary;
     Losses losses(m_index, message);
-    try {
-        for (int row = losses.next(); row >= 0; row = losses.next()) {
-            remove(row, 1);
-            if (!self) return 0;
+    int announcements = m_index.size();
+    for (int row = losses.next(); row >= 0; row = self ? losses.next() : -1) {
+        std::optional<RecordsDeleted> announcement;
+        if (announcements-- > 0) {
+            attempt([&] { announcement.emplace(*this, static_cast<unsigned>(row), 1u); });
+        }
+        m_index.erase(row, 1);
+        if (!announcement) continue;
+        attempt([&] { announcement->issue(); });
+        attempt([&] {
             // Deliberately no row number at all: the position in the message is added to the view row.
             summary += static_cast<int>(losses.position() + static_cast<unsigned>(row) - 1);
             summary += ' ';
-        }
-    } catch (...) {
-        // There is no memory to announce the rest. The rows must go all the same: their numbers are others'
-        // now.
-        if (self) {
-            for (int row = losses.next(); row >= 0; row = losses.next()) m_index.erase(row, 1);
-        }
-        throw;
+        });
     }
-    if (summary.empty()) return 0;
-    issueNotification(NotifyMsg(summary, Zr::Ptr<iObject>()), RecordsDeleted::messageType());
-    if (!self) return 0;
-    issueNotification(NotifyMsg(LightweightString<char>(), Zr::Ptr<iObject>()), recordsChangedType());
+    if (self && !summary.empty()) {
+        attempt([&] {
+            issueNotification(NotifyMsg(summary, Zr::Ptr<iObject>()), RecordsDeleted::messageType());
+        });
+        attempt([&] {
+            if (!self) return;
+            issueNotification(NotifyMsg(LightweightString<char>(), Zr::Ptr<iObject>()), recordsChangedType());
+        });
+    }
+    attempt.rethrow();
     return 0;
 }
 
@@ -94,46 +130,44 @@ int KSTViewRep::runLength(int row, int count) const noexcept {
     return length;
 }
 
-void KSTViewRep::deleteRecords(int row, int count) {
+// Takes out `count` rows from `row` on by runs of consecutive source rows, which `takeOut` gets as the
+// first and the length. Ends when the view has come to stand on something else: those are other rows.
+template <class TakeOut>
+void KSTViewRep::takeOutOfSource(int row, int count, const TakeOut& takeOut) {
     const LifeWatch self = watch();
-    while (row >= 0 && self) {
-        iKST* const source = db();
-        const int rows = m_index.size();
-        count = std::min(count, rows - std::min(row, rows));
-        if (count < 1 || !source) return;
-
+    const std::uint64_t attached = lastAttachment();
+    while (row >= 0 && self && lastAttachment() == attached) {
+        count = std::min(count, m_index.size() - std::min(row, m_index.size()));
+        if (count < 1 || !db()) return;
         const int run = runLength(row, count);
-        const unsigned before = source->get_num_records();
-        const LifeWatch sourceLives = sourceWatch();
-        source->delete_records(m_index.row(row), static_cast<unsigned>(run));
+        takeOut(m_index.row(row), run);
         count -= run;
-
-        // A source that refuses once would refuse each time.
-        if (self && sourceLives && m_index.size() == rows && source->get_num_records() == before) return;
     }
 }
 
-void KSTViewRep::removeRecordsFromBaseView(int row, int count) {
-    const LifeWatch self = watch();
-    while (row >= 0 && self) {
-        const int rows = m_index.size();
-        count = std::min(count, rows - std::min(row, rows));
-        if (count < 1 || !db()) return;
-        if (!m_base.isSet()) return remove(row, count);
+void KSTViewRep::deleteRecords(int row, int count) {
+    takeOutOfSource(row, count, [this](unsigned first, int run) {
+        db()->delete_records(first, static_cast<unsigned>(run));
+    });
+}
 
-        const int run = runLength(row, count);
-        m_base.get()->removeRecordsFromBaseView(static_cast<int>(m_index.row(row)), run);
-        count -= run;
-        if (self && m_index.size() == rows) return;  // the base view has no such row
+void KSTViewRep::removeRecordsFromBaseView(int row, int count) {
+    if (m_base.isSet()) {
+        takeOutOfSource(row, count, [this](unsigned first, int run) {
+            m_base.get()->removeRecordsFromBaseView(static_cast<int>(first), run);
+        });
+    } else if (db() && count > 0) {
+        remove(row, count);
     }
 }
 
 int KSTViewRep::deleteTagged() {
-    return takeOutRuns(&KSTViewRep::tag, &KSTViewRep::deleteRecords);
+    return takeOutRuns(&KSTViewRep::tag, &KSTViewRep::deleteRecords, &KSTViewRep::isInDatabase);
 }
 
 int KSTViewRep::removeSome(bool (KSTViewRep::*test)(int)) {
-    return test ? takeOutRuns(test, &KSTViewRep::removeRecordsFromBaseView) : 0;
+    if (!test) return 0;
+    return takeOutRuns(test, &KSTViewRep::removeRecordsFromBaseView, &KSTViewRep::isInBottomView);
 }
 
 int KSTViewRep::removeTagged() {
@@ -144,9 +178,33 @@ int KSTViewRep::removeNonTagged() {
     return removeSome(&KSTViewRep::notTagged);
 }
 
-// Takes out each run of rows that pass the test; answers the rows in all runs.
-int KSTViewRep::takeOutRuns(bool (KSTViewRep::*test)(int), void (KSTViewRep::*takeOut)(int, int)) {
+// The row of the view at the bottom of the chain that a view row stands for; none when a view between has not
+// the row.
+std::optional<int> KSTViewRep::bottomRow(int row) const noexcept {
+    for (const KSTViewRep* view = this; view && view->m_index.contains(row); view = view->m_base.get()) {
+        if (!view->m_base.isSet()) return row;
+        row = static_cast<int>(view->m_index.row(row));
+    }
+    return std::nullopt;
+}
+
+bool KSTViewRep::isInBottomView(int row) const {
+    return bottomRow(row).has_value();
+}
+
+bool KSTViewRep::isInDatabase(int row) const {
+    const KSTViewRep* bottom = this;
+    while (bottom->m_base.get()) bottom = bottom->m_base.get();
+    const kesta* const source = bottom->database();
+    const std::optional<int> found = bottomRow(row);
+    return source && found && bottom->m_index.row(*found) < source->get_num_records();
+}
+
+// Takes out each run of rows that pass the test and can be taken out; answers the rows in all runs.
+int KSTViewRep::takeOutRuns(bool (KSTViewRep::*test)(int), void (KSTViewRep::*takeOut)(int, int),
+                            bool (KSTViewRep::*canBeTakenOut)(int) const) {
     const LifeWatch self = watch();
+    const std::uint64_t attached = lastAttachment();
     unsigned total = 0;
     int length = 0;
     for (int row = 0; row < m_index.size(); ++row) {
@@ -157,12 +215,23 @@ int KSTViewRep::takeOutRuns(bool (KSTViewRep::*test)(int), void (KSTViewRep::*ta
         // The walk goes on behind the run's first row. Where nothing moves, what is left of the run is the
         // next run.
         for (int first = row - length; length > 0; ++first) {
-            const int rows = m_index.size();
-            (this->*takeOut)(first, length);
             total += static_cast<unsigned>(length);
-            if (!self) return static_cast<int>(total);
-            row = first;
-            length = m_index.size() == rows ? length - 1 : 0;
+            --length;
+            if (!(this->*canBeTakenOut)(first)) continue;
+
+            const int rows = m_index.size();
+            const Zr::Ptr<dbrecord> before = record(first);
+            (this->*takeOut)(first, length + 1);
+            if (!self || lastAttachment() != attached) return static_cast<int>(total);
+            if (m_index.size() != rows || record(first) != before) {
+                row = first;
+            } else {
+                // Deliberately the runs count that are left where a source refuses, though it is not asked
+                // again: it would refuse each time.
+                const auto left = static_cast<std::uint64_t>(length);
+                total += static_cast<unsigned>(left * (left + 1) / 2);
+            }
+            length = 0;
         }
     }
     if (length > 0) {

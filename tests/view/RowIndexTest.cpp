@@ -23,7 +23,8 @@ class Pair {
 
     std::vector<unsigned> someRows(int count) {
         std::vector<unsigned> rows;
-        for (int i = 0; i < count; ++i) rows.push_back(static_cast<unsigned>(pick(0, 700)));
+        const int highest = pick(0, 3) == 0 ? 3 : 700;  // many entries for one row now and then
+        for (int i = 0; i < count; ++i) rows.push_back(static_cast<unsigned>(pick(0, highest)));
         return rows;
     }
 
@@ -154,6 +155,21 @@ TEST(RowIndex, CountsRowNumbersAsUnsigned) {
     EXPECT_EQ(-1, none.next());
     EXPECT_EQ(0xFFFFFFFE, index.row(2));
     EXPECT_EQ(0u, index.row(0));
+}
+
+TEST(RowIndex, ALossEndsWhenTheIndexIsFilledAnew) {
+    for (const int count : {3, 400}) {  // the walk in the array, and in the notes
+        RowIndex index;
+        index.insert(0, std::vector<unsigned>(static_cast<std::size_t>(count), 7));
+        RowIndex::Loss loss(index, 7);
+        for (int i = 0; i < 2; ++i) index.erase(loss.next(), 1);
+        index.clear();
+        index.insert(0, {7, 8});
+        EXPECT_EQ(-1, loss.next());
+        EXPECT_EQ(-1, loss.next());
+        EXPECT_EQ(7u, index.row(0));
+        EXPECT_EQ(8u, index.row(1));
+    }
 }
 
 TEST(RowIndex, MoreEntriesThanAnIntCountsAreOutOfMemory) {

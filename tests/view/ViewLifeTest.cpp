@@ -2,6 +2,9 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <optional>
+#include <stdexcept>
+#include <utility>
+#include <vector>
 
 #include "tests/TestSupport.h"
 #include "view/KSTView.h"
@@ -105,9 +108,35 @@ TEST(ViewLife, AChainHasAnEnd) {
     }
     EXPECT_EQ(0, top->baseIndex(0));
     EXPECT_EQ(0, top->tagDuplicates(0));
-    EXPECT_EQ(nullptr, top->newTagSubview()) << "a thousand views";
+    EXPECT_EQ(nullptr, top->newTagSubview()) << "as long as it may be";
     database->delete_records(0, 1);
     EXPECT_EQ(0u, top->get_num_records());
+}
+
+// Chains that are each short enough are not put under each other without end.
+TEST(ViewLife, ChainsUnderChainsHaveAnEnd) {
+    const auto database = rows(2);
+    const auto chain = [&](int views) {
+        std::vector<KSTView> made{viewOfAll(*database)};
+        while (static_cast<int>(made.size()) < views) made.push_back(viewOfAll(*database, made.back()));
+        return made;
+    };
+    KSTView top;
+    KSTView bottom;
+    {
+        const std::vector<KSTView> upper = chain(150);
+        const std::vector<KSTView> fits = chain(50);
+        const std::vector<KSTView> tooLong = chain(1);
+        upper.front()->baseView(fits.back().rep());
+        EXPECT_EQ(fits.back().rep(), upper.front()->db());
+        fits.front()->baseView(tooLong.back().rep());
+        EXPECT_EQ(database.get(), fits.front()->db());
+        top = upper.back();
+        bottom = fits.front();
+    }
+    EXPECT_EQ(2u, bottom->useCount());
+    top = KSTView();
+    EXPECT_EQ(1u, bottom->useCount());
 }
 
 TEST(ViewLife, AViewWhoseDatabaseHasGoneHasNoSource) {
@@ -159,6 +188,113 @@ TEST(ViewLife, ACopiedDatabaseLivesAsLongAsAViewStandsOnIt) {
     sibling->deleteRecords(0, 3);
     EXPECT_EQ(0u, sibling->db()->get_num_records());
     EXPECT_EQ(0u, sub->get_num_records());
+}
+
+// --- Listeners that do something to the view ---
+
+Zr::Ptr<Zr::Guard> onDeletion(KSTViewRep& view, std::function<void()> action) {
+    return view.registerNotification(NotifyMsgTypeDictionary::instance().intern("recordsDeleted"),
+                                     [action = std::move(action)](const NotifyMsg&) {
+                                         action();
+                                         return 0;
+                                     });
+}
+
+TEST(ViewLife, AListenerMayRefreshTheViewAtEachLoss) {
+    const auto database = rows(10);
+    const KSTView view = viewOfAll(*database);
+    bool refreshing = false;
+    const auto guard = onDeletion(*view, [&] {
+        if (std::exchange(refreshing, true)) return;
+        view->displayAllRecords();
+        refreshing = false;
+    });
+    database->delete_records(2, 3);
+    EXPECT_EQ((Fields{"0", "1", "5", "6", "7", "8", "9"}), columnOf(*view, 0));
+}
+
+TEST(ViewLife, AListenerThatShowsLostRowsAgainIsToldOnlySoOften) {
+    const auto database = rows(10);
+    const KSTView view = viewOfAll(*database);
+    int told = 0;
+    const auto guard = onDeletion(*view, [&] {
+        ++told;
+        view->displayRecordsAt(2, 1, 5);
+    });
+    database->delete_records(2, 1);
+    EXPECT_EQ(11, told) << "once for each entry, and the summary";
+}
+
+TEST(ViewLife, ADeletionEndsWhenAListenerAttachesTheChainToAnotherDatabase) {
+    for (const bool deleteTagged : {false, true}) {
+        const auto database = rows(10);
+        const auto other = rows(10);
+        const KSTView base = viewOfAll(*database);
+        const KSTView top = viewOfAll(*database, base);
+        top->sort(-1, 0);
+        top->tagAll(true);
+        const auto guard = onDeletion(*base, [&] {
+            if (base->db() == other.get()) return;
+            base->kst(other.get());
+            base->displayAllRecords();
+        });
+        if (deleteTagged) {
+            top->set_tag(5, 0);
+            top->deleteTagged();
+        } else {
+            top->deleteRecords(0, 10);
+        }
+        EXPECT_GT(10u, database->get_num_records());
+        EXPECT_EQ(10u, other->get_num_records());
+    }
+}
+
+TEST(ViewLife, AListenerThatShowsAnotherRowDoesNotEndTheDeletion) {
+    const auto database = rows(10);
+    const KSTView view = viewOfAll(*database);
+    view->remove(5, 5);
+    view->sort(-1, 0);
+    int more = 2;
+    const auto guard = onDeletion(*view, [&] {
+        if (more-- > 0) {
+            database->add_records(1);
+            view->displayRecordsAt(0, 1, 5);
+        }
+    });
+    view->deleteRecords(0, 4);
+    EXPECT_EQ(8u, database->get_num_records());
+}
+
+TEST(ViewLife, AListenerThatThrowsSilencesNobody) {
+    const auto database = rows(10);
+    const KSTView base = viewOfAll(*database);
+    const auto guard = onDeletion(*base, [] { throw std::runtime_error("first"); });
+    const KSTView top = viewOfAll(*database, base);
+    base->displayRecordsAt(0, 10, 0);
+    top->displayAllRecords();
+    int changed = 0;
+    const auto changes = base->registerNotification(
+        NotifyMsgTypeDictionary::instance().intern("recordsChanged"), [&](const NotifyMsg&) {
+            ++changed;
+            return 0;
+        });
+    EXPECT_THROW(database->delete_records(2, 2), std::runtime_error);
+    EXPECT_EQ(1, changed);
+    EXPECT_EQ((Fields{"0", "1", "4", "5", "6", "7", "8", "9", "0", "1", "4", "5", "6", "7", "8", "9"}),
+              columnOf(*base, 0));
+    for (unsigned row = 0; row < top->get_num_records(); ++row) EXPECT_TRUE(top->get_record(row));
+}
+
+// As one that shows only tagged records does.
+TEST(ViewLife, ManyRowsOfASourceThatRefusesCostLittle) {
+    constexpr int many = 50000;
+    const auto database = makeTextDatabase({"Name"});
+    database->add_records(many);
+    const KSTView view = viewOfAll(*database);
+    for (unsigned row = 0; row < many - 1; ++row) view->set_tag(row, 1);
+    database->set_show_tags_only(1);
+    EXPECT_EQ(static_cast<int>((many - 1u) * many / 2), view->deleteTagged());
+    EXPECT_EQ(static_cast<unsigned>(many), view->get_num_records());
 }
 
 // A listener that, at the n-th announcement it hears, ends something: whatever it is and whenever it comes,
