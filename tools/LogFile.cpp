@@ -122,6 +122,12 @@ void requireLogMayBeMade(const std::string& path, bool replace) {
     if (!replace && isThere(path)) throw Failure(path + ": is there already; --force replaces it");
 }
 
+void requireOutputApart(const std::string& input, const std::string& output) {
+    if (isSameFile(input, output)) {
+        throw Failure(output + ": is the log itself, which would be lost; give the output another name");
+    }
+}
+
 void saveLog(kesta& log, const std::string& path) {
     takeTagsFromColumn(log);
     const FileIdentity before(path);

@@ -39,14 +39,15 @@ void readWholeFile(const std::string& path, TextFile& file) {
 /// does not show that.
 class FieldScan {
  public:
+    enum class Kind { cut, quoteDropped, neverEnds };
     struct Loss {
         unsigned field;  // from 0
-        bool cut;        // else a double quote was dropped
+        Kind kind;
     };
 
     explicit FieldScan(std::string_view line) : m_line(line) {
         // Behind a cut, what is read has nothing to do with the fields that were meant.
-        while (m_at < m_line.size() && (m_losses.empty() || !m_losses.back().cut)) {
+        while (m_at < m_line.size() && (m_losses.empty() || m_losses.back().kind != Kind::cut)) {
             if (Ascii::isControl(m_line[m_at])) {
                 ++m_at;
             } else {
@@ -84,11 +85,12 @@ class FieldScan {
             stored += backslashes ? 2 : 1;
             m_at += pair ? 2 : 1;
         }
-        if (m_dropsQuote) m_losses.push_back({m_field, false});
+        if (m_dropsQuote) m_losses.push_back({m_field, Kind::quoteDropped});
         const bool atComma = m_at < m_line.size() && m_line[m_at] == ',' && !m_quoted;
         const bool atLastQuote = m_at + 1 == m_line.size() && m_line[m_at] == '"';
         const bool atEnd = m_at == m_line.size();
-        if (!atComma && !atLastQuote && !atEnd) m_losses.push_back({m_field, true});
+        if (!atComma && !atLastQuote && !atEnd) m_losses.push_back({m_field, Kind::cut});
+        if (atEnd && m_quoted) m_losses.push_back({m_field, Kind::neverEnds});
         if (m_at < m_line.size()) ++m_at;
     }
 
@@ -361,14 +363,23 @@ class Inspector {
             return;
         const FieldScan scan(raw);
         for (const FieldScan::Loss& loss : scan.losses()) {
-            report(
-                line, loss.field + 1,
-                loss.cut
-                    ? "the field is longer than 4095 bytes; it is cut there and the rest is read as further "
-                      "fields: shorten it"
-                    : "a double quote inside the field is dropped; write it twice, inside a quoted field",
-                true);
+            report(line, loss.field + 1, describe(loss.kind), true);
         }
+    }
+
+    static const char* describe(FieldScan::Kind kind) noexcept {
+        switch (kind) {
+            case FieldScan::Kind::cut:
+                return "the field is longer than 4095 bytes; it is cut there and the rest is read as further "
+                       "fields: "
+                       "shorten it";
+            case FieldScan::Kind::quoteDropped:
+                return "a double quote inside the field is dropped; write it twice, inside a quoted field";
+            case FieldScan::Kind::neverEnds:
+                break;
+        }
+        return "the quoted field never ends, as in a file that has been cut off; complete it and close the "
+               "quote";
     }
 
     std::size_t linesFrom(unsigned line) const {

@@ -28,7 +28,7 @@ std::vector<ColumnText> keepMatchesOfOneQuery(KSTViewRep& view, const std::vecto
 }  // namespace
 
 KSTView viewOf(kesta& log) {
-    KSTView view(new KSTViewRep(&log));
+    KSTView view(new KSTViewRep(&log, ""));
     view->setupViewTagsFromKestaTagField();
     return view;
 }

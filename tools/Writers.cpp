@@ -236,7 +236,8 @@ class AleWriter {
     // A time code that is stored as bare digits gets its punctuation, which readers of the form expect.
     LightweightString<char> exchangeForm(const dbrecord& record, unsigned column) const {
         const LightweightString<char>& value = record.getField(static_cast<unsigned short>(column));
-        if (m_log.get_field_type(column) != DBFieldTypes::eTimecode) return value;
+        const DBFieldTypes::eType type = m_log.get_field_type(column);
+        if (type != DBFieldTypes::eTimecode && type != DBFieldTypes::eTimecodeS) return value;
         const time_def code(value.c_str(), eTimecodeLabel);
         return code.valid() && code.get_database_str() == value ? code.get_punctuated_str() : value;
     }

@@ -144,7 +144,7 @@ TEST_F(ExchangeTest, ManyWarningsAreCountedRatherThanListed) {
 
 TEST_F(ExchangeTest, ExchangeFilesGetCodesWithPunctuationAndNoTabs) {
     folder.with("a.log",
-                "\"KESTA:Rev 1\"\n\"KESTA\"\n\"4\",\"4\"\n\"timecode\",\"text\"\n\"Start time\",\"Notes\"\n"
+                "\"KESTA:Rev 1\"\n\"KESTA\"\n\"4\",\"4\"\n\"timecode_s\",\"text\"\n\"Start time\",\"Notes\"\n"
                 "\"01000010\",\"01000010\"\n\"01000010;\",\"a\tb\\nc\"\n\"none\",\"\"\n");
     const Outcome result = run({"export", path("a.log"), "--format", "ale", "-o", path("b.ale")});
     EXPECT_EQ(result.err, "kesta: warning: row 2, column 2 (Notes): tabs and line ends become spaces\n");

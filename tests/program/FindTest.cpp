@@ -88,6 +88,8 @@ TEST_F(FindTest, RefusesWhatItCannotLookForOrCopyWhole) {
         {{"find", file, "Notes=x", "-o", path("x.csv")}, 2, "a log cannot have this name"},
         {{"find", damaged, "A=1", "-o", path("x.log")}, 2, "not copied, because its copy would lack"},
         {{"find", file, "Notes=circle", "-o", path("none/x.log")}, 2, "No such file or directory"},
+        {{"find", file, "Notes=circle", "-o", path("./codes.log"), "--force"}, 2, "is the log itself"},
+        {{"export", file, "--format", "csv", "-o", file}, 2, "is the log itself"},
     };
     for (const Refused& refused : cases) {
         const Outcome outcome = run(refused.arguments);

@@ -7,6 +7,7 @@
 #include "tools/Writers.h"
 
 int Commands::exportLog(const ExportOptions& options) {
+    if (!options.output.empty()) requireOutputApart(options.log, options.output);
     const Zr::Ptr<kesta> log = openLog(options.log);
     const LineEnd end = options.format == "csv" ? LineEnd::crlf : LineEnd::lf;
     const auto output = options.output.empty() ? standardOutput(end) : fileOutput(options.output, end);

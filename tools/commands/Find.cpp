@@ -29,7 +29,10 @@ void saveRows(KSTViewRep& view, const std::string& path) {
 
 int Commands::findRecords(const FindOptions& options) {
     const bool saves = !options.output.empty();
-    if (saves) requireLogMayBeMade(options.output, options.force);
+    if (saves) {
+        requireOutputApart(options.log, options.output);
+        requireLogMayBeMade(options.output, options.force);
+    }
     const Zr::Ptr<kesta> log = saves ? openLogForCopying(options.log, options.force) : openLog(options.log);
     const KSTView view = viewOf(*log);
     keepMatches(*view, parseSearch(*log, options.texts));

@@ -1,5 +1,6 @@
 // kesta import: a log from the file of another program.
 #include <algorithm>
+#include <map>
 
 #include "record/kesta.h"
 #include "support/StringFunctions.h"
@@ -102,10 +103,12 @@ class Importer {
         }
     }
 
-    std::string freeKey(const std::string& key) const {
+    // Counts on from the last number that the key was given, for files that repeat one often.
+    std::string freeKey(const std::string& key) {
         std::string candidate = key;
-        for (unsigned number = 2; m_log.findParamIndex(libraryText(candidate)) >= 0; ++number) {
-            candidate = key + ' ' + std::to_string(number);
+        unsigned& number = m_lastKeyNumber.emplace(key, 1).first->second;
+        while (m_log.findParamIndex(libraryText(candidate)) >= 0) {
+            candidate = key + ' ' + std::to_string(++number);
         }
         return candidate;
     }
@@ -196,6 +199,7 @@ class Importer {
     std::size_t m_reach = 0;  // the columns up to the last value of any row
     std::size_t m_namedColumns = 0;
     std::size_t m_changed = 0;
+    std::map<std::string, unsigned> m_lastKeyNumber;
     bool m_keepsTags = true;
 };
 

@@ -85,6 +85,10 @@ int change(const TagOptions& options) {
     const Zr::Ptr<kesta> log = openLogForEditing(options.log, options.force);
     const unsigned columns = log->get_num_fields();
     const unsigned tagColumn = log->addField(DBFieldDesc("Tag", DBFieldTypes::eNumeric));
+    if (tagColumn >= log->get_num_fields()) {
+        throw Failure(options.log +
+                      ": the log has as many columns as a log can have, so none can be added for tags");
+    }
     const KSTView view = viewOf(*log);
     changeTags(*log, view, options);
     storeTags(view, tagColumn);
