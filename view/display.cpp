@@ -2,7 +2,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 #include "view/KSTViewRep.h"
 #include "view/LifeSupport.h"
@@ -92,23 +96,26 @@ void KSTViewRep::displayAllRecords() {
     if (self && db()) displayRecordsAt(0, std::numeric_limits<int>::max(), 0);
 }
 
-void KSTViewRep::displayAllRecordsWithBaseTagStatus() {
+// Shows all rows, and where the source has a field "Tag" tags those for which isTagged(source, row, field).
+template <class IsTagged>
+void KSTViewRep::displayAllRecordsTaggedBy(const IsTagged& isTagged) {
     const LifeWatch self = watch();
     displayAllRecords();
     iKST* const source = self ? db() : nullptr;
-    if (!source || source->get_fieldnum("Tag") == noField) return;
-    for (unsigned row = 0; row < source->get_num_records(); ++row) set_tag(row, source->get_tag(row) != 0);
+    const unsigned field = source ? source->get_fieldnum("Tag") : noField;
+    if (field == noField) return;
+    for (unsigned row = 0; row < source->get_num_records(); ++row)
+        set_tag(row, isTagged(*source, row, field));
+}
+
+void KSTViewRep::displayAllRecordsWithBaseTagStatus() {
+    displayAllRecordsTaggedBy([](iKST& source, unsigned row, unsigned) { return source.get_tag(row) != 0; });
 }
 
 void KSTViewRep::setupViewTagsFromKestaTagField() {
-    const LifeWatch self = watch();
-    displayAllRecords();
-    const iKST* const source = self ? db() : nullptr;
-    const unsigned field = source ? source->get_fieldnum("Tag") : noField;
-    if (field == noField) return;
-    for (unsigned row = 0; row < source->get_num_records(); ++row) {
-        set_tag(row, saysTagged(source->getField(row, field)));
-    }
+    displayAllRecordsTaggedBy([](const iKST& source, unsigned row, unsigned field) {
+        return saysTagged(source.getField(row, field));
+    });
 }
 
 void KSTViewRep::buildIndex() {
@@ -127,6 +134,11 @@ void KSTViewRep::insertBlankRecords(int at, int count) {
 
     m_index.insert(at, row, count);
     m_index.addToRows(at + count, static_cast<unsigned>(count));
+    const auto takeBack = [&] {
+        m_index.addToRows(at + count, static_cast<unsigned>(-count));
+        m_index.erase(at, count);
+    };
+    const unsigned before = source->get_num_records();
     try {
         if (atEnd) {
             source->add_records(count);
@@ -134,8 +146,8 @@ void KSTViewRep::insertBlankRecords(int at, int count) {
             source->insert_records(row, static_cast<unsigned>(count));
         }
     } catch (...) {
-        m_index.addToRows(at + count, static_cast<unsigned>(-count));
-        m_index.erase(at, count);
+        takeBack();
         throw;
     }
+    if (count > 0 && source->get_num_records() == before) takeBack();
 }
