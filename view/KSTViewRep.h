@@ -342,6 +342,7 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     bool canStandOn(const KSTViewRep* base) const noexcept;
     void raiseAbove(int above) noexcept;
     std::uint64_t lastAttachment() const noexcept;
+    const KSTViewRep& bottomView() const noexcept;
     Zr::Ptr<Zr::Guard> listenTo(Notifier& source);
     void addParams(const KSTBase* other);
 

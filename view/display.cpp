@@ -20,6 +20,42 @@ bool saysTagged(const LightweightString<char>& text) noexcept {
     return std::strtol(text.c_str(), nullptr, 10) != 0;
 }
 
+/// Looks up identifiers as findFirst of a source does, which asks the database at the end of the chain: for
+/// each identifier that the database does not know it compares the texts of all rows. For many of them the
+/// texts are gathered once. Valid while nothing changes.
+class IdentifierLookup {
+ public:
+    IdentifierLookup(iKST& source, kesta* database) : m_source(source), m_database(database) {}
+
+    int find(const Cookie& id) {
+        const auto text = id.asString(false);
+        if (!m_database || m_database->get_show_tags_only() != 0 ||
+            m_database->getRowIndexByID(Cookie(text.c_str(), false)) != noField) {
+            return m_source.findFirst("Cookie", text.c_str(), 0);
+        }
+        if (!m_rows) m_rows.emplace(rowsByText(*m_database));
+        const auto found = m_rows->find(text.c_str());
+        return found != m_rows->end() ? static_cast<int>(found->second) : -1;
+    }
+
+ private:
+    using RowsByText = std::unordered_map<std::string_view, unsigned>;
+
+    static RowsByText rowsByText(const kesta& database) {
+        RowsByText rows;
+        const unsigned column = database.get_fieldnum("Cookie");
+        if (column == noField) return rows;
+        for (unsigned row = 0; row < database.get_num_records(); ++row) {
+            rows.emplace(database.getField(row, column).c_str(), row);
+        }
+        return rows;
+    }
+
+    iKST& m_source;
+    kesta* m_database;
+    std::optional<RowsByText> m_rows;
+};
+
 }  // namespace
 
 int KSTViewRep::displayRecordsAt(int first, int count, int at) {
@@ -77,9 +113,10 @@ int KSTViewRep::displayRecordsOf(const Cookie* begin, const Cookie* end, int at)
     const LifeSupport announced;
     iKST* const source = db();
     if (!source) return 0;
+    IdentifierLookup lookup(*source, bottomView().database());
     std::vector<unsigned> found;
     for (const Cookie* id = begin; id != end; ++id) {
-        const int row = source->findFirst("Cookie", id->asString(false).c_str(), 0);
+        const int row = lookup.find(*id);
         if (row >= 0 && static_cast<unsigned>(row) < source->get_num_records()) {
             found.push_back(static_cast<unsigned>(row));
         }
