@@ -205,12 +205,15 @@ TEST(ViewLife, AListenerMayRefreshTheViewAtEachLoss) {
     const auto database = rows(10);
     const KSTView view = viewOfAll(*database);
     bool refreshing = false;
+    int refreshes = 0;
     const auto guard = onDeletion(*view, [&] {
         if (std::exchange(refreshing, true)) return;
         view->displayAllRecords();
+        ++refreshes;
         refreshing = false;
     });
     database->delete_records(2, 3);
+    EXPECT_EQ(2, refreshes) << "at the first loss, after which none is left, and at the summary";
     EXPECT_EQ((Fields{"0", "1", "5", "6", "7", "8", "9"}), columnOf(*view, 0));
 }
 
