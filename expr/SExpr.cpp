@@ -88,6 +88,7 @@ void SExprOperator::asString(GrowString& out) {
 SExprRef::~SExprRef() = default;
 
 void SExprRef::asString(GrowString& out) {
-    const char* const name = m_source ? m_source->get_fieldname(m_field) : "voidref";
+    const iKST* const bound = source();
+    const char* const name = bound ? bound->get_fieldname(m_field) : "voidref";
     if (name) out.append(name);
 }

@@ -6,6 +6,9 @@
 // Thread-safety: none; a tree belongs to one thread at a time.
 #pragma once
 
+#include <optional>
+
+#include "record/LifeWatch.h"
 #include "support/Export.h"
 #include "support/GrowString.h"
 #include "support/LibraryObject.h"
@@ -63,17 +66,24 @@ class KESTA_API SExprRef : public SExprElt {
  public:
     /// The source is not owned and must outlive the reference. Null makes an unbound reference.
     SExprRef(unsigned field, iKST* source) noexcept : m_field(field), m_source(source) {}
+
+    /// A reference that is unbound once its source has gone.
+    SExprRef(unsigned field, iKST* source, const LifeWatch& sourceLives) noexcept
+        : m_field(field), m_source(source), m_sourceLives(sourceLives) {}
     ~SExprRef() override;
 
     /// The field's name in the source; "voidref" when unbound.
     void asString(GrowString& out) override;
 
     unsigned field() const noexcept { return m_field; }
-    iKST* source() const noexcept { return m_source; }
+
+    /// Null when unbound.
+    iKST* source() const noexcept { return !m_sourceLives || *m_sourceLives ? m_source : nullptr; }
 
  private:
     unsigned m_field;
     iKST* m_source;
+    std::optional<LifeWatch> m_sourceLives;  // none where the source is known to outlive the reference
 };
 
 /// Walks the cells of a list, which must outlive it. Begins before the first cell.

@@ -23,9 +23,9 @@
 // are not notified: views that do not take part keep their row numbers.
 //
 // Thread-safety: one thread at a time; reading from several threads is safe while nobody changes the view or
-// its source (copying and destroying handles are changes). Only one sort may run at a time in a process.
-// Memory: running out throws Zr::Exception::BadAlloc; rows that a deletion has taken are gone from the view
-// even then, though views further up may not have heard of it.
+// its source (copying and destroying handles are changes, and so is saveOnlyTagged). Only one sort may run at
+// a time in a process. Memory: running out throws Zr::Exception::BadAlloc; rows that a deletion has taken are
+// gone from the view even then, though views further up may not have heard of it.
 #pragma once
 
 #include <cstdint>
@@ -56,6 +56,7 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     ~KSTViewRep() override;
 
     /// Detaches the view, empties its rows and its list of fields, and makes sure of the revision parameter.
+    /// A view with a base view loses its other parameters with that, as by baseView; one without keeps them.
     void init();
 
     /// How many handles and chained views hold this view.
@@ -140,7 +141,8 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
 
     /// Makes blank records in the source and shows them before view row `at`: they come before the record
     /// shown there, or at the end of the source. Entries from `at` on are moved up by `count` source rows;
-    /// those before it, deliberately, are not, even if they name rows behind the new ones.
+    /// those before it, deliberately, are not, even if they name rows behind the new ones. Where the source
+    /// makes none the view stays as it is.
     void insertBlankRecords(int at, int count);
 
     // --- Removing rows and deleting records (removal.cpp) ---
@@ -180,7 +182,7 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     int countTags() const;
 
     /// Tags the rows that match the source's query; the others lose their tags unless `keep` is not 0.
-    /// Answers how many matched.
+    /// Answers how many matched. A row that match_record answers -1 for does not match.
     int tagMatches(int keep);
 
     /// Tags each row whose field equals, ignoring case, that of the row that began the run. Other tags stay.
@@ -188,13 +190,15 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     int tagDuplicatesOrdered(int field);
 
     /// Tags all but the first of the rows that are equal in a field when sorted on it, and clears all other
-    /// tags. Leaves the field as the database's sort field. Answers how many were tagged.
+    /// tags. Leaves the field as the database's sort field. Answers how many were tagged; does nothing and
+    /// answers 0 without a source and where the chain is as long as it may be.
     int tagDuplicates(int field);
 
     /// Gives the source's rows the tags of this view's.
     void tagBaseFromTags();
 
-    /// A new view of this view's tagged rows, chained on this one; the caller's. Null without a database.
+    /// A new view of this view's tagged rows, chained on this one; the caller's. Null without a database,
+    /// and where the chain is as long as it may be.
     KSTViewRep* newTagSubview();
 
     // --- Copies (copying.cpp) ---
@@ -237,7 +241,8 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     int saveAsText(const char* name, bool headerOnly) const;
 
     /// Only records that are tagged in the database; tags of the view do not matter. Answers, deliberately,
-    /// the number of rows in the view; 0 as above.
+    /// the number of rows in the view; 0 as above. Clears the changed marks of the records it writes: it is
+    /// no reading that several threads may do at once.
     int saveOnlyTagged(LightweightString<wchar_t> name) const;
     int saveOnlyTagged(const char* name) const;
 
@@ -323,7 +328,6 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
 
  private:
     friend class KSTView;
-    class FieldRef;
     class Held;
 
     // --- Uses ---
@@ -338,6 +342,7 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     bool canStandOn(const KSTViewRep* base) const noexcept;
     void raiseAbove(int above) noexcept;
     std::uint64_t lastAttachment() const noexcept;
+    const KSTViewRep& bottomView() const noexcept;
     Zr::Ptr<Zr::Guard> listenTo(Notifier& source);
     void addParams(const KSTBase* other);
 
@@ -345,6 +350,8 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
 
     Zr::Ptr<dbrecord> record(int row) const;
     std::optional<unsigned> sourceRow(unsigned row) const noexcept;
+    template <class IsTagged>
+    void displayAllRecordsTaggedBy(const IsTagged& isTagged);
     int displayRecordsOf(const Cookie* begin, const Cookie* end, int at);
     int runLength(int row, int count) const noexcept;
     template <class TakeOut>
@@ -381,25 +388,4 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     LightweightString<wchar_t> m_fileName;
     Zr::Ptr<Zr::Guard> m_databaseGuard;
     Zr::Ptr<Zr::Guard> m_baseGuard;
-};
-
-/// Keeps a view alive, even one without a use, while others that are chained on it come and go.
-class KSTViewRep::Held {
- public:
-    explicit Held(KSTViewRep& view) noexcept : m_view(view), m_inUse(view.m_useCount != 0) {
-        m_view.addUse();
-    }
-    Held(const Held&) = delete;
-    Held& operator=(const Held&) = delete;
-    ~Held() {
-        if (m_inUse) {
-            release(&m_view);
-        } else {
-            --m_view.m_useCount;
-        }
-    }
-
- private:
-    KSTViewRep& m_view;
-    const bool m_inUse;
 };

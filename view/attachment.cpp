@@ -134,6 +134,13 @@ iKST* KSTViewRep::db() const noexcept {
     return database();
 }
 
+// The view at the end of the chain, which stands on no other.
+const KSTViewRep& KSTViewRep::bottomView() const noexcept {
+    const KSTViewRep* view = this;
+    while (const KSTViewRep* const base = view->m_base.get()) view = base;
+    return *view;
+}
+
 LifeWatch KSTViewRep::sourceWatch() const noexcept {
     return m_base.isSet() ? m_base.watch() : m_database.watch();
 }

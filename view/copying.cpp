@@ -1,4 +1,6 @@
 // KSTViewRep: copies of a view.
+#include <vector>
+
 #include "view/CopiedDatabase.h"
 #include "view/KSTViewRep.h"
 

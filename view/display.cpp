@@ -2,7 +2,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 #include "view/KSTViewRep.h"
 #include "view/LifeSupport.h"
@@ -15,6 +19,42 @@ constexpr unsigned noField = static_cast<unsigned>(-1);
 bool saysTagged(const LightweightString<char>& text) noexcept {
     return std::strtol(text.c_str(), nullptr, 10) != 0;
 }
+
+/// Looks up identifiers as findFirst of a source does, which asks the database at the end of the chain: for
+/// each identifier that the database does not know it compares the texts of all rows. For many of them the
+/// texts are gathered once. Valid while nothing changes.
+class IdentifierLookup {
+ public:
+    IdentifierLookup(iKST& source, kesta* database) : m_source(source), m_database(database) {}
+
+    int find(const Cookie& id) {
+        const auto text = id.asString(false);
+        if (!m_database || m_database->get_show_tags_only() != 0 ||
+            m_database->getRowIndexByID(Cookie(text.c_str(), false)) != noField) {
+            return m_source.findFirst("Cookie", text.c_str(), 0);
+        }
+        if (!m_rows) m_rows.emplace(rowsByText(*m_database));
+        const auto found = m_rows->find(text.c_str());
+        return found != m_rows->end() ? static_cast<int>(found->second) : -1;
+    }
+
+ private:
+    using RowsByText = std::unordered_map<std::string_view, unsigned>;
+
+    static RowsByText rowsByText(const kesta& database) {
+        RowsByText rows;
+        const unsigned column = database.get_fieldnum("Cookie");
+        if (column == noField) return rows;
+        for (unsigned row = 0; row < database.get_num_records(); ++row) {
+            rows.emplace(database.getField(row, column).c_str(), row);
+        }
+        return rows;
+    }
+
+    iKST& m_source;
+    kesta* m_database;
+    std::optional<RowsByText> m_rows;
+};
 
 }  // namespace
 
@@ -73,9 +113,10 @@ int KSTViewRep::displayRecordsOf(const Cookie* begin, const Cookie* end, int at)
     const LifeSupport announced;
     iKST* const source = db();
     if (!source) return 0;
+    IdentifierLookup lookup(*source, bottomView().database());
     std::vector<unsigned> found;
     for (const Cookie* id = begin; id != end; ++id) {
-        const int row = source->findFirst("Cookie", id->asString(false).c_str(), 0);
+        const int row = lookup.find(*id);
         if (row >= 0 && static_cast<unsigned>(row) < source->get_num_records()) {
             found.push_back(static_cast<unsigned>(row));
         }
@@ -92,23 +133,26 @@ void KSTViewRep::displayAllRecords() {
     if (self && db()) displayRecordsAt(0, std::numeric_limits<int>::max(), 0);
 }
 
-void KSTViewRep::displayAllRecordsWithBaseTagStatus() {
+// Shows all rows, and where the source has a field "Tag" tags those for which isTagged(source, row, field).
+template <class IsTagged>
+void KSTViewRep::displayAllRecordsTaggedBy(const IsTagged& isTagged) {
     const LifeWatch self = watch();
     displayAllRecords();
     iKST* const source = self ? db() : nullptr;
-    if (!source || source->get_fieldnum("Tag") == noField) return;
-    for (unsigned row = 0; row < source->get_num_records(); ++row) set_tag(row, source->get_tag(row) != 0);
+    const unsigned field = source ? source->get_fieldnum("Tag") : noField;
+    if (field == noField) return;
+    for (unsigned row = 0; row < source->get_num_records(); ++row)
+        set_tag(row, isTagged(*source, row, field));
+}
+
+void KSTViewRep::displayAllRecordsWithBaseTagStatus() {
+    displayAllRecordsTaggedBy([](iKST& source, unsigned row, unsigned) { return source.get_tag(row) != 0; });
 }
 
 void KSTViewRep::setupViewTagsFromKestaTagField() {
-    const LifeWatch self = watch();
-    displayAllRecords();
-    const iKST* const source = self ? db() : nullptr;
-    const unsigned field = source ? source->get_fieldnum("Tag") : noField;
-    if (field == noField) return;
-    for (unsigned row = 0; row < source->get_num_records(); ++row) {
-        set_tag(row, saysTagged(source->getField(row, field)));
-    }
+    displayAllRecordsTaggedBy([](const iKST& source, unsigned row, unsigned field) {
+        return saysTagged(source.getField(row, field));
+    });
 }
 
 void KSTViewRep::buildIndex() {
@@ -127,6 +171,11 @@ void KSTViewRep::insertBlankRecords(int at, int count) {
 
     m_index.insert(at, row, count);
     m_index.addToRows(at + count, static_cast<unsigned>(count));
+    const auto takeBack = [&] {
+        m_index.addToRows(at + count, static_cast<unsigned>(-count));
+        m_index.erase(at, count);
+    };
+    const unsigned before = source->get_num_records();
     try {
         if (atEnd) {
             source->add_records(count);
@@ -134,8 +183,8 @@ void KSTViewRep::insertBlankRecords(int at, int count) {
             source->insert_records(row, static_cast<unsigned>(count));
         }
     } catch (...) {
-        m_index.addToRows(at + count, static_cast<unsigned>(-count));
-        m_index.erase(at, count);
+        takeBack();
         throw;
     }
+    if (count > 0 && source->get_num_records() == before) takeBack();
 }

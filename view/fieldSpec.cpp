@@ -1,6 +1,5 @@
 // KSTViewRep: the field specification.
 #include <algorithm>
-#include <cstring>
 #include <memory>
 #include <string_view>
 #include <unordered_map>
@@ -9,29 +8,11 @@
 #include "support/Log.h"
 #include "view/KSTViewRep.h"
 
-/// A reference to a field of a source that may go before the view does.
-class KSTViewRep::FieldRef : public SExprRef {
- public:
-    FieldRef(unsigned field, iKST* source, const LifeWatch& sourceLives)
-        : SExprRef(field, source), m_sourceLives(sourceLives) {}
-
-    void asString(GrowString& out) override {
-        if (m_sourceLives) {
-            SExprRef::asString(out);
-        } else {
-            SExprRef(field(), nullptr).asString(out);
-        }
-    }
-
- private:
-    LifeWatch m_sourceLives;
-};
-
 namespace {
 
 using FieldsByName = std::unordered_map<std::string_view, unsigned>;
 
-/// The first field of each exact name, for specifications that name many. Valid while no name changes.
+/// The first field of each exact name. Valid while no name changes.
 FieldsByName fieldsByName(const iKST* source) {
     FieldsByName fields;
     for (unsigned field = 0; source && field < source->get_num_fields(); ++field) {
@@ -71,7 +52,7 @@ void KSTViewRep::fieldSpec(const char* specification) {
 }
 
 void KSTViewRep::pushFieldRef(unsigned field) {
-    auto ref = std::make_unique<FieldRef>(field, db(), sourceWatch());
+    auto ref = std::make_unique<SExprRef>(field, db(), sourceWatch());
     auto cell = std::make_unique<SExpr>(ref.get(), m_fields.get());
     (void)ref.release();
     (void)m_fields.release();
@@ -89,12 +70,10 @@ void KSTViewRep::identityFieldSpec(GrowString& out) const {
 int KSTViewRep::dbFieldIndex(const char* name) const {
     const iKST* const source = db();
     if (!source || !name) return -1;
-    const int fields = static_cast<int>(source->get_num_fields());
-    if (fields < 0) return 0;
-    for (int field = 0; field < fields; ++field) {
-        if (std::strcmp(source->get_fieldname(static_cast<unsigned>(field)), name) == 0) return field;
-    }
-    return -1;
+    if (static_cast<int>(source->get_num_fields()) < 0) return 0;
+    const FieldsByName fields = fieldsByName(source);
+    const auto found = fields.find(name);
+    return found != fields.end() ? static_cast<int>(found->second) : -1;
 }
 
 void KSTViewRep::asString(GrowString& out) const {

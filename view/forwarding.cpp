@@ -1,7 +1,7 @@
 // KSTViewRep: the record-source interface.
 #include <limits>
 
-#include "view/KSTViewRep.h"
+#include "view/HeldView.h"
 
 namespace {
 

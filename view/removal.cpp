@@ -193,11 +193,10 @@ bool KSTViewRep::isInBottomView(int row) const {
 }
 
 bool KSTViewRep::isInDatabase(int row) const {
-    const KSTViewRep* bottom = this;
-    while (bottom->m_base.get()) bottom = bottom->m_base.get();
-    const kesta* const source = bottom->database();
+    const KSTViewRep& bottom = bottomView();
+    const kesta* const source = bottom.database();
     const std::optional<int> found = bottomRow(row);
-    return source && found && bottom->m_index.row(*found) < source->get_num_records();
+    return source && found && bottom.m_index.row(*found) < source->get_num_records();
 }
 
 // Takes out each run of rows that pass the test and can be taken out; answers the rows in all runs.

@@ -8,12 +8,14 @@ int KSTViewRep::saveAsText(LightweightString<wchar_t> name, bool headerOnly) con
     TextFile file;
     writeHeader(file);
     int written = 0;
+    // Record sources read tags through an operation that is not const, which derived views may answer.
+    auto& reader = const_cast<KSTViewRep&>(*this);
     const auto tagField = static_cast<int>(get_fieldnum("Tag"));
     for (int row = 0; !headerOnly && row < m_index.size(); ++row) {
         const Zr::Ptr<dbrecord> shown = record(row);
         if (!shown) continue;
         dbrecord line(*shown);
-        if (tagField >= 0) line.set_field(tagField, m_index.tag(row) ? 1 : 0);
+        if (tagField >= 0) line.set_field(tagField, reader.get_tag(static_cast<unsigned>(row)));
         if (!line.write(file)) break;
         ++written;
     }

@@ -1,4 +1,6 @@
 // KSTViewRep: sorting the rows of a view.
+#include <vector>
+
 #include "record/SortKeys.h"
 #include "view/KSTViewRep.h"
 #include "view/LifeSupport.h"

@@ -1,5 +1,5 @@
 // KSTViewRep: tags.
-#include "view/KSTViewRep.h"
+#include "view/HeldView.h"
 
 bool KSTViewRep::tag(int row) {
     return m_index.contains(row) && m_index.tag(row);
@@ -38,6 +38,7 @@ int KSTViewRep::tagMatches(int keep) {
 }
 
 int KSTViewRep::tagDuplicatesOrdered(int field) {
+    if (!db()) return 0;
     const auto column = static_cast<unsigned>(static_cast<unsigned short>(field));
     int count = 0;
     unsigned first = 0;

@@ -54,6 +54,16 @@ TEST_F(SExprTest, PrintsElementsSeparatedBySpaces) {
     EXPECT_EQ(print(outOfRange), "()");
 }
 
+TEST_F(SExprTest, AReferenceIsUnboundOnceItsSourceHasGone) {
+    Zr::Ptr<kesta> database(new kesta(std::vector<DBFieldDesc>{{"Name", DBFieldTypes::eText}}));
+    SExprRef reference(0, database.get(), database->watch());
+    EXPECT_EQ(print(reference), "Name");
+    EXPECT_EQ(reference.source(), database.get());
+    database.reset();
+    EXPECT_EQ(print(reference), "voidref");
+    EXPECT_EQ(reference.source(), nullptr);
+}
+
 TEST_F(SExprTest, PrintsListsInListsAndMissingElements) {
     SExpr list(new SExpr(named('a'), new SExpr(new SExpr(named('b')))),
                new SExpr(named('c'), new SExpr(nullptr, new SExpr(new Bracketed(named('d'))))));

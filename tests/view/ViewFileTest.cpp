@@ -45,6 +45,18 @@ TEST_F(ViewFile, HoldsItsRowsInOrderWithItsOwnTags) {
         << "the records themselves keep their field";
 }
 
+TEST_F(ViewFile, HoldsTheTagsThatADerivedViewAnswers) {
+    class AllTagged : public KSTViewRep {
+     public:
+        using KSTViewRep::KSTViewRep;
+        int get_tag(unsigned) override { return 1; }
+    };
+    const KSTView derived(new AllTagged(database.get()));
+    derived->displayAllRecords();
+    ASSERT_EQ(4, derived->saveAsText(wide(folder / "view.kst"), false));
+    EXPECT_EQ((Fields{"1", "1", "1", "1"}), TestSupport::columnOf(*loadDatabase(folder / "view.kst"), 2));
+}
+
 TEST_F(ViewFile, HasTheWholeDatabasesColumnsUnderAChain) {
     const KSTView chained(new KSTViewRep(database.get()));
     chained->baseView(view.rep());

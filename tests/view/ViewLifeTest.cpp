@@ -151,6 +151,7 @@ TEST(ViewLife, AViewWhoseDatabaseHasGoneHasNoSource) {
     EXPECT_FALSE(view->make_dummy_record());
     chained->deleteRecords(0, 3);
     chained->displayAllRecords();
+    EXPECT_EQ(0, view->tagDuplicatesOrdered(0));
     EXPECT_EQ(0, view->saveAsText("nowhere", false));
     EXPECT_EQ(nullptr, view->copy());
     GrowString out;
@@ -204,12 +205,15 @@ TEST(ViewLife, AListenerMayRefreshTheViewAtEachLoss) {
     const auto database = rows(10);
     const KSTView view = viewOfAll(*database);
     bool refreshing = false;
+    int refreshes = 0;
     const auto guard = onDeletion(*view, [&] {
         if (std::exchange(refreshing, true)) return;
         view->displayAllRecords();
+        ++refreshes;
         refreshing = false;
     });
     database->delete_records(2, 3);
+    EXPECT_EQ(2, refreshes) << "at the first loss, after which none is left, and at the summary";
     EXPECT_EQ((Fields{"0", "1", "5", "6", "7", "8", "9"}), columnOf(*view, 0));
 }
 
@@ -295,6 +299,36 @@ TEST(ViewLife, ManyRowsOfASourceThatRefusesCostLittle) {
     database->set_show_tags_only(1);
     EXPECT_EQ(static_cast<int>((many - 1u) * many / 2), view->deleteTagged());
     EXPECT_EQ(static_cast<unsigned>(many), view->get_num_records());
+    view->insertBlankRecords(3, 2);
+    view->add_records(2);
+    EXPECT_EQ(static_cast<unsigned>(many), view->get_num_records());
+    EXPECT_EQ(3, view->baseIndex(3));
+    EXPECT_EQ(many - 1, view->baseIndex(many - 1));
+}
+
+TEST(ViewLife, ManyIdentifiersAreFoundOneByOneOrTogether) {
+    constexpr int many = 4000;
+    const auto database = makeTextDatabase({"Cookie"});
+    database->add_records(many);
+    CookieVec ids;
+    int expected = 0;
+    const KSTView single(new KSTViewRep(database.get()));
+    for (int i = 0; i < many; ++i) {
+        const std::string text = "id-" + std::to_string(i);
+        database->set_field(static_cast<unsigned>(i), 0, (i % 3 == 0 ? text : "x" + text).c_str());
+        ids.emplace_back(text.c_str(), false);
+    }
+    for (int i = 0; i < many; i += 50) {
+        const auto text = ids[static_cast<std::size_t>(i)].asString(false);
+        expected += single->displayMatchAt("Cookie", text.c_str(), expected);
+    }
+    CookieVec some;
+    for (int i = 0; i < many; i += 50) some.push_back(ids[static_cast<std::size_t>(i)]);
+    const KSTView together(new KSTViewRep(database.get()));
+    EXPECT_EQ(expected, together->displayRecordsAt(some, 0));
+    EXPECT_LT(0, expected);
+    EXPECT_EQ(columnOf(*single, 0), columnOf(*together, 0));
+    together->displayRecordsAt(ids, 0);
 }
 
 // A listener that, at the n-th announcement it hears, ends something: whatever it is and whenever it comes,
