@@ -7,7 +7,7 @@ file(GLOB support_headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PRO
 set(public_headers
     ${support_headers}
     expr/SExpr.h
-    record/CookieIndex.h record/DBFieldTypes.h record/GapVector.h record/KSTBase.h record/LifeWatch.h record/OnDemand.h record/ParamList.h
+    record/CookieIndex.h record/DBFieldTypes.h record/GapVector.h record/KSTBase.h record/OnDemand.h record/ParamList.h
     record/dbrecord.h record/iKST.h record/kesta.h
     view/KSTView.h view/KSTViewCursor.h view/KSTViewRep.h view/RowIndex.h
     fieldmap/FieldMap.h

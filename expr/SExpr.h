@@ -8,10 +8,10 @@
 
 #include <optional>
 
-#include "record/LifeWatch.h"
 #include "support/Export.h"
 #include "support/GrowString.h"
 #include "support/LibraryObject.h"
+#include "support/LifeWatch.h"
 
 class iKST;
 

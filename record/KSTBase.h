@@ -1,9 +1,9 @@
 // KSTBase: a record source with named parameters.
 #pragma once
 
-#include "record/LifeWatch.h"
 #include "record/ParamList.h"
 #include "record/iKST.h"
+#include "support/LifeWatch.h"
 
 /// Parameters are an ordered list of key/value pairs. Keys compare ignoring case. Copies of a database share
 /// the list: a parameter changed through one is seen by the other.

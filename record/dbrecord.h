@@ -12,8 +12,8 @@
 
 #include <vector>
 
-#include "record/LifeWatch.h"
 #include "support/Export.h"
+#include "support/LifeWatch.h"
 #include "support/LightweightString.h"
 #include "support/iObject.h"
 
