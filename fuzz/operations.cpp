@@ -1,6 +1,6 @@
 // Any sequence of the operations that callers have, with good and bad arguments: over a database, a chain of
-// two views on it, a view beside them, a field map and a second database. What
-// they answer must agree with itself.
+// two views on it, views beside them, a field map and a second database. What they answer must agree with
+// itself.
 #include <array>
 #include <memory>
 #include <vector>
