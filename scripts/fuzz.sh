@@ -16,8 +16,9 @@ TMPDIR=$(mktemp -d "$([[ -w /dev/shm ]] && echo /dev/shm || echo "${TMPDIR:-/tmp
 export TMPDIR
 trap 'rm -rf "$TMPDIR"' EXIT
 
-options=(-timeout=10 -rss_limit_mb=2048 -max_len=8192 -verbosity=0 -print_funcs=0 -close_fd_mask=3
-         -artifact_prefix=build/fuzz/)
+# Inputs of full length at once; standard output and error are the program's, and of no interest.
+options=(-timeout=10 -rss_limit_mb=2048 -max_len=8192 -len_control=0 -entropic=0 -close_fd_mask=3
+         -verbosity=0 -print_funcs=0 -artifact_prefix=build/fuzz/)
 for name in "$@"; do
     learnt=build/fuzz/corpus/$name
     log=build/fuzz/$name.txt
