@@ -17,8 +17,9 @@ constexpr const char* description =
     "them.";
 
 constexpr const char* generalNotes =
-    "Exit codes: 0 done; 1 something was found wrong, or nothing was found; 2 a file could not be read or\n"
-    "written, or the command could not be carried out; 64 the command line was not understood.\n"
+    "Exit codes: 0 done; 1 something was found wrong, text was lost, or nothing was found; 2 a file could\n"
+    "not be read or written, or the command could not be carried out; 64 the command line was not\n"
+    "understood.\n"
     "Rows and columns are counted from 1. A value that begins with a dash goes behind \"--\".\n"
     "kesta COMMAND --help shows a command's options and an example.";
 
@@ -168,6 +169,7 @@ void addExchangeCommands(CommandList& commands) {
                 ->required()
                 ->check(CLI::IsMember({"csv", "ale", "json"}));
             app.add_option("-o,--output", options.output, "the file to write, instead of standard output");
+            app.add_flag("--force", options.force, "replace a file that is there already");
             addAllColumns(app, options.allColumns);
         });
 }

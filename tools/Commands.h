@@ -50,6 +50,7 @@ struct ExportOptions {
     std::string log;
     std::string format;  ///< csv, ale or json
     std::string output;  ///< empty for standard output
+    bool force = false;  ///< replace an existing file
     bool allColumns = false;
 };
 

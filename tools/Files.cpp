@@ -46,6 +46,12 @@ bool isSameFile(const std::string& a, const std::string& b) noexcept {
            first.st_dev == second.st_dev;
 }
 
+void requireReplaceable(const std::string& path, bool replace) {
+    struct stat status {};
+    const bool isPlainFile = stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+    if (isPlainFile && !replace) throw Failure(path + ": is there already; --force replaces it");
+}
+
 bool isThere(const std::string& path) noexcept {
     struct stat status {};
     return lstat(path.c_str(), &status) == 0;

@@ -16,5 +16,8 @@ std::string readBytes(const std::string& path);
 /// Whether both names are of one file.
 bool isSameFile(const std::string& a, const std::string& b) noexcept;
 
+/// Throws Failure when a plain file of that name is there and not to be replaced.
+void requireReplaceable(const std::string& path, bool replace);
+
 /// Whether something of that name is there, a dangling link included.
 bool isThere(const std::string& path) noexcept;

@@ -99,10 +99,10 @@ class FileIdentity {
 
 }  // namespace
 
-Zr::Ptr<kesta> openLog(const std::string& path) {
+LogForReading openLog(const std::string& path) {
     const Inspection inspection = inspected(path);
     warnOfFindings(path, inspection);
-    return loaded(path, inspection);
+    return {loaded(path, inspection), inspection.losesText() ? exitFindings : exitDone};
 }
 
 Zr::Ptr<kesta> openLogForEditing(const std::string& path, bool force) {

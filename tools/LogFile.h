@@ -8,10 +8,17 @@
 #include <vector>
 
 #include "record/kesta.h"
+#include "tools/Failure.h"
+
+/// A log whose records are to be shown, and the exit code that its state calls for.
+struct LogForReading {
+    Zr::Ptr<kesta> log;
+    ExitCode exitCode = exitDone;  ///< exitFindings when text of the file was lost
+};
 
 /// A loaded log for reading. Warns of what the loader dropped. Throws Failure when the file cannot be read or
 /// is no log.
-Zr::Ptr<kesta> openLog(const std::string& path);
+LogForReading openLog(const std::string& path);
 
 /// A loaded log for changing and saving. Throws Failure as well when saving would lose any text of the file,
 /// unless `force`, and for a comma-separated file.

@@ -359,8 +359,9 @@ class Inspector {
     void inspectFields(unsigned line, std::size_t columns) {
         const std::string_view raw = m_file.lineView(line);
         const auto quotes = static_cast<std::size_t>(std::count(raw.begin(), raw.end(), '"'));
-        if (raw.size() <= longestField && (quotes == 0 || (quotes == 2 * columns && raw.front() == '"')))
-            return;
+        const bool isQuotedThroughout =
+            quotes == 2 * columns && quotes > 0 && raw.front() == '"' && raw.back() == '"';
+        if (raw.size() <= longestField && (quotes == 0 || isQuotedThroughout)) return;
         const FieldScan scan(raw);
         for (const FieldScan::Loss& loss : scan.losses()) {
             report(line, loss.field + 1, describe(loss.kind), true);

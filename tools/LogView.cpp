@@ -28,6 +28,7 @@ std::vector<ColumnText> keepMatchesOfOneQuery(KSTViewRep& view, const std::vecto
 }  // namespace
 
 KSTView viewOf(kesta& log) {
+    // Without a choice of columns: one that names them all cannot name a column with a comma.
     KSTView view(new KSTViewRep(&log, ""));
     view->setupViewTagsFromKestaTagField();
     return view;

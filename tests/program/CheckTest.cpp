@@ -56,6 +56,12 @@ TEST_F(CheckTest, NamesThePlaceOfEverythingTheLoaderWouldStopAtDropOrWarnOf) {
         {"stray quotes",
          head + "\"5\" reel\",\"2\"\n",
          {":6: column 1 (A): a double quote inside the field is dropped"}},
+        {"an escaped quote in the place of the last one",
+         head + "1,\"2\"\"",
+         {":6: column 2 (B): the quoted field never ends"}},
+        {"names that never end",
+         "\"KESTA:Rev 1\"\n\"KESTA\"\n\"4\"\n\"text\"\n\"A",
+         {":5: column 1 (A): the quoted field never ends"}},
         {"a value that saving would change",
          head + "\"1\",\"a\rb\"\n\"\\\"n,\"2\"\n",
          {":6: column 2 (B): the value would change when the log is saved: it holds a carriage return",
@@ -136,9 +142,11 @@ TEST_F(CheckTest, UnreadableFilesDoNotKeepTheOthersFromBeingChecked) {
 
 TEST_F(CheckTest, ReadingCommandsSayWhatWasNotRead) {
     const std::string file = log("a.log", "\"A\",\"B\"", "\"1\",\"2\"\n\n\"3\",\"4\"\n");
-    for (const std::string command : {"show", "info"}) {
-        const Outcome shown = run({command, file});
-        EXPECT_EQ(shown.exitCode, 0);
+    for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
+             {"show", file}, {"info", file}, {"find", file, "A=1"}, {"export", file, "--format", "csv"}}) {
+        const Outcome shown = run(command);
+        EXPECT_EQ(shown.exitCode, 1);
+        EXPECT_NE(shown.out, "");
         EXPECT_EQ(shown.err.find("kesta: warning: " + file + ":7: a blank line ends the log; 1 line"), 0U);
     }
     const std::string binary = folder

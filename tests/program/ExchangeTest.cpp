@@ -95,7 +95,7 @@ TEST_F(ExchangeTest, ValuesThatALogCannotHoldAreNamed) {
     const std::string tooLong = std::string(4093, 'x') + "\xC3\xA9" + "tail";
     const Outcome import = this->import(
         "a.csv", "Name,Notes,X\n\" a\",b ,c\n\"1\r\n2\",\\n," + tooLong + "\n" + tooLong + ",\"q\"\"\",d\n");
-    EXPECT_EQ(import.exitCode, 0);
+    EXPECT_EQ(import.exitCode, 1);
     EXPECT_EQ(import.err, "kesta: warning: " + file +
                               ":2: column 1 (Name): the value is not kept exactly: it begins with white "
                               "space, which is dropped\n"
@@ -125,11 +125,12 @@ TEST_F(ExchangeTest, ValuesThatALogCannotHoldAreNamed) {
               "Name,Notes,X\r\na,b,c\r\n\"1\n2\",," + cut + "\r\n" + cut + ",\"q\"\"\",d\r\n");
     EXPECT_EQ(run({"check", path("a.log")}).exitCode, 0);
 
-    const Outcome heading =
-        this->import("a.ale", "Heading\nKESTA\tx\nFPS\t25\tFPS\t30\na:b\t\"c\"\n\nColumn\nA\n\nData\n");
+    const Outcome heading = this->import(
+        "a.ale", "Heading\nKESTA\tx\nFPS\t25\tFPS\t30\tfps\t50\na:b\t\"c\"\n\nColumn\nA\n\nData\n");
     EXPECT_EQ(exported("ale"),
-              "Heading\nFIELD_DELIM\tTABS\nKESTA 2\tx\nFPS\t25\nFPS 2\t30\na'b\t'c'\n\nColumn\nA\n\nData\n");
-    EXPECT_EQ(std::count(heading.err.begin(), heading.err.end(), '\n'), 3);
+              "Heading\nFIELD_DELIM\tTABS\nKESTA 2\tx\nFPS\t25\nFPS 2\t30\nfps 3\t50\n"
+              "a'b\t'c'\n\nColumn\nA\n\nData\n");
+    EXPECT_EQ(std::count(heading.err.begin(), heading.err.end(), '\n'), 4);
 }
 
 TEST_F(ExchangeTest, ManyWarningsAreCountedRatherThanListed) {
@@ -188,6 +189,22 @@ TEST_F(ExchangeTest, RefusesWhatItCannotRead) {
     EXPECT_EQ(run({"import", source, "-o", path("a.log")}).exitCode, 2);
     EXPECT_EQ(content("a.log"), "precious");
     EXPECT_EQ(run({"import", source, "-o", path("c.csv")}).exitCode, 2);
+}
+
+TEST_F(ExchangeTest, AnExportReplacesOtherFilesWhenAskedForButNeverItsLog) {
+    const std::string file = log("a.log", "\"A\"", "\"1\"\n");
+    const std::string link = path("link.log");
+    std::filesystem::create_symlink(file, link);
+    const std::string before = content("a.log");
+    for (const std::string& output : {file, link}) {
+        EXPECT_EQ(run({"export", file, "--format", "csv", "-o", output, "--force"}).exitCode, 2) << output;
+        EXPECT_EQ(content("a.log"), before);
+    }
+    folder.with("b.csv", "precious");
+    EXPECT_EQ(run({"export", file, "--format", "csv", "-o", path("b.csv")}).exitCode, 2);
+    EXPECT_EQ(content("b.csv"), "precious");
+    EXPECT_EQ(run({"export", file, "--format", "csv", "-o", path("b.csv"), "--force"}).exitCode, 0);
+    EXPECT_EQ(content("b.csv"), "A\r\n1\r\n");
 }
 
 }  // namespace

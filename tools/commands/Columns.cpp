@@ -86,7 +86,7 @@ int Commands::columns(const ColumnsOptions& options) {
     const bool changes =
         options.reset || !options.show.empty() || !options.hide.empty() || !options.order.empty();
     if (!changes) {
-        list(*openLog(options.log));
+        list(*openLog(options.log).log);
         return exitDone;
     }
     const Zr::Ptr<kesta> log = openLogForEditing(options.log, options.force);

@@ -2,13 +2,17 @@
 #include "tools/ColumnMap.h"
 #include "tools/Commands.h"
 #include "tools/Failure.h"
+#include "tools/Files.h"
 #include "tools/LogFile.h"
 #include "tools/Output.h"
 #include "tools/Writers.h"
 
 int Commands::exportLog(const ExportOptions& options) {
-    if (!options.output.empty()) requireOutputApart(options.log, options.output);
-    const Zr::Ptr<kesta> log = openLog(options.log);
+    if (!options.output.empty()) {
+        requireOutputApart(options.log, options.output);
+        requireReplaceable(options.output, options.force);
+    }
+    const auto [log, exitCode] = openLog(options.log);
     const LineEnd end = options.format == "csv" ? LineEnd::crlf : LineEnd::lf;
     const auto output = options.output.empty() ? standardOutput(end) : fileOutput(options.output, end);
     Selection selection = everythingOf(*log);
@@ -21,5 +25,5 @@ int Commands::exportLog(const ExportOptions& options) {
         writeAle(*log, selection, *output);
     }
     output->finish();
-    return exitDone;
+    return exitCode;
 }

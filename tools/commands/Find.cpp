@@ -33,7 +33,8 @@ int Commands::findRecords(const FindOptions& options) {
         requireOutputApart(options.log, options.output);
         requireLogMayBeMade(options.output, options.force);
     }
-    const Zr::Ptr<kesta> log = saves ? openLogForCopying(options.log, options.force) : openLog(options.log);
+    const auto [log, exitCode] =
+        saves ? LogForReading{openLogForCopying(options.log, options.force)} : openLog(options.log);
     const KSTView view = viewOf(*log);
     keepMatches(*view, parseSearch(*log, options.texts));
     const bool found = view->get_num_records() > 0;
@@ -44,5 +45,5 @@ int Commands::findRecords(const FindOptions& options) {
         saveRows(*view, options.output);
     }
     if (!found) complain("no record matches");
-    return found ? exitDone : exitFindings;
+    return found ? exitCode : exitFindings;
 }

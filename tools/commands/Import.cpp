@@ -3,6 +3,7 @@
 #include <map>
 
 #include "record/kesta.h"
+#include "support/Ascii.h"
 #include "support/StringFunctions.h"
 #include "tools/Commands.h"
 #include "tools/Failure.h"
@@ -35,7 +36,8 @@ class Importer {
     Importer(const ImportOptions& options, const TableSource& source)
         : m_options(options), m_source(source), m_warnings(options.allWarnings) {}
 
-    void run() {
+    /// Answers the exit code.
+    int run() {
         survey();
         makeColumns();
         storeParameters();
@@ -44,6 +46,7 @@ class Importer {
         m_log.set_filename(Zr::WStringFromAscii(m_options.log.c_str()));
         saveLog(m_log, m_options.log);
         report();
+        return m_changed > 0 ? exitFindings : exitDone;
     }
 
  private:
@@ -106,7 +109,9 @@ class Importer {
     // Counts on from the last number that the key was given, for files that repeat one often.
     std::string freeKey(const std::string& key) {
         std::string candidate = key;
-        unsigned& number = m_lastKeyNumber.emplace(key, 1).first->second;
+        std::string folded = key;
+        for (char& c : folded) c = Ascii::fold(c);
+        unsigned& number = m_lastKeyNumber.emplace(std::move(folded), 1).first->second;
         while (m_log.findParamIndex(libraryText(candidate)) >= 0) {
             candidate = key + ' ' + std::to_string(++number);
         }
@@ -208,6 +213,5 @@ class Importer {
 int Commands::importFile(const ImportOptions& options) {
     requireLogMayBeMade(options.log, options.force);
     const auto source = readTable(options.file);
-    Importer(options, *source).run();
-    return exitDone;
+    return Importer(options, *source).run();
 }

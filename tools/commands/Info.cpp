@@ -51,7 +51,7 @@ void printColumns(const kesta& log, LineSink& out) {
 }  // namespace
 
 int Commands::showInfo(const InfoOptions& options) {
-    const Zr::Ptr<kesta> log = openLog(options.log);
+    const auto [log, exitCode] = openLog(options.log);
     const auto output = standardOutput();
     output->line("file:     " + harmless(options.log));
     output->line("size:     " + std::to_string(fileSize(options.log)) + " bytes");
@@ -60,5 +60,5 @@ int Commands::showInfo(const InfoOptions& options) {
     printParameters(*log, *output);
     printColumns(*log, *output);
     output->finish();
-    return exitDone;
+    return exitCode;
 }

@@ -35,7 +35,7 @@ void printHead(const Container& container, const kesta& items, LineSink& out) {
 }  // namespace
 
 int Commands::showItems(const ItemsOptions& options) {
-    const Zr::Ptr<kesta> items = openLog(options.container);
+    const auto [items, exitCode] = openLog(options.container);
     const Container container = describe(options.container);
     const Selection everything = everythingOf(*items);
     const auto output = standardOutput(options.format == "csv" ? LineEnd::crlf : LineEnd::lf);
@@ -51,5 +51,5 @@ int Commands::showItems(const ItemsOptions& options) {
         printTable(*items, everything, standardOutputTerminal(), *output);
     }
     output->finish();
-    return exitDone;
+    return exitCode;
 }

@@ -53,6 +53,6 @@ int set(const ParamOptions& options) {
 
 int Commands::parameters(const ParamOptions& options) {
     if (options.value) return set(options);
-    const Zr::Ptr<kesta> log = openLog(options.log);
+    const Zr::Ptr<kesta> log = openLog(options.log).log;
     return options.key ? show(*log, *options.key) : list(*log);
 }

@@ -6,10 +6,10 @@
 #include "tools/ShowView.h"
 
 int Commands::showRecords(const ShowOptions& options) {
-    const Zr::Ptr<kesta> log = openLog(options.log);
+    const auto [log, exitCode] = openLog(options.log);
     const KSTView view = viewOf(*log);
     if (!options.rows.empty()) keepRows(*view, parseRowRanges(options.rows, log->get_num_records()));
     if (options.tagged) view->removeNonTagged();
     showView(*log, view, options.table);
-    return exitDone;
+    return exitCode;
 }

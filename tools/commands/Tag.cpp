@@ -24,13 +24,13 @@ void requireOneAction(const TagOptions& options) {
 }
 
 int list(const TagOptions& options) {
-    const Zr::Ptr<kesta> log = openLog(options.log);
+    const auto [log, exitCode] = openLog(options.log);
     const KSTView view = viewOf(*log);
     view->removeNonTagged();
     const bool found = view->get_num_records() > 0;
     showView(*log, view, options.table);
     if (!found) complain("no record is tagged");
-    return found ? exitDone : exitFindings;
+    return found ? exitCode : exitFindings;
 }
 
 /// Which row of a group with the same value is wanted.
