@@ -106,6 +106,8 @@ LogForReading openLog(const std::string& path) {
 }
 
 Zr::Ptr<kesta> openLogForEditing(const std::string& path, bool force) {
+    requireReadable(path);
+    lockFolderOf(path);
     return openWhole(path, force, "not changed, because saving would lose");
 }
 

@@ -20,8 +20,8 @@ struct LogForReading {
 /// is no log.
 LogForReading openLog(const std::string& path);
 
-/// A loaded log for changing and saving. Throws Failure as well when saving would lose any text of the file,
-/// unless `force`, and for a comma-separated file.
+/// A loaded log for changing and saving; other runs of the program wait until this one ends. Throws Failure
+/// as well when saving would lose any text of the file, unless `force`, and for a comma-separated file.
 Zr::Ptr<kesta> openLogForEditing(const std::string& path, bool force);
 
 /// A loaded log whose records go into another one. Throws Failure as openLogForEditing does.

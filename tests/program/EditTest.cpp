@@ -1,4 +1,6 @@
 // kesta set, add, delete and param: what they change, and that they lose nothing.
+#include <cstdlib>
+
 #include "tests/program/ProgramTest.h"
 
 namespace {
@@ -106,6 +108,17 @@ TEST_F(EditTest, NeverSavesALogThatWasNotReadWhole) {
     const std::string plain = folder.with("a.csv", "A,B\n1,2\n").string();
     EXPECT_EQ(run({"set", plain, "1", "A", "x", "--force"}).exitCode, 2);
     EXPECT_EQ(content("a.csv"), "A,B\n1,2\n");
+}
+
+TEST_F(EditTest, EditsAtTheSameTimeAllCount) {
+    const std::string file = log("a.log", "\"Name\"", "");
+    const std::string command = "for i in 1 2 3 4 5 6 7 8; do '" KESTA_PROGRAM "' add '" + file +
+                                "' Name=$i >'" + path(".out") + "' & done; wait";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    std::filesystem::remove(path(".out"));
+    EXPECT_EQ(run({"sort", file, "--by", "Name"}).exitCode, 0);
+    EXPECT_EQ(records(file), "Name\r\n1\r\n2\r\n3\r\n4\r\n5\r\n6\r\n7\r\n8\r\n");
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"a.log"});
 }
 
 TEST_F(EditTest, SaysWhyASaveFailed) {
