@@ -105,8 +105,8 @@ CLI::Option* addAllColumns(CLI::App& app, bool& allColumns) {
 }
 
 void addTable(CLI::App& app, TableOptions& options) {
-    CLI::Option* const columns =
-        addColumnList(app, "--columns", options.columns, "the columns to show, with commas between");
+    CLI::Option* const columns = addColumnList(app, "--columns", options.columns,
+                                               "the columns to show, with commas between; may be repeated");
     addAllColumns(app, options.allColumns)->excludes(columns);
     addColumnList(app, "--sort", options.sort, "show them in the order of these columns, at most nine");
     addFormat(app, options.format);

@@ -82,6 +82,19 @@ Zr::Ptr<kesta> openWhole(const std::string& path, bool force, const std::string&
     return log;
 }
 
+/// The longest beginning of a list, as far as a comma or its end, that names a column; its first piece when
+/// none does. No column's name has more than `longest` bytes.
+std::string_view leadingName(const kesta& log, std::string_view list, std::size_t longest) {
+    std::string_view best = list.substr(0, list.find(','));
+    for (std::size_t end = best.size(); end <= longest;
+         end = std::min(list.find(',', end + 1), list.size())) {
+        const std::string_view name = list.substr(0, end);
+        if (log.get_fieldnum(libraryText(name)) != none) best = name;
+        if (end == list.size()) break;
+    }
+    return best;
+}
+
 /// Tells one file under a name from the next one.
 class FileIdentity {
  public:
@@ -154,17 +167,14 @@ unsigned columnNamed(const kesta& log, const std::string& name) {
 }
 
 std::vector<unsigned> columnsNamed(const kesta& log, const std::vector<std::string>& lists) {
+    std::size_t longest = 0;
+    for (const std::string& name : columnNames(log)) longest = std::max(longest, name.size());
     std::vector<unsigned> columns;
     for (const std::string& list : lists) {
-        const unsigned whole = log.get_fieldnum(libraryText(list));
-        if (whole != none) {
-            columns.push_back(whole);
-            continue;
-        }
         for (std::size_t begin = 0; begin <= list.size();) {
-            const std::size_t comma = std::min(list.find(',', begin), list.size());
-            columns.push_back(columnNamed(log, list.substr(begin, comma - begin)));
-            begin = comma + 1;
+            const std::string_view name = leadingName(log, std::string_view(list).substr(begin), longest);
+            columns.push_back(columnNamed(log, std::string(name)));
+            begin += name.size() + 1;
         }
     }
     return columns;

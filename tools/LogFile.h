@@ -44,8 +44,8 @@ std::vector<std::string> columnNames(const kesta& log);
 /// The first column of that name. Throws Failure, which lists the columns, when there is none.
 unsigned columnNamed(const kesta& log, const std::string& name);
 
-/// The columns that lists name, in their order: names with commas between, unless the whole is a column's
-/// name. Throws Failure as columnNamed does.
+/// The columns that lists name, in their order: names with commas between. Where a name holds commas itself,
+/// the longest one that fits is meant. Throws Failure as columnNamed does.
 std::vector<unsigned> columnsNamed(const kesta& log, const std::vector<std::string>& lists);
 
 /// The file's types of the log's columns: "text", "timecode" ...

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <numeric>
 
+#include "support/Ascii.h"
 #include "support/StringFunctions.h"
 #include "support/time_def.h"
 #include "tools/ColumnMap.h"
@@ -229,6 +230,11 @@ class AleWriter {
             first = false;
             if (!append(m_line, exchangeForm(record, column).view()))
                 warnOfSpace(placeOf(m_log, row, column));
+        }
+        if (m_selection.columns.size() == 1 && Ascii::trimmed(m_line).empty()) {
+            m_warnings.add("row " + std::to_string(row + 1) +
+                           ": an empty value as the only one of its line is a blank line, which is skipped "
+                           "when the file is read");
         }
         m_out.line(m_line);
     }

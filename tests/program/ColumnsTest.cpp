@@ -68,6 +68,15 @@ TEST_F(ColumnsTest, ExportsHoldTheShownColumns) {
     EXPECT_EQ(whole.substr(whole.find("Data")), "Data\n1\tA1\tx\n");
 }
 
+TEST_F(ColumnsTest, NamesThatHoldCommasAreToldFromLists) {
+    const std::string file = log("a.log", "\"In\",\"In\",\"Out\"", "\"1\",\"2\",\"3\"\n");
+    std::string text = content("a.log");
+    text.replace(text.rfind("\"In\""), 4, "\"In,now\"");
+    folder.with("a.log", text);
+    EXPECT_EQ(shown(file, {"--columns", "Out,In,now,In"}), "Out,\"In,now\",In");
+    EXPECT_EQ(shown(file, {"--columns", "in,out"}), "In,Out");
+}
+
 TEST_F(ColumnsTest, RefusesWhatCannotBeKeptAndLeavesTheLog) {
     const std::string file = threeColumns("-1");
     const std::string many = manyColumns(1000);

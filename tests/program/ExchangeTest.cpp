@@ -154,6 +154,12 @@ TEST_F(ExchangeTest, ExchangeFilesGetCodesWithPunctuationAndNoTabs) {
               "01:00:00:10\t01000010\n01:00:00;10\ta b c\nnone\t\n");
 }
 
+TEST_F(ExchangeTest, AnEmptyRecordThatExchangeFilesCannotShowIsNamed) {
+    const std::string file = log("a.log", "\"A\"", "\"1\"\n\"\"\n");
+    const Outcome result = run({"export", file, "--format", "ale"});
+    EXPECT_EQ(result.err.find("kesta: warning: row 2: an empty value"), 0U) << result.err;
+}
+
 TEST_F(ExchangeTest, RefusesWhatItCannotRead) {
     struct Refused {
         std::string name;

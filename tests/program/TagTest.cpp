@@ -20,6 +20,7 @@ TEST_F(TagTest, TagsLiveFromCommandToCommand) {
         log("a.log", "\"Name\",\"Notes\"",
             "\"1\",\"MOS\"\n\"2\",\"good\"\n\"3\",\"mos, good\"\n\"4\",\"\"\n\"5\",\"good\"\n");
     EXPECT_EQ(run({"tag", file, "--list"}).exitCode, 1);
+    EXPECT_EQ(run({"show", file, "--tagged"}).exitCode, 1);
     EXPECT_EQ(run({"tag", file, "--where", "Notes=mos"}).out,
               "column \"Tag\" added\n2 of 5 records tagged\n");
     EXPECT_EQ(tagged(file), "1 3 ");

@@ -6,6 +6,7 @@
 #include "support/Ascii.h"
 #include "support/StringFunctions.h"
 #include "tools/Commands.h"
+#include "tools/DisplayText.h"
 #include "tools/Failure.h"
 #include "tools/LogFile.h"
 #include "tools/LogForm.h"
@@ -188,9 +189,9 @@ class Importer {
 
     void report() const {
         m_warnings.summarise("--all-warnings lists them all");
-        std::string text = m_options.log + ": " + std::to_string(m_log.get_num_records()) + " records, " +
-                           std::to_string(m_log.get_num_fields()) + " columns";
-        if (m_changed > 0) text += ", " + std::to_string(m_changed) + " values not kept exactly";
+        std::string text = m_options.log + ": " + counted(m_log.get_num_records(), "record") + ", " +
+                           counted(m_log.get_num_fields(), "column");
+        if (m_changed > 0) text += ", " + counted(m_changed, "value") + " not kept exactly";
         const auto output = standardOutput();
         output->line(text);
         output->finish();

@@ -3,6 +3,7 @@
 #include "tools/Failure.h"
 #include "tools/LogFile.h"
 #include "tools/LogView.h"
+#include "tools/Messages.h"
 #include "tools/ShowView.h"
 
 int Commands::showRecords(const ShowOptions& options) {
@@ -11,5 +12,7 @@ int Commands::showRecords(const ShowOptions& options) {
     if (!options.rows.empty()) keepRows(*view, parseRowRanges(options.rows, log->get_num_records()));
     if (options.tagged) view->removeNonTagged();
     showView(*log, view, options.table);
-    return exitCode;
+    if (!options.tagged || view->get_num_records() > 0) return exitCode;
+    complain("no record is tagged");
+    return exitFindings;
 }
