@@ -47,7 +47,7 @@ class Importer {
         m_log.set_filename(Zr::WStringFromAscii(m_options.log.c_str()));
         saveLog(m_log, m_options.log);
         report();
-        return m_changed > 0 ? exitFindings : exitDone;
+        return m_lost > 0 ? exitFindings : exitDone;
     }
 
  private:
@@ -125,6 +125,7 @@ class Importer {
         const std::string keptValue(cutTo(keepableParameterText(value, "\""), longestSafeValue / 2));
         m_log.add_param(libraryText(keptKey), libraryText(keptValue));
         ++m_changed;
+        ++m_lost;
         m_warnings.add(place + "the parameter \"" + key + "\" is stored changed, as \"" + keptKey + ": " +
                        std::string(cutTo(keptValue, 40)) + "\": " + parameterRules);
     }
@@ -174,6 +175,7 @@ class Importer {
         for (unsigned short i = 0; i < record.get_num_fields() && i < values.size(); ++i) {
             if (kept.getField(i).view() == values[i]) continue;
             ++m_changed;
+            if (kept.getField(i).view() != Ascii::trimmed(values[i])) ++m_lost;
             m_warnings.add(atLine(m_options.file, line) + "column " + std::to_string(i + 1) + " (" +
                            m_log.get_fieldname(i) +
                            "): the value is not kept exactly: " + whyNotKept(values[i]));
@@ -205,6 +207,7 @@ class Importer {
     std::size_t m_reach = 0;  // the columns up to the last value of any row
     std::size_t m_namedColumns = 0;
     std::size_t m_changed = 0;
+    std::size_t m_lost = 0;  // of these, more than white space around them
     std::map<std::string, unsigned> m_lastKeyNumber;
     bool m_keepsTags = true;
 };
