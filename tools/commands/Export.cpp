@@ -12,7 +12,8 @@ int Commands::exportLog(const ExportOptions& options) {
         requireOutputApart(options.log, options.output);
         requireReplaceable(options.output, options.force);
     }
-    const auto [log, exitCode] = openLog(options.log);
+    const LogForReading opened = openLog(options.log);
+    const Zr::Ptr<kesta>& log = opened.log;
     const LineEnd end = options.format == "csv" ? LineEnd::crlf : LineEnd::lf;
     const auto output = options.output.empty() ? standardOutput(end) : fileOutput(options.output, end);
     Selection selection = everythingOf(*log);
@@ -25,5 +26,5 @@ int Commands::exportLog(const ExportOptions& options) {
         writeAle(*log, selection, *output);
     }
     output->finish();
-    return exitCode;
+    return opened.exitCode;
 }

@@ -33,17 +33,22 @@ int Commands::findRecords(const FindOptions& options) {
         requireOutputApart(options.log, options.output);
         requireLogMayBeMade(options.output, options.force);
     }
-    const auto [log, exitCode] =
-        saves ? LogForReading{openLogForCopying(options.log, options.force)} : openLog(options.log);
-    const KSTView view = viewOf(*log);
-    keepMatches(*view, parseSearch(*log, options.texts));
+    LogForReading opened;
+    if (saves) {
+        opened.log = openLogForCopying(options.log, options.force);
+    } else {
+        opened = openLog(options.log);
+    }
+    kesta& log = *opened.log;
+    const KSTView view = viewOf(log);
+    keepMatches(*view, parseSearch(log, options.texts));
     const bool found = view->get_num_records() > 0;
     if (!saves) {
-        showView(*log, view, options.table);
+        showView(log, view, options.table);
     } else if (found) {
-        if (!options.table.sort.empty()) sortRows(*view, parseSortColumns(*log, options.table.sort));
+        if (!options.table.sort.empty()) sortRows(*view, parseSortColumns(log, options.table.sort));
         saveRows(*view, options.output);
     }
     if (!found) complain("no record matches");
-    return found ? exitCode : exitFindings;
+    return found ? opened.exitCode : exitFindings;
 }

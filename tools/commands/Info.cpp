@@ -51,7 +51,8 @@ void printColumns(const kesta& log, LineSink& out) {
 }  // namespace
 
 int Commands::showInfo(const InfoOptions& options) {
-    const auto [log, exitCode] = openLog(options.log);
+    const LogForReading opened = openLog(options.log);
+    const Zr::Ptr<kesta>& log = opened.log;
     const auto output = standardOutput();
     output->line("file:     " + harmless(options.log));
     output->line("size:     " + std::to_string(fileSize(options.log)) + " bytes");
@@ -60,5 +61,5 @@ int Commands::showInfo(const InfoOptions& options) {
     printParameters(*log, *output);
     printColumns(*log, *output);
     output->finish();
-    return exitCode;
+    return opened.exitCode;
 }

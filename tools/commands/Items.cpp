@@ -35,7 +35,8 @@ void printHead(const Container& container, const kesta& items, LineSink& out) {
 }  // namespace
 
 int Commands::showItems(const ItemsOptions& options) {
-    const auto [items, exitCode] = openLog(options.container);
+    const LogForReading opened = openLog(options.container);
+    const Zr::Ptr<kesta>& items = opened.log;
     const Container container = describe(options.container);
     const Selection everything = everythingOf(*items);
     const auto output = standardOutput(options.format == "csv" ? LineEnd::crlf : LineEnd::lf);
@@ -51,5 +52,5 @@ int Commands::showItems(const ItemsOptions& options) {
         printTable(*items, everything, standardOutputTerminal(), *output);
     }
     output->finish();
-    return exitCode;
+    return opened.exitCode;
 }

@@ -7,12 +7,13 @@
 #include "tools/ShowView.h"
 
 int Commands::showRecords(const ShowOptions& options) {
-    const auto [log, exitCode] = openLog(options.log);
+    const LogForReading opened = openLog(options.log);
+    const Zr::Ptr<kesta>& log = opened.log;
     const KSTView view = viewOf(*log);
     if (!options.rows.empty()) keepRows(*view, parseRowRanges(options.rows, log->get_num_records()));
     if (options.tagged) view->removeNonTagged();
     showView(*log, view, options.table);
-    if (!options.tagged || view->get_num_records() > 0) return exitCode;
+    if (!options.tagged || view->get_num_records() > 0) return opened.exitCode;
     complain("no record is tagged");
     return exitFindings;
 }

@@ -24,13 +24,14 @@ void requireOneAction(const TagOptions& options) {
 }
 
 int list(const TagOptions& options) {
-    const auto [log, exitCode] = openLog(options.log);
+    const LogForReading opened = openLog(options.log);
+    const Zr::Ptr<kesta>& log = opened.log;
     const KSTView view = viewOf(*log);
     view->removeNonTagged();
     const bool found = view->get_num_records() > 0;
     showView(*log, view, options.table);
     if (!found) complain("no record is tagged");
-    return found ? exitCode : exitFindings;
+    return found ? opened.exitCode : exitFindings;
 }
 
 /// Which row of a group with the same value is wanted.
