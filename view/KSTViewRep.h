@@ -46,7 +46,7 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     // --- Construction (attachment.cpp) ---
     //
     // A new view shows no rows. Its field specification is every field of the database; the given text; or
-    // the given names, a list that ends with null. A null text or list is the specification of every field.
+    // the given names, a list that ends with null. With a null text or list the view names every field.
 
     explicit KSTViewRep(kesta* database);
     KSTViewRep(kesta* database, const char* fieldSpecification);
@@ -227,7 +227,7 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     /// The first field of exactly that name, which minds case; -1 when there is none.
     int dbFieldIndex(const char* name) const;
 
-    /// Appends the specification, and the list of fields where there is one, a line each.
+    /// Appends the text of the field names, and the list of fields where there is one, a line each.
     void asString(GrowString& out) const;
 
     // --- Saving (saving.cpp) ---
