@@ -20,6 +20,7 @@ constexpr const char* generalNotes =
     "Exit codes: 0 done; 1 something was found wrong, text was lost, or nothing was found; 2 a file could\n"
     "not be read or written, or the command could not be carried out; 64 the command line was not\n"
     "understood.\n"
+    "A log that another program is editing is waited for, 5 seconds unless KESTA_LOCK_WAIT says how many.\n"
     "Rows and columns are counted from 1. A value that begins with a dash goes behind \"--\".\n"
     "kesta COMMAND --help shows a command's options and an example.";
 

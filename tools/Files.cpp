@@ -1,14 +1,9 @@
 #include "tools/Files.h"
 
 #include <cerrno>
-#include <chrono>
 #include <cstdio>
-#include <fcntl.h>
-#include <filesystem>
 #include <memory>
-#include <sys/file.h>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 
 #include "tools/Failure.h"
@@ -55,24 +50,6 @@ void requireReplaceable(const std::string& path, bool replace) {
     struct stat status {};
     const bool isPlainFile = stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
     if (isPlainFile && !replace) throw Failure(path + ": is there already; --force replaces it");
-}
-
-void lockFolderOf(const std::string& path) {
-    std::error_code error;
-    const std::filesystem::path folder = std::filesystem::canonical(path, error).parent_path();
-    if (error) throw fileFailure(path, error.value());
-    // Stays open: the end of the program, of whatever kind, gives the lock back.
-    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) return;
-    constexpr auto longestWait = std::chrono::seconds(5);
-    constexpr auto pause = std::chrono::milliseconds(20);
-    const auto end = std::chrono::steady_clock::now() + longestWait;
-    while (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
-        if (std::chrono::steady_clock::now() > end) {
-            throw Failure(path + ": another run of kesta is changing a log of this folder; try again later");
-        }
-        std::this_thread::sleep_for(pause);
-    }
 }
 
 bool isThere(const std::string& path) noexcept {

@@ -19,10 +19,5 @@ bool isSameFile(const std::string& a, const std::string& b) noexcept;
 /// Throws Failure when a plain file of that name is there and not to be replaced.
 void requireReplaceable(const std::string& path, bool replace);
 
-/// Keeps other runs of this program from changing the files of the folder that holds `path`, until this run
-/// ends. Waits a few seconds for one that does. Throws Failure when it takes longer. Leaves nothing on the
-/// disk; where the system cannot lock a folder, there is no lock.
-void lockFolderOf(const std::string& path);
-
 /// Whether something of that name is there, a dangling link included.
 bool isThere(const std::string& path) noexcept;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <sys/stat.h>
 
 #include "support/StringFunctions.h"
 #include "support/TextFile.h"
@@ -22,6 +21,11 @@ Inspection inspected(const std::string& path) {
     Inspection inspection = inspectLog(path);
     if (!inspection.loads) throw Failure(describe(path, inspection.findings.back()));
     return inspection;
+}
+
+const std::string& readable(const std::string& path) {
+    requireReadable(path);
+    return path;
 }
 
 void warnOfFindings(const std::string& path, const Inspection& inspection) {
@@ -95,21 +99,6 @@ std::string_view leadingName(const kesta& log, std::string_view list, std::size_
     return best;
 }
 
-/// Tells one file under a name from the next one.
-class FileIdentity {
- public:
-    explicit FileIdentity(const std::string& path) : m_exists(stat(path.c_str(), &m_status) == 0) {}
-
-    bool operator==(const FileIdentity& other) const noexcept {
-        return m_exists == other.m_exists && m_status.st_ino == other.m_status.st_ino &&
-               m_status.st_dev == other.m_status.st_dev;
-    }
-
- private:
-    struct stat m_status {};
-    bool m_exists;
-};
-
 }  // namespace
 
 LogForReading openLog(const std::string& path) {
@@ -118,10 +107,13 @@ LogForReading openLog(const std::string& path) {
     return {loaded(path, inspection), inspection.losesText() ? exitFindings : exitDone};
 }
 
-Zr::Ptr<kesta> openLogForEditing(const std::string& path, bool force) {
-    requireReadable(path);
-    lockFolderOf(path);
-    return openWhole(path, force, "not changed, because saving would lose");
+LogForEditing::LogForEditing(const std::string& path, bool force)
+    : m_path(readable(path)),
+      m_claim(path),
+      m_log(openWhole(path, force, "not changed, because saving would lose")) {}
+
+void LogForEditing::save() {
+    saveLog(*m_log, m_path, m_claim);
 }
 
 Zr::Ptr<kesta> openLogForCopying(const std::string& path, bool force) {
@@ -143,15 +135,16 @@ void requireOutputApart(const std::string& input, const std::string& output) {
     }
 }
 
-void saveLog(kesta& log, const std::string& path) {
+void saveLog(kesta& log, const std::string& path, FileClaim& claim) {
     takeTagsFromColumn(log);
-    const FileIdentity before(path);
+    claim.requireUnchanged();
     errno = 0;
     const int written = log.save_text();
     const int error = errno;
     // Saving no records answers 0 as a failure does, but puts a new file in the place of the old one.
-    const bool saved = log.get_num_records() > 0 ? written > 0 : !(FileIdentity(path) == before);
+    const bool saved = log.get_num_records() > 0 ? written > 0 : claim.isChanged();
     if (!saved) throw fileFailure(path, error);
+    claim.release();
 }
 
 std::vector<std::string> columnNames(const kesta& log) {

@@ -9,6 +9,7 @@
 
 #include "record/kesta.h"
 #include "tools/Failure.h"
+#include "tools/FileClaim.h"
 
 /// A log whose records are to be shown, and the exit code that its state calls for.
 struct LogForReading {
@@ -20,11 +21,26 @@ struct LogForReading {
 /// is no log.
 LogForReading openLog(const std::string& path);
 
-/// A loaded log for changing and saving; other runs of the program wait until this one ends. Throws Failure
-/// as well when saving would lose any text of the file, unless `force`, and for a comma-separated file.
-Zr::Ptr<kesta> openLogForEditing(const std::string& path, bool force);
+/// A loaded log for changing and saving. Other runs of the program wait until it has been saved.
+class LogForEditing {
+ public:
+    /// Throws Failure as openLog and FileLock do, and when saving would lose any text of the file, unless
+    /// `force`, and for a comma-separated file.
+    LogForEditing(const std::string& path, bool force);
 
-/// A loaded log whose records go into another one. Throws Failure as openLogForEditing does.
+    kesta& operator*() const noexcept { return *m_log; }
+    kesta* operator->() const noexcept { return m_log.get(); }
+
+    /// Once, as saveLog does.
+    void save();
+
+ private:
+    std::string m_path;
+    FileClaim m_claim;  // from before the log is read
+    Zr::Ptr<kesta> m_log;
+};
+
+/// A loaded log whose records go into another one. Throws Failure as LogForEditing does.
 Zr::Ptr<kesta> openLogForCopying(const std::string& path, bool force);
 
 /// Throws Failure when no log can be made under this name: it says comma-separated text, or something is
@@ -34,9 +50,10 @@ void requireLogMayBeMade(const std::string& path, bool replace);
 /// Throws Failure when `output` is the file that is read from, under whatever name: it would be lost.
 void requireOutputApart(const std::string& input, const std::string& output);
 
-/// Saves the log under its file name. Texts of a column "Tag" stay as they are. Throws Failure, with the file
-/// as it was, when it cannot be written.
-void saveLog(kesta& log, const std::string& path);
+/// Saves the log under its file name and gives the claim to that file up. Texts of a column "Tag" stay as
+/// they are. Throws Failure, with the file as it was, when it cannot be written or another program has
+/// written it.
+void saveLog(kesta& log, const std::string& path, FileClaim& claim);
 
 /// The names of the log's columns, in order.
 std::vector<std::string> columnNames(const kesta& log);

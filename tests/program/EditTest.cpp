@@ -1,9 +1,25 @@
 // kesta set, add, delete and param: what they change, and that they lose nothing.
+#include <cstdio>
 #include <cstdlib>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "tests/program/ProgramTest.h"
 
 namespace {
+
+/// An environment variable that programs started meanwhile see.
+class EnvironmentSetting {
+ public:
+    EnvironmentSetting(const char* name, const char* value) : m_name(name) { setenv(name, value, 1); }
+    EnvironmentSetting(const EnvironmentSetting&) = delete;
+    EnvironmentSetting& operator=(const EnvironmentSetting&) = delete;
+    ~EnvironmentSetting() { unsetenv(m_name); }
+
+ private:
+    const char* m_name;
+};
 
 class EditTest : public ProgramTest {
  protected:
@@ -118,6 +134,100 @@ TEST_F(EditTest, EditsAtTheSameTimeAllCount) {
     std::filesystem::remove(path(".out"));
     EXPECT_EQ(run({"sort", file, "--by", "Name"}).exitCode, 0);
     EXPECT_EQ(records(file), "Name\r\n1\r\n2\r\n3\r\n4\r\n5\r\n6\r\n7\r\n8\r\n");
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"a.log"});
+}
+
+TEST_F(EditTest, SaysWhoElseIsEditingTheLog) {
+    const std::string file = log("a.log", "\"Name\"", "\"1\"\n");
+    const std::string other = log("b.log", "\"Name\"", "\"1\"\n");
+    const std::string table = folder.with("a.csv", "Name\n2\n").string();
+    std::filesystem::create_symlink("a.log", path("link.log"));
+    const std::string lock = folder.with(".a.log.lock", "4711 \x1b[7mlogger\n").string();
+    const int holder = open(lock.c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(flock(holder, LOCK_EX), 0);
+    const EnvironmentSetting noWait("KESTA_LOCK_WAIT", "0");
+    const std::string before = content("a.log");
+    for (const std::vector<std::string>& edit :
+         std::vector<std::vector<std::string>>{{"add", file, "Name=2"},
+                                               {"add", path("link.log"), "Name=2"},
+                                               {"merge", file, other},
+                                               {"import", table, "-o", file, "--force"},
+                                               {"find", other, "Name=1", "-o", file, "--force"},
+                                               {"export", other, "--format", "csv", "-o", file, "--force"},
+                                               {"pack", "M1", "--name", "x", "-o", file, "--force"}}) {
+        const Outcome refused = run(edit);
+        EXPECT_EQ(refused.exitCode, 2) << edit[0];
+        EXPECT_NE(
+            refused.err.find(".log is being edited by \\x1b[7mlogger, process 4711; try again when it has "
+                             "ended\n"),
+            std::string::npos)
+            << refused.err;
+    }
+    EXPECT_EQ(content("a.log"), before);
+    EXPECT_EQ(records(file), "Name\r\n1\r\n") << "reading needs no lock";
+    EXPECT_EQ(run({"add", other, "Name=2"}).exitCode, 0) << "a log of the same folder";
+
+    close(holder);
+    EXPECT_EQ(run({"add", file, "Name=2"}).exitCode, 0) << "a lock that nobody holds any more";
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"a.csv", "a.log", "b.log", "link.log"}));
+}
+
+TEST_F(EditTest, WhatIsNoLockIsNeverTouched) {
+    const std::string file = log("a.log", "\"Name\"", "\"1\"\n");
+    const std::string lock = path(".a.log.lock");
+    const std::string victim = folder.with("victim", "4711 kesta\n").string();
+    const auto expectRefused = [&] {
+        const Outcome refused = run({"add", file, "Name=2"});
+        EXPECT_EQ(refused.exitCode, 2);
+        EXPECT_NE(refused.err.find(lock + " is no lock file"), std::string::npos) << refused.err;
+        EXPECT_EQ(content("victim"), "4711 kesta\n");
+    };
+    std::filesystem::create_symlink(victim, lock);
+    expectRefused();
+    std::filesystem::remove(lock);
+    mkfifo(lock.c_str(), 0600);
+    expectRefused();
+    for (const char* const text :
+         {"4711 kesta", "4711\n", "kesta 4711\n", "4711 kesta\n\n", "\"KESTA:Rev 1\"\n"}) {
+        std::filesystem::remove(lock);
+        TestSupport::writeFile(lock, text);
+        expectRefused();
+        EXPECT_EQ(content(".a.log.lock"), text);
+    }
+    EXPECT_EQ(records(file), "Name\r\n1\r\n");
+}
+
+TEST_F(EditTest, LogsWithTheLongestNamesAreLockedToo) {
+    const std::string file = log(std::string(251, 'x') + ".log", "\"Name\"", "");
+    EXPECT_EQ(run({"add", file, "Name=2"}).exitCode, 0);
+    EXPECT_EQ(records(file), "Name\r\n2\r\n");
+}
+
+// The program stops in the middle of its work when nobody takes what it says: its warnings, each with a long
+// path, are more than a pipe holds.
+TEST_F(EditTest, NoticesAProgramThatTakesNoLock) {
+    std::string damaged;
+    for (int line = 0; line < 20; ++line) damaged += "\"1\",\"2\"\n\n";
+    log("a.log", "\"A\",\"B\"", damaged);
+    std::string file = path("");
+    while (file.size() < 3900) file += "./";
+    file += "a.log";
+    const std::string command = "'" KESTA_PROGRAM "' set '" + file + "' 1 A x --force 2>&1";
+    std::FILE* const said = popen(command.c_str(), "r");
+    ASSERT_NE(said, nullptr);
+    std::string text(1, static_cast<char>(std::fgetc(said)));
+    std::string changed = content("a.log");
+    changed.replace(changed.find("\"1\",\"2\""), 7, "\"1\",\"3\"");
+    TestSupport::writeFile(path("a.log"), changed);
+    for (int c; (c = std::fgetc(said)) != EOF;) text += static_cast<char>(c);
+    const int status = pclose(said);
+    EXPECT_EQ(WEXITSTATUS(status), 2);
+    EXPECT_NE(
+        text.find("a.log was changed by another program while it was being edited; nothing was saved: do it "
+                  "again\n"),
+        std::string::npos)
+        << text.substr(text.size() - 200);
+    EXPECT_EQ(content("a.log"), changed);
     EXPECT_EQ(folder.names(), std::vector<std::string>{"a.log"});
 }
 

@@ -9,7 +9,7 @@
 #include "tools/Output.h"
 
 int Commands::addRecord(const AddOptions& options) {
-    const Zr::Ptr<kesta> log = openLogForEditing(options.log, options.force);
+    LogForEditing log(options.log, options.force);
     std::vector<ColumnText> assignments;
     std::set<unsigned> columns;
     for (const std::string& text : options.values) {
@@ -23,7 +23,7 @@ int Commands::addRecord(const AddOptions& options) {
     for (const ColumnText& assignment : assignments) {
         log->setField(row, assignment.column, libraryText(assignment.text));
     }
-    saveLog(*log, options.log);
+    log.save();
     const auto output = standardOutput();
     output->line("row " + std::to_string(row + 1));
     output->finish();

@@ -89,8 +89,8 @@ int Commands::columns(const ColumnsOptions& options) {
         list(*openLog(options.log).log);
         return exitDone;
     }
-    const Zr::Ptr<kesta> log = openLogForEditing(options.log, options.force);
+    LogForEditing log(options.log, options.force);
     change(*log, options);
-    saveLog(*log, options.log);
+    log.save();
     return exitDone;
 }

@@ -12,22 +12,22 @@
 
 namespace {
 
-int deleteRows(kesta& log, const DeleteOptions& options) {
-    std::vector<RowRange> ranges = parseRowRanges(*options.rows, log.get_num_records());
+int deleteRows(LogForEditing& log, const DeleteOptions& options) {
+    std::vector<RowRange> ranges = parseRowRanges(*options.rows, log->get_num_records());
     // From the end, so that the numbers of the rows still to go stay right.
     std::reverse(ranges.begin(), ranges.end());
-    for (const RowRange range : ranges) log.delete_records(range.first, range.last - range.first + 1);
-    saveLog(log, options.log);
+    for (const RowRange range : ranges) log->delete_records(range.first, range.last - range.first + 1);
+    log.save();
     return exitDone;
 }
 
-int deleteTagged(kesta& log, const DeleteOptions& options) {
-    const int count = viewOf(log)->deleteTagged();
+int deleteTagged(LogForEditing& log) {
+    const int count = viewOf(*log)->deleteTagged();
     if (count == 0) {
         complain("no record is tagged");
         return exitFindings;
     }
-    saveLog(log, options.log);
+    log.save();
     const auto output = standardOutput();
     output->line(counted(static_cast<std::size_t>(count), "record") + " deleted");
     output->finish();
@@ -40,6 +40,6 @@ int Commands::deleteRecords(const DeleteOptions& options) {
     if (options.rows.has_value() == options.tagged) {
         throw Failure("delete needs either ROWS or --tagged", exitUsage);
     }
-    const Zr::Ptr<kesta> log = openLogForEditing(options.log, options.force);
-    return options.tagged ? deleteTagged(*log, options) : deleteRows(*log, options);
+    LogForEditing log(options.log, options.force);
+    return options.tagged ? deleteTagged(log) : deleteRows(log, options);
 }

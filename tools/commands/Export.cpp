@@ -1,15 +1,20 @@
 // kesta export: a log in the form of another program.
+#include <optional>
+
 #include "tools/ColumnMap.h"
 #include "tools/Commands.h"
 #include "tools/Failure.h"
+#include "tools/FileClaim.h"
 #include "tools/Files.h"
 #include "tools/LogFile.h"
 #include "tools/Output.h"
 #include "tools/Writers.h"
 
 int Commands::exportLog(const ExportOptions& options) {
+    std::optional<FileClaim> claim;
     if (!options.output.empty()) {
         requireOutputApart(options.log, options.output);
+        claim.emplace(options.output);
         requireReplaceable(options.output, options.force);
     }
     const LogForReading opened = openLog(options.log);
@@ -25,6 +30,7 @@ int Commands::exportLog(const ExportOptions& options) {
     } else {
         writeAle(*log, selection, *output);
     }
+    if (claim) claim->requireUnchanged();
     output->finish();
     return opened.exitCode;
 }

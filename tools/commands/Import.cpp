@@ -8,6 +8,7 @@
 #include "tools/Commands.h"
 #include "tools/DisplayText.h"
 #include "tools/Failure.h"
+#include "tools/FileClaim.h"
 #include "tools/LogFile.h"
 #include "tools/LogForm.h"
 #include "tools/Messages.h"
@@ -34,8 +35,8 @@ std::string becoming(const std::string& before, std::string_view after) {
 /// of.
 class Importer {
  public:
-    Importer(const ImportOptions& options, const TableSource& source)
-        : m_options(options), m_source(source), m_warnings(options.allWarnings) {}
+    Importer(const ImportOptions& options, const TableSource& source, FileClaim& claim)
+        : m_options(options), m_source(source), m_claim(claim), m_warnings(options.allWarnings) {}
 
     /// Answers the exit code.
     int run() {
@@ -45,7 +46,7 @@ class Importer {
         m_source.forEachRow(
             [this](unsigned line, const std::vector<std::string>& values) { store(line, values); });
         m_log.set_filename(Zr::WStringFromAscii(m_options.log.c_str()));
-        saveLog(m_log, m_options.log);
+        saveLog(m_log, m_options.log, m_claim);
         report();
         return m_lost > 0 ? exitFindings : exitDone;
     }
@@ -201,6 +202,7 @@ class Importer {
 
     const ImportOptions& m_options;
     const TableSource& m_source;
+    FileClaim& m_claim;
     Warnings m_warnings;
     kesta m_log;
     LineRoundTrip m_roundTrip;
@@ -215,7 +217,8 @@ class Importer {
 }  // namespace
 
 int Commands::importFile(const ImportOptions& options) {
+    FileClaim claim(options.log);
     requireLogMayBeMade(options.log, options.force);
     const auto source = readTable(options.file);
-    return Importer(options, *source).run();
+    return Importer(options, *source, claim).run();
 }

@@ -84,7 +84,7 @@ int Commands::mergeLogs(const MergeOptions& options) {
     for (const std::string& source : options.from) {
         if (isSameFile(options.into, source)) throw Failure(source + ": a log is not merged into itself");
     }
-    const Zr::Ptr<kesta> into = openLogForEditing(options.into, options.force);
+    LogForEditing into(options.into, options.force);
     std::vector<Zr::Ptr<kesta>> sources;
     for (const std::string& source : options.from) {
         sources.push_back(openLogForCopying(source, options.force));
@@ -93,7 +93,7 @@ int Commands::mergeLogs(const MergeOptions& options) {
     for (std::size_t i = 0; i < sources.size(); ++i) {
         said.push_back(append(*into, *sources[i], options.from[i]));
     }
-    saveLog(*into, options.into);
+    into.save();
     const auto output = standardOutput();
     for (const std::string& line : said) output->line(harmless(line));
     output->finish();

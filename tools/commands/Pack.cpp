@@ -6,6 +6,7 @@
 #include "support/StringFunctions.h"
 #include "tools/Commands.h"
 #include "tools/Failure.h"
+#include "tools/FileClaim.h"
 #include "tools/Files.h"
 #include "tools/LogForm.h"
 #include "tools/LogInspector.h"
@@ -65,12 +66,15 @@ void save(const PackOptions& options, const CookieSet& identifiers) {
 }  // namespace
 
 int Commands::packItems(const PackOptions& options) {
+    FileClaim claim(options.container);
     requireWritable(options);
     if (!keepsParameter("Name", options.name)) {
         throw Failure(std::string("a container does not keep this name as it is: ") + parameterRules);
     }
     const CookieSet identifiers = parseIdentifiers(options.identifiers);
+    claim.requireUnchanged();
     save(options, identifiers);
+    claim.release();
     const auto output = standardOutput();
     output->line(options.container + ": " + std::to_string(identifiers.size()) +
                  (identifiers.size() == 1 ? " item" : " items"));

@@ -38,14 +38,14 @@ int show(const kesta& log, const std::string& key) {
 }
 
 int set(const ParamOptions& options) {
-    const Zr::Ptr<kesta> log = openLogForEditing(options.log, options.force);
+    LogForEditing log(options.log, options.force);
     if (sameName(*options.key, "KESTA"))
         throw Failure("the parameter KESTA is the log's revision and stays as it is");
     if (!keepsParameter(*options.key, *options.value)) {
         throw Failure(std::string("a log does not keep this parameter as it is: ") + parameterRules);
     }
     log->add_param(libraryText(*options.key), libraryText(*options.value));
-    saveLog(*log, options.log);
+    log.save();
     return exitDone;
 }
 

@@ -5,10 +5,10 @@
 #include "tools/LogFile.h"
 
 int Commands::sortRecords(const SortOptions& options) {
-    const Zr::Ptr<kesta> log = openLogForEditing(options.log, options.force);
+    LogForEditing log(options.log, options.force);
     std::vector<int> fields = parseSortColumns(*log, options.columns);
     log->set_sortfields(fields.data());
     log->sort(options.descending ? -1 : 1, options.ignoreCase ? 1 : 0);
-    saveLog(*log, options.log);
+    log.save();
     return exitDone;
 }

@@ -83,7 +83,7 @@ void storeTags(const KSTView& view, unsigned column) {
 }
 
 int change(const TagOptions& options) {
-    const Zr::Ptr<kesta> log = openLogForEditing(options.log, options.force);
+    LogForEditing log(options.log, options.force);
     const unsigned columns = log->get_num_fields();
     const unsigned tagColumn = log->addField(DBFieldDesc("Tag", DBFieldTypes::eNumeric));
     if (tagColumn >= log->get_num_fields()) {
@@ -93,7 +93,7 @@ int change(const TagOptions& options) {
     const KSTView view = viewOf(*log);
     changeTags(*log, view, options);
     storeTags(view, tagColumn);
-    saveLog(*log, options.log);
+    log.save();
 
     const auto output = standardOutput();
     if (log->get_num_fields() > columns) output->line("column \"Tag\" added");

@@ -1,0 +1,16 @@
+#include "tools/FileClaim.h"
+
+#include "tools/Failure.h"
+
+bool FileState::operator==(const FileState& other) const noexcept {
+    return m_exists == other.m_exists && m_status.st_dev == other.m_status.st_dev &&
+           m_status.st_ino == other.m_status.st_ino && m_status.st_size == other.m_status.st_size &&
+           m_status.st_mtim.tv_sec == other.m_status.st_mtim.tv_sec &&
+           m_status.st_mtim.tv_nsec == other.m_status.st_mtim.tv_nsec;
+}
+
+void FileClaim::requireUnchanged() const {
+    if (!isChanged()) return;
+    throw Failure(
+        m_path + " was changed by another program while it was being edited; nothing was saved: do it again");
+}
