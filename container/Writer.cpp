@@ -1,5 +1,6 @@
 // ZRContainerFile::Writer: a container, filled in memory and saved.
 #include <cerrno>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,38 +10,43 @@
 
 namespace {
 
-/// A name for a temporary file, free from the start and free again in the end unless the file was moved away.
-/// The name is one that the system takes: not empty, no zero characters. Going keeps errno.
+/// An empty temporary file that only its owner may open, in the place of any that has the name. It goes in
+/// the end unless it was moved away. The name is one that the system takes: not empty, no zero characters.
 class TemporaryFile {
  public:
+    /// When the file cannot be made, errno says why.
     explicit TemporaryFile(const LightweightString<wchar_t>& name) : m_name(name), m_path(toUTF8(name)) {
-        ::unlink(m_path.c_str());
+        if (::unlink(m_path.c_str()) != 0 && errno != ENOENT) return;
+        const int file = ::open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+        m_mine = file >= 0;
+        if (m_mine) ::close(file);
     }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
     ~TemporaryFile() {
-        if (m_moved) return;
+        if (!m_mine) return;
         const int error = errno;
         ::unlink(m_path.c_str());
         errno = error;
     }
 
     const LightweightString<wchar_t>& name() const noexcept { return m_name; }
-    bool exists() const { return fileExists(m_name); }
+    bool isMade() const noexcept { return m_mine; }
 
-    void takePermissionsOf(const LightweightString<wchar_t>& fileName) const {
+    bool isEmpty() const noexcept {
         struct stat status;
-        if (::stat(toUTF8(fileName).c_str(), &status) == 0) ::chmod(m_path.c_str(), status.st_mode & 0777);
+        return ::stat(m_path.c_str(), &status) != 0 || status.st_size == 0;
     }
 
-    void moveTo(const LightweightString<wchar_t>& fileName) {
-        m_moved = OS()->fileSystem()->move(m_name, fileName, 0);
+    void moveTo(const LightweightString<wchar_t>& fileName, mode_t permissions) {
+        if (::chmod(m_path.c_str(), permissions) != 0) return;
+        m_mine = !OS()->fileSystem()->move(m_name, fileName, 0);
     }
 
  private:
     LightweightString<wchar_t> m_name;
     LightweightString<char> m_path;
-    bool m_moved = false;
+    bool m_mine = false;
 };
 
 }  // namespace
@@ -80,17 +86,13 @@ void ZRContainerFile::Writer::save(const LightweightString<wchar_t>& fileName) {
 }
 
 void ZRContainerFile::Writer::saveOver(const LightweightString<wchar_t>& fileName) {
+    struct stat status;
+    if (::stat(toUTF8(fileName).c_str(), &status) != 0) return;
     TemporaryFile temporary(fileName + L".tmp");
-    if (temporary.exists()) return;  // something that cannot be replaced, and must not become the container
+    if (!temporary.isMade()) return;
     m_database->set_filename(temporary.name());
     m_database->save_text();
-    // The temporary file is there whole or not at all. The number of records saved would not tell: an empty
-    // container saves none.
-    const int error = errno;
-    if (!temporary.exists()) {
-        errno = error;
-        return;
-    }
-    temporary.takePermissionsOf(fileName);
-    temporary.moveTo(fileName);
+    // The temporary file is still empty or written whole. The number of records saved would not tell: an
+    // empty container saves none.
+    if (!temporary.isEmpty()) temporary.moveTo(fileName, status.st_mode & 0777);
 }

@@ -132,7 +132,8 @@ class KESTA_API ZRContainerFile::Writer {
     /// container is written to the name with ".tmp" behind it, replacing what has that name, and moved over
     /// the file in one step. The file's permissions stay; a symbolic link is replaced, not followed. When the
     /// save fails the file is as it was and the temporary file is gone. Nothing tells that it failed; errno
-    /// says why.
+    /// says why. What a process that is killed meanwhile leaves under that name may be deleted, and the next
+    /// save does so.
     void save(const LightweightString<wchar_t>& fileName);
 
  private:

@@ -32,7 +32,8 @@ class KESTA_API TextFile {
     /// Writes all lines, each ended as `style` says. An existing file is never damaged: the lines go to a
     /// temporary file beside it, which is flushed to disk and renamed over it. Symbolic links are followed,
     /// permissions kept. Answers false on any failure; then the target is as it was and the temporary file is
-    /// gone. errno says why.
+    /// gone. errno says why. A process that is killed meanwhile may leave the temporary file: its name is
+    /// ".kesta-" and 12 letters and digits, and it may be deleted.
     bool save(LightweightString<wchar_t> name, eEOLStyle style) const;
 
     /// The number of lines.

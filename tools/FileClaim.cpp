@@ -1,6 +1,12 @@
 #include "tools/FileClaim.h"
 
+#include <cerrno>
+
 #include "tools/Failure.h"
+
+FileState::FileState(const std::string& path) : m_exists(stat(path.c_str(), &m_status) == 0) {
+    if (!m_exists && errno != ENOENT) throw fileFailure(path, errno);
+}
 
 bool FileState::operator==(const FileState& other) const noexcept {
     return m_exists == other.m_exists && m_status.st_dev == other.m_status.st_dev &&

@@ -12,7 +12,8 @@
 /// Which file a name stands for, and in which state.
 class FileState {
  public:
-    explicit FileState(const std::string& path) : m_exists(stat(path.c_str(), &m_status) == 0) {}
+    /// Throws Failure when the system does not say.
+    explicit FileState(const std::string& path);
 
     /// Whether it is the same file, unwritten since, as far as the system tells.
     bool operator==(const FileState& other) const noexcept;

@@ -36,7 +36,9 @@ void warnOfFindings(const std::string& path, const Inspection& inspection) {
 
 // The second reading must see what the first one saw: another program may be writing the file.
 Zr::Ptr<kesta> loaded(const std::string& path, const Inspection& inspection) {
+    errno = 0;
     Zr::Ptr<kesta> log(new kesta(Zr::WStringFromAscii(path.c_str()), allRecords, true));
+    if (log->get_valid() == 0 && errno != 0) throw fileFailure(path, errno);
     if (log->get_valid() == 0 || log->get_num_records() != inspection.records) {
         throw Failure(path + ": the file changed while it was read; try again");
     }

@@ -51,13 +51,15 @@ LibraryString folderOf(const LibraryString& path) {
     return slash == LibraryString::npos ? "." : path.substr(0, slash + 1);
 }
 
-/// What a chain of symbolic links ends at, which need not exist; empty, with errno set, when the links go
-/// round.
+/// What a chain of symbolic links ends at, which need not exist; empty, with errno set, when a link cannot be
+/// read or the links go round.
 LibraryString followLinks(LibraryString path) {
     for (int links = 0; links < 40; ++links) {
         char target[4096];
         const ssize_t length = ::readlink(path.c_str(), target, sizeof target);
-        if (length < 0 || length == sizeof target) return path;  // no link
+        if (length < 0 && (errno == EINVAL || errno == ENOENT)) return path;  // no link
+        if (length == sizeof target) errno = ENAMETOOLONG;
+        if (length < 0 || length == sizeof target) return {};
         const std::string_view text(target, static_cast<std::size_t>(length));
         path = (text[0] == '/' ? LibraryString() : folderOf(path) + "/").append(text);
     }
@@ -65,17 +67,25 @@ LibraryString followLinks(LibraryString path) {
     return {};
 }
 
+/// False, with errno set, for a device that may have no end.
+bool hasEnd(int file, int access) noexcept {
+    struct stat status;
+    if (::fstat(file, &status) != 0) return false;
+    const bool isEndless =
+        S_ISBLK(status.st_mode) || (S_ISCHR(status.st_mode) && access == O_RDONLY && ::isatty(file) == 0);
+    if (isEndless) errno = EINVAL;
+    return !isEndless;
+}
+
 /// Opens without waiting for the other end of a pipe; from then on reading and writing wait as usual. Regular
-/// files, pipes and terminals are taken: other devices may have no end.
+/// files, pipes and terminals are taken.
 int openStream(const LibraryString& path, int access) noexcept {
     const int file = ::open(path.c_str(), access | O_CLOEXEC | O_NONBLOCK);
     if (file < 0) return file;
-    struct stat status;
-    const bool endless = ::fstat(file, &status) != 0 || S_ISBLK(status.st_mode) ||
-                         (S_ISCHR(status.st_mode) && access == O_RDONLY && ::isatty(file) == 0);
-    if (!endless && ::fcntl(file, F_SETFL, access) == 0) return file;
+    if (hasEnd(file, access) && ::fcntl(file, F_SETFL, access) == 0) return file;
+    const int error = errno;
     ::close(file);
-    errno = EINVAL;
+    errno = error;
     return -1;
 }
 

@@ -9,18 +9,6 @@
 
 namespace {
 
-/// An environment variable that programs started meanwhile see.
-class EnvironmentSetting {
- public:
-    EnvironmentSetting(const char* name, const char* value) : m_name(name) { setenv(name, value, 1); }
-    EnvironmentSetting(const EnvironmentSetting&) = delete;
-    EnvironmentSetting& operator=(const EnvironmentSetting&) = delete;
-    ~EnvironmentSetting() { unsetenv(m_name); }
-
- private:
-    const char* m_name;
-};
-
 class EditTest : public ProgramTest {
  protected:
     std::string records(const std::string& file) { return run({"show", file, "--format", "csv"}).out; }
@@ -207,7 +195,7 @@ TEST_F(EditTest, LogsWithTheLongestNamesAreLockedToo) {
 // path, are more than a pipe holds.
 TEST_F(EditTest, NoticesAProgramThatTakesNoLock) {
     std::string damaged;
-    for (int line = 0; line < 20; ++line) damaged += "\"1\",\"2\"\n\n";
+    for (int line = 0; line < 20; ++line) damaged += "\"1\",\"2\"\n\"5\" reel\",\"6\"\n";
     log("a.log", "\"A\",\"B\"", damaged);
     std::string file = path("");
     while (file.size() < 3900) file += "./";

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <initializer_list>
+#include <optional>
 #include <spawn.h>
 #include <string>
 #include <sys/wait.h>
@@ -18,6 +19,28 @@ struct Outcome {
     int exitCode = -1;  // -1 when a signal ended it
     std::string out;
     std::string err;
+};
+
+/// An environment variable that programs started meanwhile see.
+class EnvironmentSetting {
+ public:
+    EnvironmentSetting(const char* name, const std::string& value) : m_name(name) {
+        if (const char* const before = std::getenv(name)) m_before = before;
+        setenv(name, value.c_str(), 1);
+    }
+    EnvironmentSetting(const EnvironmentSetting&) = delete;
+    EnvironmentSetting& operator=(const EnvironmentSetting&) = delete;
+    ~EnvironmentSetting() {
+        if (m_before) {
+            setenv(m_name, m_before->c_str(), 1);
+        } else {
+            unsetenv(m_name);
+        }
+    }
+
+ private:
+    const char* m_name;
+    std::optional<std::string> m_before;
 };
 
 class ProgramTest : public TestSupport::TempFolderTest {

@@ -23,8 +23,10 @@ void requireWritable(const PackOptions& options) {
     }
     if (!isThere(options.container)) return;
     if (!options.force) throw Failure(options.container + ": is there already; --force replaces it");
-    std::error_code ignored;
-    if (!std::filesystem::is_regular_file(options.container, ignored)) {
+    std::error_code error;
+    const bool isPlainFile = std::filesystem::is_regular_file(options.container, error);
+    if (error) throw fileFailure(options.container, error.value());
+    if (!isPlainFile) {
         throw Failure(options.container + ": is no plain file");
     }
 }
@@ -45,22 +47,22 @@ CookieSet parseIdentifiers(const std::vector<std::string>& texts) {
     return identifiers;
 }
 
-void save(const PackOptions& options, const CookieSet& identifiers) {
+void save(const PackOptions& options, const CookieSet& identifiers, FileClaim& claim) {
     const DBFieldDesc columns[] = {{"Cookie", DBFieldTypes::eText}, {}};
     ZRContainerFile::Writer writer(columns);
     writer.setName(libraryText(options.name));
     writer.setPermanent(options.permanent);
     for (const Cookie& identifier : identifiers) writer.addItem(identifier);
 
+    claim.requireUnchanged();
     const LightweightString<wchar_t> fileName = Zr::WStringFromAscii(options.container.c_str());
     errno = 0;
     writer.save(fileName);
     const int error = errno;
-    // Saving does not tell whether it went well; the file does.
-    const ZRContainerFile::Reader reader(fileName, false);
-    const bool saved = reader.getName().view() == options.name && reader.isPermanent() == options.permanent &&
-                       reader.getNumItems() == identifiers.size();
-    if (!saved) throw fileFailure(options.container, error);
+    // Saving does not tell whether it went well, but puts a whole new file in the place of the old one or
+    // nothing.
+    if (!claim.isChanged()) throw fileFailure(options.container, error);
+    claim.release();
 }
 
 }  // namespace
@@ -72,9 +74,7 @@ int Commands::packItems(const PackOptions& options) {
         throw Failure(std::string("a container does not keep this name as it is: ") + parameterRules);
     }
     const CookieSet identifiers = parseIdentifiers(options.identifiers);
-    claim.requireUnchanged();
-    save(options, identifiers);
-    claim.release();
+    save(options, identifiers, claim);
     const auto output = standardOutput();
     output->line(options.container + ": " + std::to_string(identifiers.size()) +
                  (identifiers.size() == 1 ? " item" : " items"));
