@@ -14,7 +14,7 @@ prefix=$work/moved
 "$prefix/bin/kesta" --help >/dev/null
 
 # Operator new and delete, and what of the standard library was compiled against them, are each library's own business.
-if nm --dynamic --defined-only "$prefix"/lib/lib*.so | grep -E ' [TWu] _Z(n[wa]|d[la]|Z?(N|NK)?St)'; then
+if nm --dynamic --defined-only "$prefix"/lib/lib*.so | grep -E ' [TVWu] _Z(n[wa]|d[la]|(T[ISTV]|Z?)(N|NK)?St)'; then
     echo "check-install: a library exports operator new or delete, or templates of the standard library" >&2
     exit 1
 fi
