@@ -1,5 +1,5 @@
-# What `cmake --install` puts under a prefix: the libraries, their public headers, the program, the CMake package
-# kesta and the pkg-config file. The whole may be moved afterwards: each part finds the others from its own place.
+# What `cmake --install` puts under a prefix: the libraries, their public headers, the program with its manual page and
+# the shells' completions, the CMake package kesta and the pkg-config file. The whole may be moved afterwards: each part finds the others from its own place.
 # The components are the packages of cmake/Packages.cmake.
 include(CMakePackageConfigHelpers)
 
@@ -37,3 +37,13 @@ file(RELATIVE_PATH prefix_from_pkgconfig ${CMAKE_INSTALL_PREFIX}/${pkgconfig_dir
 string(REGEX REPLACE "/$" "" prefix_from_pkgconfig "${prefix_from_pkgconfig}")
 configure_file(cmake/kesta.pc.in ${PROJECT_BINARY_DIR}/kesta.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kesta.pc COMPONENT development DESTINATION ${pkgconfig_dir})
+
+set(KESTA_ZSH_COMPLETIONS_DIR ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
+    CACHE STRING "Where zsh looks for completions, below the prefix")
+set(manual_dir ${PROJECT_BINARY_DIR}/manual)
+install(FILES ${manual_dir}/kesta.1.gz COMPONENT program DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES ${manual_dir}/kesta.bash RENAME kesta COMPONENT program
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+install(FILES ${manual_dir}/kesta.zsh RENAME _kesta COMPONENT program DESTINATION ${KESTA_ZSH_COMPLETIONS_DIR})
+install(FILES ${manual_dir}/kesta.fish COMPONENT program
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)

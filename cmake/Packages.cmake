@@ -48,6 +48,7 @@ package kesta, the pkg-config file, and the debugger's views of its types.")
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME kesta)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS bash-completion)
 set(CPACK_COMPONENT_PROGRAM_DEPENDS library)
 set(CPACK_COMPONENT_PROGRAM_DESCRIPTION
 "shows, checks and edits the logs of film and video editing

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the Debian packages in build/package/packages, has lintian look at them, and checks what they bring: the program
-# runs, applications build with it. On a machine that is for checks (CI is set) dpkg installs them and removes them
+# runs, its manual page is sound, applications build with the library. On a machine that is for checks (CI is set) dpkg installs them and removes them
 # again; on others they are unpacked into a temporary folder.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -12,7 +12,7 @@ if ! cpack --config build/package/CPackConfig.cmake -B "$packages" >build/packag
     cat build/package/cpack.log >&2
     exit 1
 fi
-lintian --allow-root --fail-on error "$packages"/*.deb
+lintian --allow-root --fail-on error,warning "$packages"/*.deb
 
 names=(libkesta1 libkesta-dev kesta)
 for name in "${names[@]}"; do
@@ -38,3 +38,7 @@ else
 fi
 
 [[ $("$root/usr/bin/kesta" --version) == "$version"* ]]
+
+mandoc -T lint "$root/usr/share/man/man1/kesta.1.gz"
+warnings=$(MANWIDTH=80 man --warnings --local-file "$root/usr/share/man/man1/kesta.1.gz" 2>&1 >/dev/null)
+[[ -z $warnings ]] || { echo "$warnings" >&2; exit 1; }
