@@ -1,5 +1,6 @@
-# What `cmake --install` puts under a prefix: the libraries, their public headers, the program, the CMake package
-# kesta and the pkg-config file. The whole may be moved afterwards: each part finds the others from its own place.
+# What `cmake --install` puts under a prefix: the libraries, their public headers, the program with its manual page and
+# the shells' completions, the CMake package kesta and the pkg-config file. The whole may be moved afterwards: each part finds the others from its own place.
+# The components are the packages of cmake/Packages.cmake.
 include(CMakePackageConfigHelpers)
 
 # Public headers keep their folders. All of support/ is public; every other folder names what it shows.
@@ -14,23 +15,35 @@ set(public_headers
     container/ZRContainerFile.h)
 foreach(header IN LISTS public_headers)
     get_filename_component(folder ${header} DIRECTORY)
-    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kesta/${folder})
+    install(FILES ${header} COMPONENT development DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kesta/${folder})
 endforeach()
 
 file(RELATIVE_PATH libraries_from_programs ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
 set_target_properties(kesta misc zr OS PROPERTIES INSTALL_RPATH "$ORIGIN")
 set_target_properties(kesta_program PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_programs}")
-install(TARGETS kesta misc zr OS EXPORT kesta_targets)
-install(TARGETS kesta_program)
+install(TARGETS kesta misc zr OS EXPORT kesta_targets
+        LIBRARY COMPONENT library NAMELINK_COMPONENT development)
+install(TARGETS kesta_program COMPONENT program)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/kesta)
-install(EXPORT kesta_targets NAMESPACE kesta:: FILE kesta-targets.cmake DESTINATION ${package_dir})
+install(EXPORT kesta_targets NAMESPACE kesta:: FILE kesta-targets.cmake COMPONENT development
+        DESTINATION ${package_dir})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/kesta-config-version.cmake COMPATIBILITY SameMajorVersion)
 install(FILES cmake/kesta-config.cmake ${PROJECT_BINARY_DIR}/kesta-config-version.cmake
-        DESTINATION ${package_dir})
+        COMPONENT development DESTINATION ${package_dir})
 
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH prefix_from_pkgconfig ${CMAKE_INSTALL_PREFIX}/${pkgconfig_dir} ${CMAKE_INSTALL_PREFIX})
 string(REGEX REPLACE "/$" "" prefix_from_pkgconfig "${prefix_from_pkgconfig}")
 configure_file(cmake/kesta.pc.in ${PROJECT_BINARY_DIR}/kesta.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/kesta.pc DESTINATION ${pkgconfig_dir})
+install(FILES ${PROJECT_BINARY_DIR}/kesta.pc COMPONENT development DESTINATION ${pkgconfig_dir})
+
+set(KESTA_ZSH_COMPLETIONS_DIR ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
+    CACHE STRING "Where zsh looks for completions, below the prefix")
+set(manual_dir ${PROJECT_BINARY_DIR}/manual)
+install(FILES ${manual_dir}/kesta.1.gz COMPONENT program DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES ${manual_dir}/kesta.bash RENAME kesta COMPONENT program
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+install(FILES ${manual_dir}/kesta.zsh RENAME _kesta COMPONENT program DESTINATION ${KESTA_ZSH_COMPLETIONS_DIR})
+install(FILES ${manual_dir}/kesta.fish COMPONENT program
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)

@@ -24,11 +24,4 @@ warnings=(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
     g++ -std=c++17 "${warnings[@]}" -fsyntax-only -I "$prefix/include/kesta" -x c++ - <<<"$include"
 done
 
-cmake -S tests/consumer -B "$work/build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
-cmake --build "$work/build" -- --quiet
-(cd "$work" && build/consumer)
-
-export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
-# shellcheck disable=SC2046  # flags are words
-g++ -std=c++17 "${warnings[@]}" tests/consumer/main.cpp -o "$work/by-pkg-config" $(pkg-config --cflags --libs kesta)
-(cd "$work" && LD_LIBRARY_PATH=$prefix/lib ./by-pkg-config)
+scripts/check-consumer.sh "$prefix" "$prefix/lib"

@@ -42,6 +42,8 @@ class CommandList {
         m_commands.push_back({app, [work, options] { return work(*options); }});
     }
 
+    const CLI::App& app() const noexcept { return m_app; }
+
     int run(int argc, char** argv) {
         try {
             m_app.parse(argc, argv);
@@ -97,7 +99,7 @@ void addFormat(CLI::App& app, std::string& format) {
 
 CLI::Option* addColumnList(CLI::App& app, const char* option, std::vector<std::string>& lists,
                            const char* what) {
-    return app.add_option(option, lists, what)->expected(1)->take_all();
+    return app.add_option(option, lists, what)->expected(1)->take_all()->type_name("COLUMNS");
 }
 
 CLI::Option* addAllColumns(CLI::App& app, bool& allColumns) {
@@ -125,7 +127,8 @@ void addReadingCommands(CommandList& commands) {
         "show", "Show records", "kesta show day1.log --columns Reel,\"Start time\" --rows 10-20",
         Commands::showRecords, [](CLI::App& app, ShowOptions& options) {
             addLog(app, options.log);
-            app.add_option("--rows", options.rows, "the rows to show, as in 3,10-20 or 100-");
+            app.add_option("--rows", options.rows, "the rows to show, as in 3,10-20 or 100-")
+                ->type_name("ROWS");
             app.add_flag("--tagged", options.tagged, "show tagged records only");
             addTable(app, options.table);
         });
@@ -139,6 +142,7 @@ void addReadingCommands(CommandList& commands) {
                 ->required();
             addTable(app, options.table);
             app.add_option("-o,--output", options.output, "the log to write, instead of showing the records")
+                ->type_name("FILE")
                 ->excludes("--columns")
                 ->excludes("--all-columns")
                 ->excludes("--format");
@@ -157,7 +161,7 @@ void addExchangeCommands(CommandList& commands) {
         "import", "Make a log of a .csv or .ale file", "kesta import dailies.ale -o dailies.log",
         Commands::importFile, [](CLI::App& app, ImportOptions& options) {
             app.add_option("FILE", options.file, "a file whose name ends in .csv or .ale")->required();
-            app.add_option("-o,--output", options.log, "the log to write")->required();
+            app.add_option("-o,--output", options.log, "the log to write")->type_name("FILE")->required();
             app.add_flag("--force", options.force, "replace a log that is there already");
             app.add_flag("--all-warnings", options.allWarnings,
                          "list every value that a log cannot hold exactly");
@@ -169,7 +173,8 @@ void addExchangeCommands(CommandList& commands) {
             app.add_option("--format", options.format, "csv, ale or json")
                 ->required()
                 ->check(CLI::IsMember({"csv", "ale", "json"}));
-            app.add_option("-o,--output", options.output, "the file to write, instead of standard output");
+            app.add_option("-o,--output", options.output, "the file to write, instead of standard output")
+                ->type_name("FILE");
             app.add_flag("--force", options.force, "replace a file that is there already");
             addAllColumns(app, options.allColumns);
         });
@@ -216,6 +221,12 @@ void addEditingCommands(CommandList& commands) {
             addColumnList(app, "--hide", options.hide, "columns to hide");
             addColumnList(app, "--order", options.order, "the columns to come first, in this order");
             app.add_flag("--reset", options.reset, "first go back to all columns in the log's own order");
+            app.add_flag("--names", options.names,
+                         "list nothing but the names of all columns, in the log's own order")
+                ->excludes("--show")
+                ->excludes("--hide")
+                ->excludes("--order")
+                ->excludes("--reset");
             addForce(app, options.force);
         });
 }
@@ -232,7 +243,9 @@ void addContainerCommands(CommandList& commands) {
         "kesta pack -o reels.sg --name \"Day 1\" M0123456789abcdef0123456789abcdef00", Commands::packItems,
         [](CLI::App& app, PackOptions& options) {
             app.add_option("IDENTIFIER", options.identifiers, "the items' identifiers")->required();
-            app.add_option("-o,--output", options.container, "the container to write")->required();
+            app.add_option("-o,--output", options.container, "the container to write")
+                ->type_name("FILE")
+                ->required();
             app.add_option("--name", options.name, "the container's name")->required();
             app.add_flag("--permanent", options.permanent, "mark the container as permanent");
             app.add_flag("--force", options.force, "replace a file that is there already");
@@ -268,11 +281,13 @@ void addBulkCommands(CommandList& commands) {
             app.add_option("--where", options.where,
                            "tag records whose columns hold these texts, each of them, in either case")
                 ->type_name("COLUMN=TEXT");
-            app.add_option("--rows", options.rows, "tag these rows, as in 3,5-9");
+            app.add_option("--rows", options.rows, "tag these rows, as in 3,5-9")->type_name("ROWS");
             app.add_option("--duplicates", options.duplicates,
-                           "tag each record that repeats an earlier one's value in this column");
+                           "tag each record that repeats an earlier one's value in this column")
+                ->type_name("COLUMN");
             app.add_option("--distinct", options.distinct,
-                           "tag the first record of each value in this column");
+                           "tag the first record of each value in this column")
+                ->type_name("COLUMN");
             app.add_flag("--invert", options.invert, "tag what is not tagged, and the other way round");
             app.add_flag("--clear", options.clear, "take all tags away");
             app.add_flag("--list", options.list, "show the tagged records");
@@ -297,14 +312,24 @@ void addBulkCommands(CommandList& commands) {
         });
 }
 
-}  // namespace
-
-int runCommandLine(int argc, char** argv) {
-    CommandList commands;
+void addAllCommands(CommandList& commands) {
     addReadingCommands(commands);
     addExchangeCommands(commands);
     addEditingCommands(commands);
     addBulkCommands(commands);
     addContainerCommands(commands);
+}
+
+}  // namespace
+
+int runCommandLine(int argc, char** argv) {
+    CommandList commands;
+    addAllCommands(commands);
     return commands.run(argc, argv);
+}
+
+void withCommandLine(const std::function<void(const CLI::App&)>& use) {
+    CommandList commands;
+    addAllCommands(commands);
+    use(commands.app());
 }

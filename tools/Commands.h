@@ -118,6 +118,7 @@ struct ColumnsOptions {
     std::vector<std::string> hide;
     std::vector<std::string> order;  ///< the columns to come first
     bool reset = false;              ///< before anything else, back to all columns in the log's own order
+    bool names = false;              ///< list only the names of all columns
     bool force = false;
 };
 

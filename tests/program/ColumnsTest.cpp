@@ -48,6 +48,8 @@ TEST_F(ColumnsTest, ChoiceAndOrderAreKeptWithTheLog) {
 TEST_F(ColumnsTest, ColumnsThatTheLogLacksAreLeftOut) {
     const std::string file = threeColumns("9 3 -8");
     EXPECT_EQ(run({"columns", file}).out, "3  shown     Notes\n1  unlisted  Name\n2  unlisted  Reel\n");
+    EXPECT_EQ(run({"columns", file, "--names"}).out, "Name\nReel\nNotes\n");
+    EXPECT_EQ(run({"columns", file, "--names", "--show", "Name"}).exitCode, 64);
     EXPECT_EQ(shown(file), "Notes");
     EXPECT_EQ(run({"columns", file, "--show", "Reel"}).exitCode, 0);
     EXPECT_EQ(mapOf(file), "3 2\n");

@@ -80,9 +80,20 @@ void list(kesta& log) {
     output->finish();
 }
 
+/// For programs that offer columns, such as a shell that completes a command line.
+void listNames(const kesta& log) {
+    const auto output = standardOutput();
+    for (const std::string& name : columnNames(log)) output->line(harmless(name));
+    output->finish();
+}
+
 }  // namespace
 
 int Commands::columns(const ColumnsOptions& options) {
+    if (options.names) {
+        listNames(*openLog(options.log).log);
+        return exitDone;
+    }
     const bool changes =
         options.reset || !options.show.empty() || !options.hide.empty() || !options.order.empty();
     if (!changes) {
