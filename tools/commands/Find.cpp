@@ -25,7 +25,7 @@ void saveRows(KSTViewRep& view, const std::string& path, FileClaim& claim) {
     if (view.saveOnlyTagged(Zr::WStringFromAscii(path.c_str())) == 0) throw fileFailure(path, errno);
     claim.release();
     const auto output = standardOutput();
-    output->line(path + ": " + counted(view.get_num_records(), "record"));
+    output->line(harmless(path) + ": " + counted(view.get_num_records(), "record"));
     output->finish();
 }
 

@@ -192,8 +192,8 @@ class Importer {
 
     void report() const {
         m_warnings.summarise("--all-warnings lists them all");
-        std::string text = m_options.log + ": " + counted(m_log.get_num_records(), "record") + ", " +
-                           counted(m_log.get_num_fields(), "column");
+        std::string text = harmless(m_options.log) + ": " + counted(m_log.get_num_records(), "record") +
+                           ", " + counted(m_log.get_num_fields(), "column");
         if (m_changed > 0) text += ", " + counted(m_changed, "value") + " not kept exactly";
         const auto output = standardOutput();
         output->line(text);

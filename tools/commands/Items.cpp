@@ -28,7 +28,7 @@ Container describe(const std::string& path) {
 void printHead(const Container& container, const kesta& items, LineSink& out) {
     out.line("name:      " + harmless(container.name));
     out.line(std::string("permanent: ") + (container.permanent ? "yes" : "no"));
-    out.line("kind:      " + container.kind);
+    out.line("kind:      " + harmless(container.kind));
     out.line("items:     " + std::to_string(items.get_num_records()));
 }
 

@@ -5,6 +5,7 @@
 #include "container/ZRContainerFile.h"
 #include "support/StringFunctions.h"
 #include "tools/Commands.h"
+#include "tools/DisplayText.h"
 #include "tools/Failure.h"
 #include "tools/FileClaim.h"
 #include "tools/Files.h"
@@ -76,7 +77,7 @@ int Commands::packItems(const PackOptions& options) {
     const CookieSet identifiers = parseIdentifiers(options.identifiers);
     save(options, identifiers, claim);
     const auto output = standardOutput();
-    output->line(options.container + ": " + std::to_string(identifiers.size()) +
+    output->line(harmless(options.container) + ": " + std::to_string(identifiers.size()) +
                  (identifiers.size() == 1 ? " item" : " items"));
     output->finish();
     return exitDone;

@@ -1,0 +1,70 @@
+// Text of files, file names and arguments, wherever they are shown to people, never steer the terminal.
+#include "tests/program/ProgramTest.h"
+
+namespace {
+
+// Clears the screen, in both encodings of its beginning; turns the text's direction.
+const std::string hostile =
+    "x\x1b[2J\xc2\x9b"
+    "2J\x9b\xe2\x80\xae"
+    "\x07";
+
+bool isHarmless(const std::string& text) {
+    for (const char* const steering : {"\x1b", "\xc2\x9b", "\x9b", "\xe2\x80\xae", "\x07"}) {
+        if (text.find(steering) != std::string::npos) return false;
+    }
+    return true;
+}
+
+class TerminalTest : public ProgramTest {};
+
+TEST_F(TerminalTest, NothingThatIsShownSteersIt) {
+    const std::string name = '"' + hostile + '"';
+    const std::string file =
+        log(hostile + ".log", name + ",\"Tag\"", name + ",\"0\"\n", "\"" + hostile + ":" + hostile + "\"\n");
+    const std::string damaged =
+        log(hostile + ".bad", name + ",\"Tag\"", name + "," + name + "\n" + name + "\n");
+    const std::string table = folder.with(hostile + ".csv", hostile + ",\n" + hostile + ",\" x\"\n").string();
+    const std::string made = path(hostile + ".made");
+    const std::string box = path(hostile + ".sg");
+    const std::vector<std::vector<std::string>> commands = {
+        {"info", file},
+        {"show", file},
+        {"show", file, "--columns", hostile + "?"},
+        {"find", file, hostile + "=" + hostile},
+        {"find", file, hostile + "=" + hostile, "-o", made},
+        {"find", file, "none=" + hostile},
+        {"check", file, damaged, path("none" + hostile)},
+        {"import", table, "-o", made, "--force"},
+        {"import", table, "-o", made},
+        {"export", damaged, "--format", "csv", "-o", made, "--force"},
+        {"set", damaged, "1", hostile, "y"},
+        {"set", file, hostile, hostile, "y"},
+        {"add", file, hostile + "?=y"},
+        {"delete", file, hostile},
+        {"param", file},
+        {"param", file, hostile},
+        {"param", file, hostile + "?"},
+        {"columns", file},
+        {"tag", file, "--rows", "1"},
+        {"tag", file, "--list"},
+        {"sort", file, "--by", hostile + "?"},
+        {"merge", file, damaged, "--force"},
+        {"merge", file, path("none" + hostile)},
+        {"pack", hostile, hostile, "--name", hostile, "-o", box},
+        {"pack", hostile, "--name", hostile, "-o", box},
+        {"items", box},
+        {"items", file},
+        {hostile},
+        {"show", file, "--" + hostile},
+        {"show", file, "--format", hostile},
+    };
+    for (const std::vector<std::string>& command : commands) {
+        const Outcome shown = run(command);
+        EXPECT_FALSE(shown.out.empty() && shown.err.empty()) << command[0];
+        EXPECT_TRUE(isHarmless(shown.out)) << command[0] << ": " << testing::PrintToString(shown.out);
+        EXPECT_TRUE(isHarmless(shown.err)) << command[0] << ": " << testing::PrintToString(shown.err);
+    }
+}
+
+}  // namespace
