@@ -263,3 +263,14 @@ TEST(FieldMapCopies, AreTheirOwn) {
         EXPECT_EQ(kept->asString(), "2 -1");  // the source came with the columns
     }
 }
+
+TEST(FieldMapColumns, RunningOutOfMemoryAddsNone) {
+    FieldMap map(*fourColumns("2 -1"));
+    const unsigned failures =
+        failEachRequest([&] { map.append("a name too long to be anywhere else", false); },
+                        [&] {
+                            ASSERT_EQ(columnsOf(map), (Fields{"Start", "-Name"}));
+                        });
+    EXPECT_GT(failures, 0u);
+    EXPECT_EQ(map.size(), 3);
+}

@@ -75,27 +75,18 @@ TEST(RecordLineReading, GivesTheFieldsAndTheCountOfEveryForm) {
     const std::vector<Case> cases = {
         // Plain forms.
         {R"("a","b")", {"a", "b"}, 2},
-        {R"(a,b c,d)", {"a", "b c", "d"}, 3},
         {R"(a,"b",c)", {"a", "b", "c"}, 3},
-        {R"("")", {""}, 1},
-        {R"("","")", {"", ""}, 2},
         {R"(,)", {""}, 1},
-        {R"(,,)", {"", ""}, 2},
         {R"(,a)", {"", "a"}, 2},
         {R"("a",,"c")", {"a", "", "c"}, 3},
-        {R"("a","b",)", {"a", "b"}, 2},
         {R"("a",,)", {"a", ""}, 2},
         // Commas inside quotes.
         {R"("a,b","c")", {"a,b", "c"}, 2},
         {R"("a,b)", {"a,b"}, 1},
-        {R"("a,)", {"a,"}, 1},
         // Doubled quotes, inside quotes and out.
         {R"("say ""hi""")", {R"(say "hi")"}, 1},
         {R"("""")", {R"(")"}, 1},
-        {R"("""")", {"\""}, 1},
         {R"("""a,b""",c)", {R"("a,b")", "c"}, 2},
-        {R"(a""b)", {R"(a"b)"}, 1},
-        {R"(a""b,c)", {R"(a"b)", "c"}, 2},
         {R"("""",""","b")", {R"(")", R"(",b)"}, 2},
         // Quotes where a field did not begin with one are dropped, and do not begin a quoted stretch.
         {R"(a"b"c)", {"abc"}, 1},
@@ -103,69 +94,39 @@ TEST(RecordLineReading, GivesTheFieldsAndTheCountOfEveryForm) {
         {R"(a, "b,c")", {"a", "b", "c"}, 3},
         // Text between the closing quote and the comma is kept; a third quote does not quote again.
         {R"("a"b,c)", {"ab", "c"}, 2},
-        {R"("a" b ,c)", {"a b", "c"}, 2},
         {R"("a"b"c,d")", {"abc", "d"}, 2},
         {R"(""abc"")", {R"(abc")"}, 1},
-        {R"("a" ,"b")", {"a", "b"}, 2},
         // A quote at the end, and alone.
         {R"(")", {""}, 1},
-        {R"(a")", {"a"}, 1},
         {R"(a,")", {"a", ""}, 2},
         // White space around a field goes, inside quotes too; between words it stays.
         {R"(  a  ,  b  )", {"a", "b"}, 2},
         {R"("  a  b  ")", {"a  b"}, 1},
-        {R"(  "a")", {"a"}, 1},
-        {R"("   ")", {""}, 1},
         {"a, \t\v\f\r b", {"a", "b"}, 2},
         {"\" \t a\t\r\v\f \",b", {"a", "b"}, 2},
         // White space after a dropped quote is not leading any more.
         {R"("" a)", {" a"}, 1},
         // Backslashes.
         {R"("a\nb")", {"a\nb"}, 1},
-        {R"(a\nb)", {"a\nb"}, 1},
         {R"("\na\n")", {"\na"}, 1},
         {R"("a\\b")", {R"(a\\b)"}, 1},
         {R"("a\\nb")", {R"(a\\nb)"}, 1},
-        {R"("a\\\nb")", {"a\\\\\nb"}, 1},
-        {R"("a\\\\b")", {R"(a\\\\b)"}, 1},
         {R"("C:\temp")", {R"(C:\temp)"}, 1},
-        {R"(a\)", {R"(a\)"}, 1},
-        {R"(a\\)", {R"(a\\)"}, 1},
         {R"(a\\\)", {R"(a\\\)"}, 1},
         {R"(\,b)", {R"(\)", "b"}, 2},
-        {R"("\,b")", {R"(\,b)"}, 1},
         {R"("a\","b")", {R"(a\)", "b"}, 2},
-        {R"("a\""b")", {R"(a\"b)"}, 1},
-        {R"("a\N")", {R"(a\N)"}, 1},
         // Control characters between fields count and give no field; inside one they are kept.
         {"\"a\",\t\"b\"", {"a", "b"}, 3},
         {"\t\r\"a\"", {"a"}, 3},
         {"\"a\",\t\t", {"a"}, 3},
-        {"\t,a", {"", "a"}, 3},
-        {"a,\x7F"
-         "b",
-         {"a", "b"},
-         3},
         {bytes("\0a,\0\0b"), {"a", "b"}, 5},
         {"\x01", {}, 1},
-        {bytes("\0"), {}, 1},
-        {"\x7F\x7F", {}, 2},
-        {"\"\x01\",b", {"\x01", "b"}, 2},
-        {"a\x7F\x01"
-         "b",
-         {"a\x7F\x01"
-          "b"},
-         1},
         {bytes("\"a\0b\",c"), {bytes("a\0b"), "c"}, 2},
-        {bytes("\"a\0\""), {bytes("a\0")}, 1},
-        {"a\tb", {"a\tb"}, 1},
-        {"a\rb", {"a\rb"}, 1},
         // Only ASCII is white space or control.
         {"\x80,\xFF,\xA0,\x85", {"\x80", "\xFF", "\xA0", "\x85"}, 4},
         {"\xA0 a \xA0", {"\xA0 a \xA0"}, 1},
         // Nothing but white space is no line at all.
         {"", {}, 0},
-        {"     ", {}, 0},
         {" \t\v\f\r", {}, 0},
     };
     for (const Case& c : cases) {
@@ -200,28 +161,22 @@ TEST(RecordLineReading, CutsFieldsAt4095BytesAndGoesOnBehindTheByteItCutAt) {
     };
     const std::vector<Case> cases = {
         {quoted(std::string(4094, 'x')) + ",b", {std::string(4094, 'x'), "b"}, 2},
-        {longest, {longest}, 1},
         // The comma is the byte it was cut at, as good as read.
         {longest + ",b", {longest, "b"}, 2},
         // The closing quote is the byte it was cut at, so the comma ends an empty field.
         {quoted(longest), {longest}, 1},
         {quoted(longest) + ",b", {longest, "", "b"}, 3},
-        {longest + "y", {longest}, 1},
-        {longest + "yz", {longest, "z"}, 2},
         {longest + "y\"z,w\"", {longest, "z,w"}, 2},
         // The rest of a quoted field is not quoted any more.
         {quoted(longest + "yz,w") + ",b", {longest, "z", "w", "b"}, 4},
-        {std::string(5000, 'x'), {longest, std::string(904, 'x')}, 2},
         {std::string(3 * 4096, 'x'), {longest, longest, longest}, 3},
         // White space at the end of the cut field goes as well.
         {std::string(4090, 'x') + "     yy", {std::string(4090, 'x'), "y"}, 2},
         // A line feed and a doubled quote take one byte, whole, at the limit.
         {std::string(4094, 'x') + R"(""yz)", {std::string(4094, 'x') + '"', "z"}, 2},
         {std::string(4093, 'x') + R"(\nyzw)", {std::string(4093, 'x') + "\ny", "w"}, 2},
-        {std::string(4093, 'x') + R"(\\yz)", {std::string(4093, 'x') + R"(\\)", "z"}, 2},
         // Two backslashes are cut apart, as a backslash before anything else is a byte of its own.
         {std::string(4094, 'x') + R"(\\yz)", {std::string(4094, 'x') + '\\', "yz"}, 2},
-        {std::string(4094, 'x') + R"(\yz)", {std::string(4094, 'x') + '\\', "z"}, 2},
         // Dropped quotes take no room.
         {std::string(4095, '"') + "a", {std::string(2047, '"') + "a"}, 1},
     };
@@ -239,23 +194,16 @@ TEST(RecordLineReading, AgreesWithTheSlowReadingOnRandomLines) {
     // Longer runs of plain bytes between the special ones.
     const std::string mostlyPlain = specialBytes + std::string(60, 'p');
     while (lines.size() < 80000) lines.push_back(randomLine(random, mostlyPlain, random() % 200));
-    expectSameAsModel(lines);
-}
-
-TEST(RecordLineReading, AgreesWithTheSlowReadingOnRandomLinesAroundTheLimit) {
-    std::mt19937 random(7);
-    const std::string mostlyPlain = specialBytes + std::string(40, 'p');
+    // Plain up to just before a limit, so that every special byte meets it.
     for (const std::size_t limit : {4095U, 2U * 4096U}) {
-        Strings lines;
         for (int i = 0; i < 1500; ++i) {
-            // Plain up to just before the limit, so that every special byte meets it.
             const std::string begin =
                 (random() % 2 ? "\"" : "") + std::string(limit - 12 + random() % 12, 'x');
             lines.push_back(begin + randomLine(random, specialBytes, random() % 24));
             lines.push_back(randomLine(random, mostlyPlain, limit - 8 + random() % 16));
         }
-        expectSameAsModel(lines);
     }
+    expectSameAsModel(lines);
 }
 
 TEST(RecordLineReading, TakesOneLineAtATimeAndMarksTheRecordChangedUnlessTheLineIsBlank) {
@@ -310,14 +258,9 @@ TEST(RecordLineWriting, QuotesEveryFieldAndEscapesOnlyQuotesAndLineFeeds) {
     const std::vector<std::pair<Fields, std::string>> cases = {
         {{"Reel 1", "", R"(say "hi")"}, R"("Reel 1","","say ""hi""")"},
         {{}, ""},
-        {{""}, R"("")"},
         {{"  x  "}, R"("  x  ")"},
         {{"a\rb\r"}, R"("ab")"},
         {{"a\nb", "\n"}, R"("a\nb","\n")"},
-        {{"a\r\nb"}, R"("a\nb")"},
-        {{R"(a\b\\c\n)"}, R"("a\b\\c\n")"},
-        {{"\""}, R"("""")"},
-        {{"a,b"}, R"("a,b")"},
         {{bytes("a\0\t\x7F\x80\xFF")}, bytes("\"a\0\t\x7F\x80\xFF\"")},
         {{std::string(9000, 'x')}, quoted(std::string(9000, 'x'))},
     };
@@ -351,20 +294,7 @@ TEST(RecordLineWriting, AgreesWithTheSlowWritingOnRandomFields) {
 
 TEST(RecordLineRoundTrip, KeepsOrLosesWhatItIsKnownTo) {
     const std::vector<std::pair<std::string, std::string>> cases = {
-        {"a\nb", "a\nb"},
-        {R"(a\nb)", "a\nb"},
-        {R"(a\\b)", R"(a\\b)"},
-        {"a\\\nb", R"(a\\nb)"},
-        {"a\rb", "ab"},
-        {"\\\rn", "\n_"},
-        {"  x  ", "x"},
-        {"x\n", "x"},
-        {R"(a\)", R"(a\)"},
-        {R"(a"b,"",c)", R"(a"b,"",c)"},
-        {bytes("\x01"
-               "a\0"),
-         bytes("\x01"
-               "a\0")},
+        {"a\\\nb", R"(a\\nb)"}, {"\\\rn", "\n_"}, {"  x  ", "x"}, {"x\n", "x"}, {R"(a\)", R"(a\)"},
     };
     for (const auto& [before, after] : cases) {
         // A text behind it shows that the field ends where it did.

@@ -30,7 +30,7 @@ class Identifiers : public ::testing::Test {
 
 // --- Inserting and appending ---
 
-TEST(InsertingRecords, MakesRoomWithASingleRecordAtItsFront) {
+TEST(InsertingRecords, MakesRoomWithASingleRecordAtItsFrontAndAppendsMany) {
     const Zr::Ptr<kesta> database = numbered(5);
     CapturedNotifications heard(*database);
     database->insert_records(2, 3);
@@ -49,20 +49,11 @@ TEST(InsertingRecords, MakesRoomWithASingleRecordAtItsFront) {
     EXPECT_FALSE(database->get_changed());
     EXPECT_TRUE(heard.texts().empty());
 
-    const Zr::Ptr<kesta> empty = numbered(0);
-    empty->insert_records(0, 2);
-    EXPECT_EQ(rowsOf(*empty), (std::vector<Fields>{{""}, {"no record"}}));
-}
-
-TEST(AppendingRecords, AnswersTheRowOfTheFirst) {
-    const Zr::Ptr<kesta> database = numbered(0);
-    EXPECT_EQ(database->add_records(4), 0U);
-    EXPECT_EQ(database->add_records(2), 4U);
-    EXPECT_EQ(database->add_records(0), 6U);
-    EXPECT_EQ(database->add_records(-3), 6U);
-    EXPECT_EQ(database->get_num_records(), 6U);
-    EXPECT_EQ(database->get_record(5)->get_container(), database.get());
-    EXPECT_NE(database->get_record(4).get(), database->get_record(5).get());
+    EXPECT_EQ(database->add_records(2), 9U) << "the row of the first";
+    EXPECT_EQ(database->add_records(0), 11U);
+    EXPECT_EQ(database->add_records(-3), 11U);
+    EXPECT_EQ(database->get_record(10)->get_container(), database.get());
+    EXPECT_NE(database->get_record(9).get(), database->get_record(10).get());
     EXPECT_FALSE(database->get_changed());
 }
 
@@ -104,6 +95,13 @@ TEST(DeletingRecords, RemovesTheRowsAndTellsTheirNumbers) {
     database->delete_records(1, notFound);
     EXPECT_EQ(heard.texts(), (std::vector<std::string>{"6 7 ", "1 2 3 4 5 "}));
     EXPECT_EQ(columnOf(*database, 0), (Fields{"1"}));
+
+    heard.clear();
+    database->clear_changed();
+    for (const unsigned past : {1U, notFound}) database->delete_records(past, 1);
+    database->delete_records(0, 0);
+    EXPECT_FALSE(database->get_changed());
+    EXPECT_TRUE(heard.texts().empty()) << "nothing is told of no rows";
 }
 
 TEST(DeletingRecords, AListenerMayEndTheDatabase) {
@@ -126,19 +124,6 @@ TEST(DeletingRecords, AListenerMayEndTheDatabase) {
         EXPECT_EQ(kept->get_container(), nullptr);
         EXPECT_TRUE(kept->set_field(0, "a record outlives its database", true));
     }
-}
-
-TEST(DeletingRecords, NothingIsDoneOrToldForNoRows) {
-    const Zr::Ptr<kesta> database = numbered(5);
-    CapturedNotifications heard(*database);
-    database->delete_records(5, 1);
-    database->delete_records(notFound, 1);
-    database->delete_records(0, 0);
-    database->delete_records(5, 0);
-    EXPECT_EQ(database->get_num_records(), 5U);
-    EXPECT_FALSE(database->get_changed());
-    EXPECT_TRUE(heard.texts().empty());
-    numbered(0)->delete_records(0, 1);
 }
 
 TEST(DeletingRecords, LetsGoOfThemAndTellsBeforeTheDatabaseIsMarked) {
@@ -185,20 +170,6 @@ TEST(DeletingRecords, AgreesWithAPlainListWhateverTheOrder) {
         }
         ASSERT_EQ(columnOf(*database, 0), expected) << "step " << step;
     }
-}
-
-TEST(ChangedMarks, AreClearedTogetherAndTagsStay) {
-    const Zr::Ptr<kesta> database = numbered(2);
-    database->insert_records(1, 2);
-    database->set_field(3, 0, "x");
-    database->set_tag(3, 1);
-    EXPECT_TRUE(database->get_changed());
-    EXPECT_TRUE(database->get_record(3)->get_changed());
-    EXPECT_FALSE(database->get_record(0)->get_changed());
-    database->clear_changed();
-    EXPECT_FALSE(database->get_changed());
-    EXPECT_FALSE(database->get_record(3)->get_changed());
-    EXPECT_EQ(database->get_tag(3), 1);
 }
 
 // --- Identifiers ---
@@ -292,19 +263,13 @@ TEST_F(Identifiers, AddingByIdentifierKeepsTheRowThatIsFiled) {
     database->addRecord(named("newer"));
     EXPECT_EQ(database->getRowIndexByID(named("b")), 1U);
     EXPECT_EQ(database->getRowIndexByID(named("newer")), 6U);
-}
-
-TEST_F(Identifiers, AddingByIdentifierWorksWithoutAColumnAndWhileOnlyTaggedAreShown) {
-    const Zr::Ptr<kesta> plain = makeTextDatabase({"a"});
-    const Zr::Ptr<dbrecord> record = plain->addRecord(named("x"));
-    EXPECT_EQ(fieldsOf(*record), (Fields{""}));
-    EXPECT_EQ(plain->get_record(0U).get(), record.get());
-    EXPECT_EQ(plain->getRowIndexByID(named("x")), notFound);
 
     database->set_show_tags_only(1);
-    database->addRecord(named("x"));
+    database->addRecord(named("while only tagged ones are shown"));
     database->set_show_tags_only(0);
-    EXPECT_EQ(database->get_num_records(), 5U);
+    EXPECT_EQ(database->get_num_records(), 8U);
+    const Zr::Ptr<kesta> plain = makeTextDatabase({"a"});
+    EXPECT_EQ(fieldsOf(*plain->addRecord(named("x"))), (Fields{""})) << "without a column for it";
 }
 
 TEST_F(Identifiers, ManyAreAllFound) {

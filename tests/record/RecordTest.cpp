@@ -43,18 +43,6 @@ class RecordInDatabase : public ::testing::Test {
 
 }  // namespace
 
-TEST(Record, StartsWithEmptyFieldsUnmarkedAndFree) {
-    const Zr::Ptr<dbrecord> record(new dbrecord(3));
-    EXPECT_EQ(record->get_num_fields(), 3);
-    EXPECT_TRUE(isBlankText(record->get_field(2)));
-    EXPECT_TRUE(record->is_blank());
-    EXPECT_FALSE(record->get_changed());
-    EXPECT_EQ(record->get_tag(), 0);
-    EXPECT_EQ(record->get_container(), nullptr);
-    EXPECT_TRUE(dbrecord(0).is_blank());
-    EXPECT_EQ(dbrecord(65535).get_num_fields(), 65535);
-}
-
 TEST(Record, AnswersNothingForFieldsItDoesNotHave) {
     const Zr::Ptr<dbrecord> record = makeRecord({"x", "", "z"});
     EXPECT_STREQ(record->get_field(0), "x");
@@ -81,57 +69,47 @@ TEST(Record, AnswersNothingForFieldsItDoesNotHave) {
 TEST(Record, CopiesAFieldIntoABufferWithAClosingZero) {
     const Zr::Ptr<dbrecord> record = makeRecord({"abcdef", ""});
     char buffer[11];
-    const auto reset = [&] { std::fill(std::begin(buffer), std::end(buffer), '#'); };
-
-    reset();
-    EXPECT_TRUE(record->in_field(0, buffer, 3));
-    EXPECT_EQ(std::string(buffer, 5), bytes("abc\0#"));
-
-    reset();
-    EXPECT_TRUE(record->in_field(0, buffer, 0));
-    EXPECT_EQ(std::string(buffer, 2), bytes("\0#"));
-
-    reset();
-    EXPECT_TRUE(record->in_field(0, buffer, 10));
-    EXPECT_STREQ(buffer, "abcdef");
+    const auto copied = [&](int field, int length) {
+        std::fill(std::begin(buffer), std::end(buffer), '#');
+        EXPECT_TRUE(record->in_field(field, buffer, length));
+        return std::string(buffer, sizeof buffer);
+    };
+    EXPECT_EQ(copied(0, 3), bytes("abc\0#######"));
+    EXPECT_EQ(copied(0, 0), bytes("\0##########"));
+    EXPECT_EQ(copied(0, 10).substr(0, 7), bytes("abcdef\0"));
     EXPECT_EQ(buffer[10], '\0') << "the last byte of the room is always a zero";
+    EXPECT_EQ(copied(1, 10)[0], '\0') << "an empty field is a field";
 
-    reset();
-    EXPECT_TRUE(record->in_field(1, buffer, 10)) << "an empty field is a field";
-    EXPECT_EQ(buffer[0], '\0');
-
-    reset();
+    std::fill(std::begin(buffer), std::end(buffer), '#');
     for (const int bad : {-1, 2, 65536}) EXPECT_FALSE(record->in_field(bad, buffer, 10)) << bad;
     EXPECT_FALSE(record->in_field(0, buffer, -1));
     EXPECT_FALSE(record->in_field(0, nullptr, 10));
     EXPECT_EQ(std::string(buffer, 11), std::string(11, '#'));
 }
 
-TEST_F(RecordInDatabase, TextIsStoredWithoutItsLeadingWhiteSpaceWhenTrimming) {
-    EXPECT_TRUE(marks(record->set_field(0, "   abc  ", true)));
-    EXPECT_STREQ(record->get_field(0), "abc  ");
-    EXPECT_TRUE(marks(record->set_field(0, " \t\n\v\f\r x", true)));
-    EXPECT_STREQ(record->get_field(0), "x");
-    EXPECT_TRUE(marks(record->set_field(0, "\xA0x", true)));
-    EXPECT_STREQ(record->get_field(0), "\xA0x") << "only ASCII is white space";
-    EXPECT_TRUE(marks(record->set_field(0, "   abc  ", false)));
-    EXPECT_STREQ(record->get_field(0), "   abc  ");
-    EXPECT_TRUE(marks(record->set_field(0, "  ", false)));
-    EXPECT_STREQ(record->get_field(0), "  ");
-    EXPECT_TRUE(marks(record->set_field(0, "  ", true)));
-    EXPECT_TRUE(isBlankText(record->get_field(0)));
-}
-
-TEST_F(RecordInDatabase, StoringMarksEvenWhenNothingChanges) {
-    for (const char* const nothing : {"", static_cast<const char*>(nullptr)}) {
-        EXPECT_TRUE(marks(record->set_field(0, nothing, true)));
-        EXPECT_TRUE(marks(record->set_field(0, nothing, false)));
-        EXPECT_TRUE(isBlankText(record->get_field(0)));
+TEST_F(RecordInDatabase, TextIsTrimmedInFrontOnDemandAndMarksEvenWhenNothingChanges) {
+    struct Case {
+        const char* text;
+        bool trim;
+        const char* stored;
+    };
+    const Case cases[] = {
+        {"   abc  ", true, "abc  "},
+        {" \t\n\v\f\r x", true, "x"},
+        {"x", true, "x"},
+        {"\xA0x", true, "\xA0x"},  // only ASCII is white space
+        {"  abc", false, "  abc"},
+        {"  ", false, "  "},
+        {"  ", true, ""},
+        {"", true, ""},
+        {"", false, ""},
+        {nullptr, true, ""},
+        {nullptr, false, ""},
+    };
+    for (const Case& c : cases) {
+        EXPECT_TRUE(marks(record->set_field(0, c.text, c.trim)));
+        EXPECT_STREQ(record->get_field(0), c.stored);
     }
-    EXPECT_TRUE(marks(record->set_field(1, "x", true)));
-    EXPECT_TRUE(marks(record->set_field(1, "x", true)));
-    EXPECT_TRUE(marks(record->set_field(1, nullptr, true)));
-    EXPECT_TRUE(isBlankText(record->get_field(1)));
 }
 
 TEST_F(RecordInDatabase, StoringAStringMarksOnlyWhenItDiffers) {

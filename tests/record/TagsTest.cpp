@@ -92,18 +92,6 @@ TEST(DeletingTagged, EndsWhenAnHeirDeletesNothing) {
     EXPECT_EQ(database->calls, (std::vector<std::pair<unsigned, unsigned>>{{0, 2}, {1, 1}}));
 }
 
-TEST(DeletingTagged, OutlivesAListenerWhoLetsGoOfTheDatabase) {
-    auto database = sixRows();
-    tag(*database, {1, 3, 5});
-    kesta* const released = database.get();
-    const auto guard = database->registerNotification(
-        NotifyMsgTypeDictionary::instance().intern("recordsDeleted"), [&database](const NotifyMsg&) {
-            database.reset();
-            return 0;
-        });
-    EXPECT_EQ(released->delete_tagged_records(), 3U);
-}
-
 TEST(ShowingTagsOnly, LeavesAPlainDatabaseWithoutRowsAndRefusing) {
     const auto database = sixRows();
     tag(*database, {1, 4});

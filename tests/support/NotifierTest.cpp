@@ -122,6 +122,11 @@ TEST_F(NotifierTest, ListenersRegisteredDuringADeliveryWaitForTheNext) {
     const auto registerAnother = [&] {
         if (late.size() < 2) late.push_back(notifier->registerNotification(deleted, noting('b')));
     };
+    const auto issueAnother = [&] {
+        if (heard.size() < 3) notifier->issueNotification(message, changed);
+    };
+    const GuardPtr nested = notifier->registerNotification(changed, noting('-', issueAnother));
+    EXPECT_EQ(heardAfterIssue(changed), "---") << "messages nest";
     const GuardPtr guard = notifier->registerNotification(deleted, noting('a', registerAnother));
     EXPECT_EQ(heardAfterIssue(), "a");
     EXPECT_EQ(heardAfterIssue(), "ab");
@@ -152,39 +157,6 @@ TEST_F(NotifierTest, ACallbackThatEndsItselfLivesUntilItReturns) {
     owned.reset();
     EXPECT_EQ(heardAfterIssue(), "owned by the callback alone");
     EXPECT_TRUE(watched.expired());
-}
-
-TEST_F(NotifierTest, ListenersMayBeDestroyedDuringADelivery) {
-    struct Listener {
-        Listener(Notifier& source, std::string& text) : heard(text) {
-            guard = source.registerNotification(
-                deleted, MethodCallback<Listener, NotifyMsg, int>(this, &Listener::recordsDeleted));
-        }
-        int recordsDeleted(const NotifyMsg&) {
-            heard += 'x';
-            next.reset();
-            return 0;
-        }
-        std::string& heard;
-        GuardPtr guard;
-        std::unique_ptr<Listener> next;
-    };
-    Listener first(*notifier, heard);
-    first.next = std::make_unique<Listener>(*notifier, heard);
-    EXPECT_EQ(heardAfterIssue(), "x");
-    EXPECT_EQ(heardAfterIssue(), "x");
-}
-
-TEST_F(NotifierTest, MessagesNest) {
-    const GuardPtr a = notifier->registerNotification(deleted, noting('a', [&] {
-                                                          if (heard.size() < 4) {
-                                                              notifier->issueNotification(message, deleted);
-                                                          }
-                                                          notifier->issueNotification(message, changed);
-                                                      }));
-    const GuardPtr b = notifier->registerNotification(deleted, noting('b'));
-    const GuardPtr c = notifier->registerNotification(changed, noting('-'));
-    EXPECT_EQ(heardAfterIssue(), "aaaa-b-b-b-b");
 }
 
 TEST_F(NotifierTest, TheNotifierMayBeDestroyedDuringADelivery) {

@@ -24,13 +24,11 @@ TEST(NotifyMsg, WordsAreSeparatedBySpaces) {
     EXPECT_EQ(wordsOf("  a\tb   c"), (Words{"a\tb", "c"}));
     EXPECT_EQ(wordsOf(""), Words());
     EXPECT_EQ(wordsOf("   "), Words());
-}
 
-TEST(NotifyMsg, SteppingPastTheLastWordStaysThere) {
     const NotifyMsg message("7", Zr::Ptr<iObject>());
     NotifyMsgTokenIterator word(message);
     ++ ++ ++word;
-    EXPECT_FALSE(word);
+    EXPECT_FALSE(word) << "stepping past the last word stays there";
     EXPECT_EQ(*word, "");
 }
 

@@ -39,8 +39,7 @@ TEST(Utf8, EachByteOutsideWellFormedTextIsOneCharacter) {
     EXPECT_EQ(decoded("\xC0\xAF"), (std::wstring{0xDCC0, 0xDCAF}));              // overlong
     EXPECT_EQ(decoded("\xE0\x9F\xBF"), (std::wstring{0xDCE0, 0xDC9F, 0xDCBF}));  // overlong
     EXPECT_EQ(decoded("\xED\xB2\x80"), (std::wstring{0xDCED, 0xDCB2, 0xDC80}));  // a surrogate
-    EXPECT_EQ(decoded("\xF0\x8F\xBF\xBF").size(), 4u);                           // overlong
-    EXPECT_EQ(decoded("\xF4\x90\x80\x80").size(), 4u);                           // beyond Unicode
+    for (const char* beyond : {"\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80"}) EXPECT_EQ(decoded(beyond).size(), 4u);
 }
 
 TEST(Utf8, AnyBytesSurviveTheWayThereAndBack) {
@@ -85,8 +84,6 @@ TEST(StringFunctions, ReadFlagsAndWriteThem) {
     };
     for (const char* text : {"t", "true", "Y", "yes", "1", " TRUE\n"}) EXPECT_TRUE(read(text)) << text;
     for (const char* text : {"f", "False", "n", "NO", "0", "\tno "}) EXPECT_FALSE(read(text)) << text;
-    EXPECT_TRUE(read(BoolAsString(true).c_str()));
-    EXPECT_FALSE(read(BoolAsString(false).c_str()));
     EXPECT_EQ(BoolAsString(true), "true");
     EXPECT_EQ(BoolAsString(false), "false");
 

@@ -87,19 +87,6 @@ TEST(TextSearch, AgreesWithTheModelOnRandomTexts) {
     }
 }
 
-TEST(TextSearch, FindsEveryPieceOfATextAndNothingBesides) {
-    for (std::size_t length = 1; length <= 100; ++length) {
-        std::string text;
-        while (text.size() < length) text += static_cast<char>('A' + text.size() % 26);
-        for (std::size_t at = 0; at < length; ++at) {
-            const std::string piece = canonical(text.substr(at), 0);
-            ASSERT_TRUE(matches(text, piece, TextSearch::eContains)) << length << " from " << at;
-            ASSERT_FALSE(matches(text, piece + '!', TextSearch::eContains)) << length << " from " << at;
-            ASSERT_FALSE(matches(text, piece, TextSearch::eContains, TextSearch::eMatchCase));
-        }
-    }
-}
-
 TEST(TextSearch, OnlyAsciiLettersFoldAndOnlyTheSeparatorsAreOne) {
     for (int a = 0; a < 256; ++a) {
         for (int b = 0; b < 256; ++b) {

@@ -27,14 +27,6 @@ TEST(TimeDef, ReadsEverySpellingOfATimeCode) {
     }
 }
 
-TEST(TimeDef, BothFormsReadBack) {
-    for (const char* text : {"23595929", "23595929;"}) {
-        const time_def code(text, eTimecodeLabel);
-        EXPECT_EQ(time_def(code.get_punctuated_str().c_str(), eTimecodeLabel).get_database_str(), text);
-        EXPECT_EQ(time_def(code.get_database_str().c_str(), eTimecodeLabel).get_database_str(), text);
-    }
-}
-
 TEST(TimeDef, OtherTextComesBackUnchanged) {
     for (const char* text : {"", " ", "0102030", "010203045", "01020304;;", "01020304:", "0102030a",
                              "01:02:03:4", "1:02:03:04", "01-02-03-04", "01::02:03:4", "01:02:03:04;",

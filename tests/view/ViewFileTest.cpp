@@ -6,16 +6,9 @@
 
 namespace {
 
-using TestSupport::Fields;
-using TestSupport::loadDatabase;
-using TestSupport::makeTextDatabase;
-using TestSupport::Pairs;
-using TestSupport::paramsOf;
-using TestSupport::readFile;
-using TestSupport::rowsOf;
-using TestSupport::wide;
+using namespace TestSupport;
 
-class ViewFile : public TestSupport::TempFolderTest {
+class ViewFile : public TempFolderTest {
  protected:
     ViewFile() {
         view->displayAllRecords();
@@ -40,8 +33,7 @@ TEST_F(ViewFile, HoldsItsRowsInOrderWithItsOwnTags) {
         (std::vector<Fields>{{"d", "z", "1"}, {"c", "x, y", "0"}, {"b", "", "0"}, {"a", "say \"hi\"", "0"}}),
         rowsOf(*loaded));
     EXPECT_EQ((Pairs{{"KESTA", "Rev 1"}, {"Mode", "x"}}), paramsOf(*loaded));
-    EXPECT_EQ((Fields{"", "old"}),
-              (Fields{TestSupport::columnOf(*database, 2)[1], TestSupport::columnOf(*database, 2)[2]}))
+    EXPECT_EQ((Fields{"", "old"}), (Fields{columnOf(*database, 2)[1], columnOf(*database, 2)[2]}))
         << "the records themselves keep their field";
 }
 
@@ -54,7 +46,7 @@ TEST_F(ViewFile, HoldsTheTagsThatADerivedViewAnswers) {
     const KSTView derived(new AllTagged(database.get()));
     derived->displayAllRecords();
     ASSERT_EQ(4, derived->saveAsText(wide(folder / "view.kst"), false));
-    EXPECT_EQ((Fields{"1", "1", "1", "1"}), TestSupport::columnOf(*loadDatabase(folder / "view.kst"), 2));
+    EXPECT_EQ((Fields{"1", "1", "1", "1"}), columnOf(*loadDatabase(folder / "view.kst"), 2));
 }
 
 TEST_F(ViewFile, HasTheWholeDatabasesColumnsUnderAChain) {
@@ -81,7 +73,7 @@ TEST_F(ViewFile, WithoutRowsIsAHeader) {
     EXPECT_EQ(0, view->saveAsText((folder / "empty.kst").c_str(), false));
     EXPECT_EQ(header, readFile(folder / "empty.kst"));
     EXPECT_EQ(0u, loadDatabase(folder / "empty.kst")->get_num_records());
-    EXPECT_EQ((Fields{"Name", "Note", "Tag"}), TestSupport::columnNames(*loadDatabase(folder / "empty.kst")));
+    EXPECT_EQ((Fields{"Name", "Note", "Tag"}), columnNames(*loadDatabase(folder / "empty.kst")));
 }
 
 TEST_F(ViewFile, LeavesOutRowsWithoutARecord) {

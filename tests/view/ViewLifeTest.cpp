@@ -11,9 +11,7 @@
 
 namespace {
 
-using TestSupport::columnOf;
-using TestSupport::Fields;
-using TestSupport::makeTextDatabase;
+using namespace TestSupport;
 
 Zr::Ptr<kesta> rows(int count) {
     auto database = makeTextDatabase({"Name"});
@@ -322,11 +320,16 @@ TEST(ViewLife, ManyIdentifiersAreFoundOneByOneOrTogether) {
         const auto text = ids[static_cast<std::size_t>(i)].asString(false);
         expected += single->displayMatchAt("Cookie", text.c_str(), expected);
     }
+    EXPECT_LT(0, expected);
     CookieVec some;
     for (int i = 0; i < many; i += 50) some.push_back(ids[static_cast<std::size_t>(i)]);
+    CookieSet set;
+    for (const Cookie& id : some) set.add(id);
     const KSTView together(new KSTViewRep(database.get()));
     EXPECT_EQ(expected, together->displayRecordsAt(some, 0));
-    EXPECT_LT(0, expected);
+    EXPECT_EQ(columnOf(*single, 0), columnOf(*together, 0));
+    together->clear();
+    EXPECT_EQ(expected, together->displayRecordsAt(set, 0));
     EXPECT_EQ(columnOf(*single, 0), columnOf(*together, 0));
     together->displayRecordsAt(ids, 0);
 }
@@ -335,7 +338,12 @@ TEST(ViewLife, ManyIdentifiersAreFoundOneByOneOrTogether) {
 // the deletion goes on with what is left.
 class EndsSomething : public ::testing::TestWithParam<int> {
  protected:
-    EndsSomething() {
+    EndsSomething() { begin(); }
+
+    void begin() {
+        guards.clear();
+        heard = 0;
+        database = rows(8);
         base = viewOfAll(*database);
         top = viewOfAll(*database, base);
         for (unsigned row = 0; row < 8; row += 2) top->set_tag(row, 1), database->set_tag(row, 1);
@@ -360,9 +368,7 @@ class EndsSomething : public ::testing::TestWithParam<int> {
         if (base) base->remove(0, 2);
     }
 
-    void expectNoneTagged() { EXPECT_EQ(0, database->get_num_tags()); }
-
-    Zr::Ptr<kesta> database = rows(8);
+    Zr::Ptr<kesta> database;
     KSTView base;
     KSTView top;
     std::vector<Zr::Ptr<Zr::Guard>> guards;
@@ -370,28 +376,22 @@ class EndsSomething : public ::testing::TestWithParam<int> {
     std::function<void()> end;
 };
 
-TEST_P(EndsSomething, TheTopView) {
-    end = [this] { top = KSTView(); };
-    deleteEverywhere();
-    expectNoneTagged();
-}
-
-TEST_P(EndsSomething, TheBaseView) {
-    end = [this] {
-        top->baseView(nullptr);
-        base = KSTView();
-    };
-    deleteEverywhere();
-    expectNoneTagged();
-}
-
-TEST_P(EndsSomething, AllViews) {
-    end = [this] {
-        base = KSTView();
-        top = KSTView();
-    };
-    deleteEverywhere();
-    expectNoneTagged();
+TEST_P(EndsSomething, AView) {
+    const std::function<void()> ends[] = {[this] { top = KSTView(); },
+                                          [this] {
+                                              top->baseView(nullptr);
+                                              base = KSTView();
+                                          },
+                                          [this] {
+                                              base = KSTView();
+                                              top = KSTView();
+                                          }};
+    for (const auto& which : ends) {
+        begin();
+        end = which;
+        deleteEverywhere();
+        EXPECT_EQ(0, database->get_num_tags());
+    }
 }
 
 TEST_P(EndsSomething, TheDatabase) {

@@ -11,8 +11,7 @@
 
 namespace {
 
-using TestSupport::str;
-using TestSupport::text;
+using namespace TestSupport;
 
 constexpr unsigned nameField = 0;
 constexpr unsigned valueField = 1;
@@ -21,7 +20,7 @@ class Worlds {
  public:
     Worlds(unsigned seed, int records)
         : m_random(seed),
-          m_database(TestSupport::makeTextDatabase({"Name", "Value", "Cookie"})),
+          m_database(makeTextDatabase({"Name", "Value", "Cookie"})),
           m_model("database", m_expected) {
         listen(*m_database, "database", [this] { return state(*m_database); });
         m_database->add_records(records);

@@ -8,15 +8,7 @@
 
 namespace {
 
-using TestSupport::CapturedLog;
-using TestSupport::CapturedNotifications;
-using TestSupport::columnOf;
-using TestSupport::Fields;
-using TestSupport::makeTextDatabase;
-using TestSupport::Pairs;
-using TestSupport::paramsOf;
-using TestSupport::str;
-using TestSupport::text;
+using namespace TestSupport;
 
 constexpr unsigned none = static_cast<unsigned>(-1);
 
@@ -153,6 +145,49 @@ TEST(View, ReadsAndWritesFieldsThroughTheRowsOfItsSource) {
     EXPECT_EQ(0, view->countTags());
 }
 
+TEST(View, PassesColumnsAndValuesOfEveryTypeToItsSource) {
+    const auto database = fiveRows();
+    database->addField({"Cookie", DBFieldTypes::eText});
+    const KSTView view(new KSTViewRep(database.get()));
+    view->displayRecordsAt(2, 2, 0);
+
+    EXPECT_TRUE(view->set_fieldtype(1, DBFieldTypes::eDate));
+    EXPECT_EQ(DBFieldTypes::eDate, database->get_field_type(1));
+    EXPECT_EQ(DBFieldTypes::eDate, view->get_fieldtype(1));
+    EXPECT_TRUE(view->set_fieldname(1, "Take"));
+    EXPECT_STREQ("Take", view->get_fieldname(1));
+    EXPECT_EQ(1u, view->get_fieldnum("take"));
+    EXPECT_EQ(database->get_fieldsize(0), view->get_fieldsize(0));
+
+    double real = 0;
+    bool flag = false;
+    char buffer[] = "####";
+    EXPECT_TRUE(view->set_field(1, 1, 1.5));
+    EXPECT_TRUE(view->in_field(1, 1, real));
+    EXPECT_TRUE(view->in_field(1, 1, buffer, 3));
+    EXPECT_EQ(1.5, real);
+    EXPECT_STREQ("1.5", buffer);
+    EXPECT_TRUE(view->set_field(1, 1, true));
+    EXPECT_TRUE(view->in_field(1, 1, flag));
+    EXPECT_TRUE(flag);
+    EXPECT_TRUE(view->set_field(1, Cookie("id", false)));
+    EXPECT_EQ(3u, database->getRowIndexByID(Cookie("id", false)));
+    EXPECT_EQ((Fields{"1", "2", "2", "t", ""}), columnOf(*database, 1));
+
+    for (const KSTView& nowhere : {view, KSTView(new KSTViewRep(nullptr, ""))}) {
+        EXPECT_FALSE(nowhere->set_field(2, Cookie()));
+        EXPECT_FALSE(nowhere->set_field(2, 0, 1));
+        EXPECT_FALSE(nowhere->set_field(2, 0, 1.0));
+        EXPECT_FALSE(nowhere->in_field(2, 0, real));
+        EXPECT_FALSE(nowhere->in_field(2, 0, flag));
+        EXPECT_FALSE(nowhere->in_field(2, 0, buffer, 3));
+        EXPECT_FALSE(nowhere->set_fieldtype(4, DBFieldTypes::eDate));
+        EXPECT_FALSE(nowhere->set_fieldname(4, "x"));
+        EXPECT_EQ(DBFieldTypes::eNone, nowhere->get_field_type(4));
+        EXPECT_EQ(0u, nowhere->get_fieldsize(4));
+    }
+}
+
 TEST(View, SearchesAndMatchesRowsOfItsSource) {
     const auto database = fiveRows();
     const KSTView view(new KSTViewRep(database.get()));
@@ -177,6 +212,8 @@ TEST(View, TakesTagsFromTheFieldOrTheDatabase) {
     view->setupViewTagsFromKestaTagField();
     EXPECT_EQ((std::vector<bool>{false, true, false, false, true}),
               (std::vector<bool>{view->tag(0), view->tag(1), view->tag(2), view->tag(3), view->tag(4)}));
+    view->buildIndex();
+    EXPECT_EQ(5u, view->get_num_records());
     view->displayAllRecordsWithBaseTagStatus();
     EXPECT_EQ(1, view->countTags());
     EXPECT_TRUE(view->tag(3));
@@ -262,25 +299,12 @@ TEST(View, NumbersOutOfRangeDoNothing) {
     EXPECT_EQ(11, view->tagDuplicatesOrdered(9)) << "fields that are not there are all equal";
 }
 
-// Rows that do not go, because the source refuses, are tried run by run like all others.
-TEST(View, LeavesItsRowsWhenTheSourceRefusesToDelete) {
-    const auto database = fiveRows();
-    for (unsigned row = 0; row < 4; ++row) database->set_tag(row, 1);
-    const KSTView view = viewOfAll(*database);
-    for (unsigned row = 0; row < 3; ++row) view->set_tag(row, 1);
-    database->set_show_tags_only(1);
-    EXPECT_EQ(3 + 2 + 1, view->deleteTagged());
-    view->deleteRecords(0, 5);
-    database->set_show_tags_only(0);
-    EXPECT_EQ((Fields{"a", "b", "c", "d", "e"}), columnOf(*view, 0));
-}
-
 TEST(View, RowsThatTheSourceHasNoMoreAreMissingRecords) {
     const auto database = fiveRows();
     const KSTView view = viewOfAll(*database);
     database->free();
-    database->setFields(TestSupport::textColumns({"Name"}));
-    TestSupport::fill(*database, {{"z"}, {"y"}});
+    database->setFields(textColumns({"Name"}));
+    fill(*database, {{"z"}, {"y"}});
     view->set_tag(4, 1);
     view->sort(1, 0);
     EXPECT_EQ((Fields{"y", "z", "", "", ""}), columnOf(*view, 0));
@@ -297,8 +321,8 @@ TEST(View, DeletesWhatThereIsBehindARowThatTheSourceHasNoMore) {
     const KSTView view(new KSTViewRep(database.get()));
     for (const int row : {4, 0, 1, 3}) view->displayRecordsAt(row, 1, INT_MAX);
     database->free();
-    database->setFields(TestSupport::textColumns({"Name"}));
-    TestSupport::fill(*database, {{"x"}, {"y"}, {"z"}});
+    database->setFields(textColumns({"Name"}));
+    fill(*database, {{"x"}, {"y"}, {"z"}});
     for (unsigned row = 0; row < 3; ++row) view->set_tag(row, 1);
     EXPECT_EQ(3 + 2, view->deleteTagged()) << "the run that could not go, then what was left of it";
     EXPECT_EQ((Fields{"z"}), columnOf(*database, 0));
@@ -360,7 +384,7 @@ TEST(View, CopiesRowsOnceAndTagsByPlace) {
     EXPECT_EQ("fieldSpec: Name,Scene,Tag\nfields: (Name Scene Tag)\n", described(*apart));
 }
 
-TEST(ViewCursor, StepsOverRowsAndComesBack) {
+TEST(ViewCursor, StepsOverAllRowsOrTheTaggedAndComesBack) {
     const auto database = fiveRows();
     const KSTView view(new KSTViewRep(database.get()));
     view->displayRecordsAt(0, 3, 0);
@@ -384,6 +408,20 @@ TEST(ViewCursor, StepsOverRowsAndComesBack) {
     EXPECT_EQ(1u, view->get_num_records());
     EXPECT_EQ(-1, cursor.find(nullptr));
 
+    KSTViewCursor tagged(view, -1, true);
+    EXPECT_EQ(-1, indexAfter(++tagged));
+    view->displayRecordsAt(1, 4, 1);
+    view->set_tag(1, 1);
+    view->set_tag(3, 1);
+    EXPECT_EQ(1, indexAfter(++tagged));
+    EXPECT_EQ(3, indexAfter(++tagged));
+    EXPECT_EQ(-1, indexAfter(++tagged));
+    EXPECT_EQ(3, indexAfter(--tagged));
+    tagged.set_index(2);
+    EXPECT_EQ(2, tagged.index()) << "set by hand it stands where it is put";
+    EXPECT_EQ(1, indexAfter(--tagged));
+    view->remove(1, 4);
+
     KSTViewCursor stale(view, 0);
     view->remove(0, 1);
     EXPECT_EQ(nullptr, *stale);
@@ -391,28 +429,6 @@ TEST(ViewCursor, StepsOverRowsAndComesBack) {
     KSTViewCursor empty((KSTView()));
     empty.remove();
     EXPECT_EQ(-1, indexAfter(++empty));
-}
-
-TEST(ViewCursor, StepsOverTaggedRowsOnly) {
-    const auto database = fiveRows();
-    const KSTView view = viewOfAll(*database);
-    KSTViewCursor cursor(view, -1, true);
-    ++cursor;
-    EXPECT_EQ(-1, cursor.index());
-    view->set_tag(1, 1);
-    view->set_tag(3, 1);
-    ++cursor;
-    EXPECT_EQ(1, cursor.index());
-    ++cursor;
-    EXPECT_EQ(3, cursor.index());
-    ++cursor;
-    EXPECT_EQ(-1, cursor.index());
-    --cursor;
-    EXPECT_EQ(3, cursor.index());
-    cursor.set_index(2);
-    EXPECT_EQ(2, cursor.index()) << "set by hand it stands where it is put";
-    --cursor;
-    EXPECT_EQ(1, cursor.index());
 }
 
 }  // namespace
