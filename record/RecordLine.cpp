@@ -44,6 +44,7 @@ class Reader {
         : m_at(line.data()), m_end(line.data() + line.size()), m_fields(fields), m_recent(recent) {}
 
     int readAll() {
+        if (m_recent) m_recent->beginLine();
         int count = 0;
         while (m_at != m_end) {
             if (count != INT_MAX) ++count;
@@ -53,6 +54,7 @@ class Reader {
                 readField();
             }
         }
+        if (m_recent) m_recent->makeNoted(m_fields);
         return count;
     }
 
@@ -122,11 +124,15 @@ class Reader {
             }
         }
         append(withoutTrailingSpace(buffer, out));
+        if (m_recent) m_recent->makeNoted(m_fields);  // the buffer goes
     }
 
     void append(std::string_view text) {
-        const std::size_t column = m_fields.size();
-        m_fields.push_back(m_recent ? m_recent->share(column, text) : LightweightString<char>(text));
+        if (m_recent) {
+            m_recent->append(m_fields, text);
+        } else {
+            m_fields.emplace_back(text);
+        }
     }
 
     const char* m_at;
