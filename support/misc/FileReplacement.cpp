@@ -7,9 +7,6 @@
 
 namespace {
 
-/// How many bytes the disk is asked to take at a time, while more are being written.
-constexpr off_t writebackStep = off_t(8) << 20;
-
 LibraryString folderOf(const LibraryString& path) {
     const std::size_t slash = path.rfind('/');
     return slash == LibraryString::npos ? "." : path.substr(0, slash + 1);
@@ -103,24 +100,7 @@ void FileReplacement::openTemporary(mode_t mode) {
 }
 
 void FileReplacement::write(std::string_view bytes) noexcept {
-    if (!m_file) return;
-    if (!m_file.write(bytes)) {
-        fail();
-        return;
-    }
-    m_written += static_cast<off_t>(bytes.size());
-    if (m_written - m_writtenBack >= writebackStep && !m_temporaryPath.empty()) startWriteback();
-}
-
-/// Lets the disk work while the next bytes are made, so that the flush at the end has little left to wait
-/// for. No promise: a failure shows in the flush.
-void FileReplacement::startWriteback() noexcept {
-#if defined(SYNC_FILE_RANGE_WRITE)
-    const int error = errno;
-    ::sync_file_range(m_file.descriptor(), m_writtenBack, m_written - m_writtenBack, SYNC_FILE_RANGE_WRITE);
-    errno = error;
-#endif
-    m_writtenBack = m_written;
+    if (m_file && !m_file.write(bytes)) fail();
 }
 
 bool FileReplacement::commit() {

@@ -30,13 +30,10 @@ class FileReplacement {
  private:
     void open(const LightweightString<wchar_t>& name);
     void openTemporary(mode_t mode);
-    void startWriteback() noexcept;
     bool fail() noexcept;
 
     LibraryString m_path;
     LibraryString m_temporaryPath;  // empty when there is no temporary file
     SystemFile m_file;
-    off_t m_written = 0;
-    off_t m_writtenBack = 0;  // the disk has been asked to take the bytes up to here
     int m_error = 0;
 };
