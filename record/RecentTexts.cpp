@@ -33,28 +33,57 @@ std::uint32_t hashOf(std::string_view text) noexcept {
 
 }  // namespace
 
-LightweightString<char> RecentTexts::share(std::size_t column, std::string_view text) {
-    if (text.empty()) return {};
-    if (column >= watchedColumns) return LightweightString<char>(text);
+void RecentTexts::append(Fields& fields, std::string_view text) {
+    LightweightString<char>& field = fields.emplace_back();
+    if (text.empty()) return;
+    const std::size_t column = fields.size() - 1;
+    Place* place = nullptr;
+    if (Column* const kept = columnToWatch(column)) {
+        const std::uint32_t hash = hashOf(text);
+        place = &kept->places[hash % placesPerColumn];
+        if (place->hash == hash && place->text.view() == text) {
+            kept->patience = std::min(kept->patience + worthOfHit, fullPatience);
+            field = place->text;
+            return;
+        }
+        place->hash = hash;
+        if (--kept->patience == 0) {
+            kept->rest = longRest;
+            kept->patience = fullPatience / 2;
+        }
+    }
+    note(text, {column, place});
+}
+
+void RecentTexts::note(std::string_view text, Target target) {
+    if (m_noted == m_notedTexts.size()) {
+        m_notedTexts.resize(m_noted + 32);
+        m_notedTargets.resize(m_noted + 32);
+    }
+    m_notedTexts[m_noted] = text;
+    m_notedTargets[m_noted] = target;
+    ++m_noted;
+}
+
+RecentTexts::Column* RecentTexts::columnToWatch(std::size_t column) {
+    if (column >= watchedColumns) return nullptr;
     if (column >= m_columns.size()) m_columns.resize(column + 1);
     Column& kept = m_columns[column];
     if (kept.rest > 0) {
         --kept.rest;
-        return LightweightString<char>(text);
+        return nullptr;
     }
     if (kept.places.empty()) kept.places.resize(placesPerColumn);
+    return &kept;
+}
 
-    const std::uint32_t hash = hashOf(text);
-    Place& place = kept.places[hash % placesPerColumn];
-    if (place.hash == hash && place.text.view() == text) {
-        kept.patience = std::min(kept.patience + worthOfHit, fullPatience);
-        return place.text;
-    }
-    place.text = LightweightString<char>(text);
-    place.hash = hash;
-    if (--kept.patience == 0) {
-        kept.rest = longRest;
-        kept.patience = fullPatience / 2;
-    }
-    return place.text;
+void RecentTexts::makeNoted(Fields& fields) {
+    const Target* target = m_notedTargets.data();
+    LightweightString<char>::makeTogether(m_notedTexts.data(), m_notedTexts.data() + m_noted,
+                                          [&](LightweightString<char>&& text) {
+                                              if (target->place) target->place->text = text;
+                                              fields[target->field] = std::move(text);
+                                              ++target;
+                                          });
+    beginLine();
 }

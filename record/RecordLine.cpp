@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdint>
 #include <cstring>
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -32,6 +33,76 @@ const char* findOneOf(const char* begin, const char* end) noexcept {
     return begin;
 }
 
+/// Bytes of a field's text that do not go into a line as they are.
+bool isEscaped(char c) noexcept {
+    return c == '"' || c == '\r' || c == '\n';
+}
+
+#if defined(__SSE2__)
+
+__m128i escapedBytes(__m128i bytes) noexcept {
+    return _mm_or_si128(
+        _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('"')), _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\r'))),
+        _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n')));
+}
+
+/// Copies a text of at least sixteen bytes; the last sixteen overlap those before. Answers whether no byte of
+/// it is an escaped one: otherwise the copy is of no use.
+bool copyLongIfPlain(const char* from, std::size_t size, char* to) noexcept {
+    __m128i escaped = _mm_setzero_si128();
+    const auto copySixteen = [&](std::size_t at) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + at));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + at), bytes);
+        escaped = _mm_or_si128(escaped, escapedBytes(bytes));
+    };
+    for (std::size_t at = 0; at + 16 <= size; at += 16) copySixteen(at);
+    copySixteen(size - 16);
+    return _mm_movemask_epi8(escaped) == 0;
+}
+
+/// The same for texts as long as Half to twice as long: its first and its last half overlap.
+template <class Half>
+bool copyShortIfPlain(const char* from, std::size_t size, char* to) noexcept {
+    Half first;
+    Half last;
+    std::memcpy(&first, from, sizeof first);
+    std::memcpy(&last, from + size - sizeof last, sizeof last);
+    std::memcpy(to, &first, sizeof first);
+    std::memcpy(to + size - sizeof last, &last, sizeof last);
+    const __m128i bytes = _mm_set_epi64x(static_cast<std::int64_t>(first), static_cast<std::int64_t>(last));
+    return _mm_movemask_epi8(escapedBytes(bytes)) == 0;
+}
+
+#endif
+
+/// Copies the text while that can be done without a look at each byte. Answers whether all of it is copied
+/// and none of its bytes is an escaped one.
+bool copyIfPlain(const char* from, std::size_t size, char* to) noexcept {
+#if defined(__SSE2__)
+    if (size >= 16) return copyLongIfPlain(from, size, to);
+    if (size >= 8) return copyShortIfPlain<std::uint64_t>(from, size, to);
+    if (size >= 4) return copyShortIfPlain<std::uint32_t>(from, size, to);
+#endif
+    for (std::size_t i = 0; i < size; ++i) {
+        if (isEscaped(from[i])) return false;
+        to[i] = from[i];
+    }
+    return true;
+}
+
+char* copyEscaped(const char* from, std::size_t size, char* to) noexcept {
+    for (std::size_t i = 0; i < size; ++i) {
+        if (from[i] == '\n') {
+            *to++ = '\\';
+            *to++ = 'n';
+        } else if (from[i] != '\r') {
+            if (from[i] == '"') *to++ = '"';
+            *to++ = from[i];
+        }
+    }
+    return to;
+}
+
 std::string_view withoutTrailingSpace(const char* begin, const char* end) noexcept {
     while (end != begin && Ascii::isSpace(end[-1])) --end;
     return {begin, static_cast<std::size_t>(end - begin)};
@@ -44,6 +115,7 @@ class Reader {
         : m_at(line.data()), m_end(line.data() + line.size()), m_fields(fields), m_recent(recent) {}
 
     int readAll() {
+        if (m_recent) m_recent->beginLine();
         int count = 0;
         while (m_at != m_end) {
             if (count != INT_MAX) ++count;
@@ -53,6 +125,7 @@ class Reader {
                 readField();
             }
         }
+        if (m_recent) m_recent->makeNoted(m_fields);
         return count;
     }
 
@@ -122,11 +195,15 @@ class Reader {
             }
         }
         append(withoutTrailingSpace(buffer, out));
+        if (m_recent) m_recent->makeNoted(m_fields);  // the buffer goes
     }
 
     void append(std::string_view text) {
-        const std::size_t column = m_fields.size();
-        m_fields.push_back(m_recent ? m_recent->share(column, text) : LightweightString<char>(text));
+        if (m_recent) {
+            m_recent->append(m_fields, text);
+        } else {
+            m_fields.emplace_back(text);
+        }
     }
 
     const char* m_at;
@@ -152,23 +229,9 @@ char* RecordLine::write(const std::vector<LightweightString<char>>& fields, char
     for (const auto& field : fields) {
         if (&field != &fields.front()) *out++ = ',';
         *out++ = '"';
-        const char* at = field.c_str();
-        const char* const end = at + field.length();
-        while (at != end) {
-            const char* const stop = findOneOf<'"', '\r', '\n'>(at, end);
-            std::memcpy(out, at, static_cast<std::size_t>(stop - at));
-            out += stop - at;
-            at = stop;
-            if (at == end) break;
-            if (*at == '"') {
-                *out++ = '"';
-                *out++ = '"';
-            } else if (*at == '\n') {
-                *out++ = '\\';
-                *out++ = 'n';
-            }
-            ++at;
-        }
+        const std::string_view text = field.view();
+        out = copyIfPlain(text.data(), text.size(), out) ? out + text.size()
+                                                         : copyEscaped(text.data(), text.size(), out);
         *out++ = '"';
     }
     return out;

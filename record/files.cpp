@@ -246,6 +246,7 @@ int kesta::saveWithHeader(bool namesOnly) {
     TextFile file;
     save_params(file);
     save_column_header(file, namesOnly);
+    file.beginSave(m_fileName, TextFile::eLF);
 
     // Storing tags is part of saving, not a change to be saved.
     const int changed = m_changed;

@@ -123,6 +123,10 @@ class Ptr {
 
     void reset() noexcept { Ptr().swap(*this); }
 
+    /// How many Ptrs hold the object, at some moment during the call; 0 for an empty Ptr. Who reads 1 is
+    /// alone: all that earlier holders did to the object has happened.
+    std::int32_t useCount() const noexcept { return m_count ? m_count->load(std::memory_order_acquire) : 0; }
+
     T* get() const noexcept { return m_object; }
     T* operator->() const noexcept { return m_object; }
     T& operator*() const noexcept { return *m_object; }

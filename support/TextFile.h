@@ -7,11 +7,14 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string_view>
 #include <vector>
 
 #include "support/Export.h"
 #include "support/LightweightString.h"
+
+class FileReplacement;
 
 class KESTA_API TextFile {
  public:
@@ -36,8 +39,14 @@ class KESTA_API TextFile {
     /// ".kesta-" and 12 letters and digits, and it may be deleted.
     bool save(LightweightString<wchar_t> name, eEOLStyle style) const;
 
+    /// Begins a save while lines are still to be appended: from now on lines go to the temporary file in
+    /// large pieces and are forgotten, so that a file of any size is saved in little memory. `save` with the
+    /// same arguments writes the rest, puts the file in place, and tells of failures up to there. Without it,
+    /// nothing is saved.
+    void beginSave(const LightweightString<wchar_t>& name, eEOLStyle style);
+
     /// The number of lines.
-    unsigned size() const noexcept { return static_cast<unsigned>(m_lines.size()); }
+    unsigned size() const noexcept { return static_cast<unsigned>(m_forgotten + m_lines.size()); }
 
     /// The line without its end; past the last line, or for a forgotten one, the empty string.
     LightweightString<char> operator[](unsigned line) const {
@@ -46,7 +55,8 @@ class KESTA_API TextFile {
 
     /// The same without a copy; valid until the lines change.
     std::string_view lineView(unsigned line) const noexcept {
-        return line < m_lines.size() ? m_lines[line] : std::string_view();
+        const std::size_t kept = line - m_forgotten;  // huge for a forgotten line
+        return kept < m_lines.size() ? m_lines[kept] : std::string_view();
     }
 
     void appendLine(const LightweightString<char>& text);
@@ -73,16 +83,21 @@ class KESTA_API TextFile {
 
  private:
     struct Block;
+    struct BegunSave;
 
     void clear() noexcept;
     Block& addBlock(std::size_t capacity);
     bool readBlocks(int file, char separator);
-    bool writeLines(int file, eEOLStyle style) const;
+    void writeLines(FileReplacement& file, eEOLStyle style) const;
+    void putOut();
     void forgetRead() noexcept;
 
-    // Each line's bytes lie in one block. A block's end line is the number of lines up to and with its last.
+    // Each line's bytes lie in one block. A block's end line is the number of lines up to and with its last;
+    // lines that have been put out, the first m_forgotten, count nowhere in here.
     std::vector<Block> m_blocks;
     std::vector<std::string_view> m_lines;
+    std::unique_ptr<BegunSave> m_begunSave;
+    std::size_t m_forgotten = 0;
     std::size_t m_firstKeptBlock = 0;
     unsigned m_cursor = 0;
     bool m_forgetful = false;

@@ -106,6 +106,36 @@ TEST(LightweightString, JoinsTextsAndNumbers) {
     EXPECT_EQ(Zr::StringFromInteger(-15), "-15");
 }
 
+TEST(LightweightString, TextsMadeTogetherShareABlockAndNothingElse) {
+    const std::vector<std::string_view> texts = {"12-1", "a longer text than that", "01:00:00:00", "x"};
+    CountingAllocator allocator;
+    const std::size_t heldBefore = allocator.held();
+    std::vector<Text> strings;
+    strings.reserve(texts.size());
+    Text::makeTogether(texts.data(), texts.data() + texts.size(),
+                       [&](Text&& text) { strings.push_back(std::move(text)); });
+    EXPECT_EQ(allocator.held(), heldBefore + 1);
+    for (std::size_t i = 0; i < texts.size(); ++i) EXPECT_EQ(strings[i].c_str(), texts[i]);
+
+    Text kept = strings[1];
+    strings[1] += "!";
+    strings[2].writableText()[0] = '9';
+    strings[3].resizeFor(0);
+    EXPECT_EQ(kept, "a longer text than that");
+    EXPECT_EQ(strings[1], "a longer text than that!");
+    EXPECT_EQ(strings[2], "91:00:00:00");
+    EXPECT_EQ(strings[3], "");
+    EXPECT_EQ(strings[0], "12-1");
+
+    strings.clear();
+    EXPECT_EQ(kept, "a longer text than that");  // the block lives on for the last of its texts
+    EXPECT_EQ(allocator.held(), heldBefore + 1);
+    kept.resizeFor(0);  // nobody else is left to see it: in place
+    EXPECT_EQ(kept, "");
+    kept = {};
+    EXPECT_EQ(allocator.held(), heldBefore);
+}
+
 TEST(LightweightString, RunningOutOfMemoryLeavesItAsItWas) {
     Text text("kept");
     const Text copy = text;
