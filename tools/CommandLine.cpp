@@ -180,6 +180,40 @@ void addExchangeCommands(CommandList& commands) {
         });
 }
 
+void addTimelineCommand(CommandList& commands) {
+    commands.add<TimelineOptions>(
+        "timeline", "Draw the records along their time codes",
+        "kesta timeline day1.log -o day1.svg\n  kesta timeline day1.log --text\n\n"
+        "Each reel is a lane that begins with its first time code; all have the same scale. Tagged records\n"
+        "are marked, overlaps and gaps are shown. Long gaps are drawn shorter. Codes count frames at the\n"
+        "log's parameter FPS or \"Frame rate\"; without one at 24, or at 29.97 when they are drop frame.\n"
+        "Records without sensible time codes are named, and the exit code is 1 then.",
+        Commands::timeline, [](CLI::App& app, TimelineOptions& options) {
+            addLog(app, options.log);
+            CLI::Option* const output =
+                app.add_option("-o,--output", options.output, "the picture to write, - for standard output")
+                    ->type_name("FILE");
+            CLI::Option* const text =
+                app.add_flag("--text", options.text, "show it as text instead")->excludes(output);
+            app.add_option("--width", options.width, "the characters of a line, instead of the terminal's")
+                ->check(CLI::Range(40, 1000))
+                ->needs(text);
+            app.add_option("--lanes", options.lanes, "the column whose values are the lanes")
+                ->type_name("COLUMN")
+                ->capture_default_str();
+            app.add_option("--start", options.start, "the column where records start")
+                ->type_name("COLUMN")
+                ->capture_default_str();
+            app.add_option("--end", options.end, "the column where they end")
+                ->type_name("COLUMN")
+                ->capture_default_str();
+            app.add_option("--fps", options.rate, "the frames a second, as in 25 or 29.97");
+            app.add_flag("--common", options.common, "one axis for all lanes");
+            app.add_flag("--all-warnings", options.allWarnings, "list every record that cannot be shown");
+            app.add_flag("--force", options.force, "replace a file that is there already");
+        });
+}
+
 void addEditingCommands(CommandList& commands) {
     commands.add<SetOptions>("set", "Change one value", "kesta set day1.log 12 Notes \"good sound\"",
                              Commands::setValue, [](CLI::App& app, SetOptions& options) {
@@ -315,6 +349,7 @@ void addBulkCommands(CommandList& commands) {
 void addAllCommands(CommandList& commands) {
     addReadingCommands(commands);
     addExchangeCommands(commands);
+    addTimelineCommand(commands);
     addEditingCommands(commands);
     addBulkCommands(commands);
     addContainerCommands(commands);

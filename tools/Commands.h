@@ -135,6 +135,21 @@ struct PackOptions {
     bool force = false;  ///< replace an existing file
 };
 
+/// Either a picture or text.
+struct TimelineOptions {
+    std::string log;
+    std::string output;  ///< the picture's file, "-" for standard output
+    bool text = false;
+    std::optional<unsigned> width;  ///< of the text, in characters
+    std::string lanes = "Reel";     ///< columns
+    std::string start = "Start time";
+    std::string end = "End time";
+    std::optional<std::string> rate;  ///< as FrameRate reads it
+    bool common = false;              ///< one axis for all lanes
+    bool allWarnings = false;
+    bool force = false;  ///< replace an existing file
+};
+
 namespace Commands {
 
 int showInfo(const InfoOptions& options);
@@ -153,5 +168,6 @@ int parameters(const ParamOptions& options);
 int columns(const ColumnsOptions& options);
 int showItems(const ItemsOptions& options);
 int packItems(const PackOptions& options);
+int timeline(const TimelineOptions& options);
 
 }  // namespace Commands

@@ -1,0 +1,149 @@
+// kesta timeline: the records of a log along their time codes, as a picture or as text.
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+
+#include "support/Ascii.h"
+#include "support/StringFunctions.h"
+#include "support/time_def.h"
+#include "tools/Commands.h"
+#include "tools/Failure.h"
+#include "tools/Files.h"
+#include "tools/LogFile.h"
+#include "tools/LogForm.h"
+#include "tools/Messages.h"
+#include "tools/Output.h"
+#include "tools/TablePrinter.h"
+#include "tools/TimelineSvg.h"
+#include "tools/TimelineText.h"
+
+namespace {
+
+constexpr const char* standardOutputName = "-";
+
+void requireOneForm(const TimelineOptions& options) {
+    if (options.text || !options.output.empty()) return;
+    throw Failure("timeline needs -o FILE or --text", exitUsage);
+}
+
+void requireOutputMayBeMade(const TimelineOptions& options) {
+    if (options.text || options.output == standardOutputName) return;
+    requireOutputApart(options.log, options.output);
+    requireReplaceable(options.output, options.force);
+}
+
+// --- The frame rate ---
+
+struct KnownRate {
+    FrameRate rate;
+    std::string origin;
+};
+
+bool isRateKey(std::string_view key) {
+    std::string letters;
+    std::copy_if(key.begin(), key.end(), std::back_inserter(letters),
+                 [](char c) { return c != ' ' && c != '_' && c != '-'; });
+    return sameName(letters, "FPS") || sameName(letters, "FrameRate");
+}
+
+bool beginsWithDropFrame(const kesta& log, unsigned column) {
+    for (unsigned row = 0; row < log.get_num_records(); ++row) {
+        const time_def code(log.getField(row, column).c_str(), eTimecodeLabel);
+        if (code.valid()) return code.dropFrame();
+    }
+    return false;
+}
+
+KnownRate rateOf(const kesta& log, const TimelineOptions& options, unsigned startColumn) {
+    if (options.rate) {
+        const std::optional<FrameRate> rate = FrameRate::parse(*options.rate);
+        if (!rate) throw Failure("--fps: \"" + *options.rate + "\" is no frame rate", exitUsage);
+        return {*rate, "as given"};
+    }
+    for (const auto& param : log.params()) {
+        if (!isRateKey(param.name().view())) continue;
+        const std::optional<FrameRate> rate = FrameRate::parse(param.value().view());
+        if (rate) return {*rate, "from the log"};
+        warn("the parameter " + std::string(param.name().view()) + " is \"" +
+             std::string(param.value().view()) + "\", which is no frame rate");
+    }
+    const char* const usual = beginsWithDropFrame(log, startColumn) ? "29.97" : "24";
+    return {*FrameRate::parse(usual), "assumed"};
+}
+
+// --- The form of the text ---
+
+std::optional<std::size_t> widthFromEnvironment() {
+    const char* const columns = std::getenv("COLUMNS");
+    if (!columns) return std::nullopt;
+    const unsigned width = Zr::UIntFromString(LightweightString<char>(columns), 0);
+    return width > 0 ? std::optional<std::size_t>(width) : std::nullopt;
+}
+
+std::size_t textWidth(const TimelineOptions& options) {
+    constexpr std::size_t usual = 80;
+    constexpr std::size_t widest = 1000;
+    if (options.width) return *options.width;
+    std::size_t width = usual;
+    if (const auto terminal = standardOutputTerminal()) width = terminal->columns;
+    if (const auto wanted = widthFromEnvironment()) width = *wanted;
+    return std::clamp(width, TimelineTextForm::narrowest, widest);
+}
+
+/// As the user's environment says; the program's own locale is set for the widths of characters.
+bool isUnicodeLocale() {
+    for (const char* const variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+        const char* const value = std::getenv(variable);
+        if (!value || !*value) continue;
+        std::string letters;
+        for (const char c : std::string_view(value)) {
+            if (c != '-') letters += Ascii::fold(c);
+        }
+        return letters.find("utf8") != std::string::npos;
+    }
+    return false;
+}
+
+// --- The work ---
+
+void warnOfProblems(const std::string& path, const Timeline& timeline, bool all) {
+    Warnings warnings(all);
+    for (const TimelineProblem& problem : timeline.problems) {
+        warnings.add(path + ": not shown: " + describe(problem));
+    }
+    warnings.summarise("--all-warnings lists them all");
+}
+
+void write(const Timeline& timeline, const TimelineCaption& caption, const TimelineOptions& options) {
+    const bool toStandardOutput = options.text || options.output == standardOutputName;
+    const auto output = toStandardOutput ? standardOutput() : fileOutput(options.output, LineEnd::lf);
+    if (options.text) {
+        writeTimelineText(timeline, caption, {textWidth(options), !isUnicodeLocale()}, *output);
+    } else {
+        writeTimelineSvg(timeline, caption, *output);
+    }
+    output->finish();
+}
+
+}  // namespace
+
+int Commands::timeline(const TimelineOptions& options) {
+    requireOneForm(options);
+    requireOutputMayBeMade(options);
+    const LogForReading opened = openLog(options.log);
+    kesta& log = *opened.log;
+    const TimelineColumns columns{columnNamed(log, options.lanes), columnNamed(log, options.start),
+                                  columnNamed(log, options.end)};
+    const KnownRate known = rateOf(log, options, columns.start);
+    const TimelineDays days = options.common ? TimelineDays::common : TimelineDays::eachLane;
+    const Timeline timeline = makeTimeline(log, columns, known.rate, days);
+    warnOfProblems(options.log, timeline, options.allWarnings);
+    if (timeline.records == 0) {
+        throw Failure(options.log + (timeline.problems.empty() ? ": there are no records to show"
+                                                               : ": no record has time codes to show it by"));
+    }
+    const TimelineCaption caption{std::filesystem::path(options.log).filename().string(),
+                                  log.get_fieldname(columns.lane), known.rate, known.origin, days};
+    write(timeline, caption, options);
+    return timeline.problems.empty() ? opened.exitCode : exitFindings;
+}
