@@ -85,5 +85,6 @@ void RecentTexts::makeNoted(Fields& fields) {
                                               fields[target->field] = std::move(text);
                                               ++target;
                                           });
-    beginLine();
+    m_noted = 0;
+    m_fieldsOfLine = fields.size();
 }

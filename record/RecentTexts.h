@@ -18,8 +18,11 @@ class RecentTexts {
  public:
     using Fields = std::vector<LightweightString<char>>;
 
-    /// Forgets what a line before has left unmade.
-    void beginLine() noexcept { m_noted = 0; }
+    /// Makes room for as many fields as the line before had, and forgets what it has left unmade.
+    void beginLine(Fields& fields) {
+        fields.reserve(m_fieldsOfLine);
+        m_noted = 0;
+    }
 
     /// Appends a field of that text. A new text is only noted: the field stays empty, and `text` must stay as
     /// it is, until makeNoted is called with the same fields.
@@ -60,4 +63,5 @@ class RecentTexts {
     std::vector<std::string_view> m_notedTexts;
     std::vector<Target> m_notedTargets;
     std::size_t m_noted = 0;
+    std::size_t m_fieldsOfLine = 0;
 };

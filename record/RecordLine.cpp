@@ -115,7 +115,7 @@ class Reader {
         : m_at(line.data()), m_end(line.data() + line.size()), m_fields(fields), m_recent(recent) {}
 
     int readAll() {
-        if (m_recent) m_recent->beginLine();
+        if (m_recent) m_recent->beginLine(m_fields);
         int count = 0;
         while (m_at != m_end) {
             if (count != INT_MAX) ++count;

@@ -192,7 +192,8 @@ int kesta::add_text(TextFile& file, int skipFirst, int maxRecords) {
     RecentTexts recent;
     int count = 0;
     for (;;) {
-        Zr::Ptr<dbrecord> record = newRecord();
+        Zr::Ptr<dbrecord> record(new dbrecord(0));
+        record->set_container(this);
         if (record->read(file, recent) == 0) return count;
         if (record->get_num_fields() != m_fields.size()) {
             LogBoth("kesta::add_text: returning because not all fields filled\n");
