@@ -11,8 +11,8 @@ library=(support expr record search view fieldmap container)
 lines_wanted=95
 branches_wanted=85
 
+[[ ! -d build/coverage ]] || find build/coverage -name '*.gcda' -delete
 scripts/build.sh coverage
-find build/coverage -name '*.gcda' -delete
 ctest --preset coverage --parallel "$(nproc)" --quiet
 
 gcovr --root . --filter "($(IFS='|' && echo "${library[*]}")|tools)/" build/coverage --object-directory build/coverage \

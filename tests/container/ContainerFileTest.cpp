@@ -1,11 +1,4 @@
-// Container files: what a Writer saves, what a Reader answers, and what stays when a save fails or is killed.
-#include <csignal>
-#include <fcntl.h>
-#include <random>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
+// Container files: what a Writer saves, what a Reader answers, and what stays when a save fails.
 #include "container/ZRContainerFile.h"
 #include "tests/TestSupport.h"
 
@@ -47,44 +40,6 @@ bool holdsClips(const std::filesystem::path& path, unsigned count) {
     return reader.valid() && reader.getAttrib("Name", -1) == static_cast<int>(count) &&
            reader.getNumItems() == count && reader.getContents().size() == count;
 }
-
-/// Keeps every file the process writes below a size while it lives.
-class FileSizeLimit {
- public:
-    explicit FileSizeLimit(rlim_t bytes) : m_handlerBefore(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        rlimit limit = m_before;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handlerBefore);
-    }
-
- private:
-    void (*m_handlerBefore)(int);
-    rlimit m_before{};
-};
-
-/// Reports every request through a pipe, so that another process can tell how far this one is.
-class ReportingAllocator : public iAllocator {
- public:
-    explicit ReportingAllocator(int pipe) : m_pipe(pipe) {}
-
-    void* allocate(std::size_t size) override {
-        if (write(m_pipe, "", 1) != 1) _exit(1);
-        void* const block = std::malloc(size ? size : 1);
-        if (!block) throw Zr::Exception::BadAlloc();
-        return block;
-    }
-    void release(void* block) noexcept override { std::free(block); }
-
- private:
-    int m_pipe;
-};
 
 class ContainerReading : public TempFolderTest {};
 class ContainerWriting : public TempFolderTest {};
@@ -299,15 +254,6 @@ TEST_F(ContainerSavedOver, AFailedSaveLeavesTheOldFileAndNothingElse) {
     saveClips(folder / "absent" / "box.sg", 4);
     saveClips({}, 4);
     EXPECT_EQ(folder.names(), before);
-
-    // Neither half a file nor what an earlier writer left takes the place of the old one.
-    saveClips(folder / "box.sg.tmp", 4);
-    {
-        const FileSizeLimit limit(1024);
-        saveClips(folder / "box.sg", 1000);
-    }
-    EXPECT_TRUE(holdsClips(folder / "box.sg", 3));
-    EXPECT_EQ(folder.names(), before);
 }
 
 TEST_F(ContainerSavedOver, RunningOutOfMemoryAnywhereLeavesTheOldOrTheNewFile) {
@@ -331,40 +277,4 @@ TEST_F(ContainerSavedOver, RunningOutOfMemoryAnywhereLeavesTheOldOrTheNewFile) {
         ASSERT_TRUE(holdsClips(path, saved ? 1 : 3)) << request;
         ASSERT_EQ(folder.names(), std::vector<std::string>{"box.sg"}) << request;
     }
-}
-
-TEST_F(ContainerSavedOver, AWriterKilledAtAnyMomentLeavesTheOldOrTheNewFile) {
-    const std::filesystem::path path = folder / "box.sg";
-    const WideText fileName = wide(path);
-    Writer few(clipColumns);
-    Writer many(clipColumns);
-    fillClips(few, 2);
-    fillClips(many, 400);
-    few.save(fileName);
-    std::mt19937 random(9);
-    for (int round = 0; round < 50; ++round) {
-        int progress[2];
-        ASSERT_EQ(pipe2(progress, O_CLOEXEC), 0);
-        const pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            ReportingAllocator allocator(progress[1]);
-            OS()->setAllocator(&allocator);
-            for (;;) {
-                many.save(fileName);
-                few.save(fileName);
-            }
-        }
-        close(progress[1]);
-        const auto moment = static_cast<unsigned>(random() % 500);
-        char report;
-        for (unsigned i = 0; i <= moment; ++i) ASSERT_EQ(read(progress[0], &report, 1), 1);
-        ASSERT_EQ(kill(child, SIGKILL), 0);
-        ASSERT_EQ(waitpid(child, nullptr, 0), child);
-        close(progress[0]);
-        ASSERT_TRUE(holdsClips(path, 2) || holdsClips(path, 400)) << round << ", " << moment;
-    }
-    many.save(fileName);
-    EXPECT_TRUE(holdsClips(path, 400));
-    EXPECT_FALSE(std::filesystem::exists(folder / "box.sg.tmp"));
 }

@@ -267,18 +267,6 @@ TEST(RecordLineWriting, QuotesEveryFieldAndEscapesOnlyQuotesAndLineFeeds) {
     for (const auto& [fields, line] : cases) EXPECT_EQ(writeLines({fields}).front(), line);
 }
 
-TEST(RecordLineWriting, AppendsALineAndClearsTheRecordsMarkOnly) {
-    const Zr::Ptr<kesta> database = makeTextDatabase({"a", "b"}, {{"1", "2"}});
-    const Zr::Ptr<dbrecord> record = database->get_record(0);
-    ASSERT_TRUE(record->set_field(1, "3", true));
-    Lines file({"first"});
-    EXPECT_TRUE(record->write(file));
-    EXPECT_EQ(file.all(), (std::vector<std::string>{"first", R"("1","3")"}));
-    EXPECT_FALSE(record->get_changed());
-    EXPECT_TRUE(database->get_changed());
-    EXPECT_EQ(file.cursor(), 0U);
-}
-
 TEST(RecordLineWriting, AgreesWithTheSlowWritingOnRandomFields) {
     std::mt19937 random(11);
     std::vector<Fields> rows(20000);
@@ -289,19 +277,6 @@ TEST(RecordLineWriting, AgreesWithTheSlowWritingOnRandomFields) {
     const Strings lines = writeLines(rows);
     for (std::size_t i = 0; i < rows.size(); ++i) {
         ASSERT_EQ(lines[i], LineModel::writeLine(rows[i])) << testing::PrintToString(rows[i]);
-    }
-}
-
-TEST(RecordLineRoundTrip, KeepsOrLosesWhatItIsKnownTo) {
-    const std::vector<std::pair<std::string, std::string>> cases = {
-        {"a\\\nb", R"(a\\nb)"}, {"\\\rn", "\n_"}, {"  x  ", "x"}, {"x\n", "x"}, {R"(a\)", R"(a\)"},
-    };
-    for (const auto& [before, after] : cases) {
-        // A text behind it shows that the field ends where it did.
-        const bool endsOpen = after == "\n_";
-        const std::string field = endsOpen ? before + "_" : before;
-        EXPECT_EQ(readLines(writeLines({{field, "next"}})).front().fields, (Fields{after, "next"}))
-            << testing::PrintToString(field);
     }
 }
 
