@@ -47,3 +47,8 @@ install(FILES ${manual_dir}/kesta.bash RENAME kesta COMPONENT program
 install(FILES ${manual_dir}/kesta.zsh RENAME _kesta COMPONENT program DESTINATION ${KESTA_ZSH_COMPLETIONS_DIR})
 install(FILES ${manual_dir}/kesta.fish COMPONENT program
         DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+
+# Where a gdb of the same prefix looks when it loads the library of this name.
+set(library_file ${CMAKE_SHARED_LIBRARY_PREFIX}kesta${CMAKE_SHARED_LIBRARY_SUFFIX}.${PROJECT_VERSION})
+install(FILES tools/gdb/kesta-gdb.py RENAME ${library_file}-gdb.py COMPONENT development
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load${CMAKE_INSTALL_FULL_LIBDIR})

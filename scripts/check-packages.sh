@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the Debian packages in build/package/packages, has lintian look at them, and checks what they bring: the program
-# runs, its manual page is sound, applications build with the library. On a machine that is for checks (CI is set) dpkg installs them and removes them
+# runs, its manual page is sound, applications build with the library, gdb shows its types. On a machine that is for checks (CI is set) dpkg installs them and removes them
 # again; on others they are unpacked into a temporary folder.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -23,19 +23,28 @@ for name in "${names[@]}"; do
     fi
 done
 
+work=$(mktemp -d)
 root=
-libraries=usr/lib/$(dpkg-architecture --query DEB_HOST_MULTIARCH)
+libraries=/usr/lib/$(dpkg-architecture --query DEB_HOST_MULTIARCH)
+installed=()
+printers=()
 if [[ -n ${CI:-} ]]; then
-    trap 'dpkg --purge "${names[@]}" >/dev/null' EXIT
+    trap 'rm -rf "$work"; dpkg --purge "${names[@]}" >/dev/null' EXIT
     dpkg --install "$packages"/*.deb >/dev/null
-    scripts/check-consumer.sh
 else
-    root=$(mktemp -d)
-    trap 'rm -rf "$root"' EXIT
+    trap 'rm -rf "$work"' EXIT
+    root=$work/root
     for package in "$packages"/*.deb; do dpkg-deb --extract "$package" "$root"; done
-    export LD_LIBRARY_PATH=$root/$libraries
-    scripts/check-consumer.sh "$root/usr" "$root/$libraries"
+    export LD_LIBRARY_PATH=$root$libraries PKG_CONFIG_PATH=$root$libraries/pkgconfig
+    installed=("$root/usr" "$root$libraries")
+    printers=("$root/usr/share/gdb/auto-load$libraries"/*.py)
 fi
+scripts/check-consumer.sh "${installed[@]}"
+
+# gdb finds the views of the types by itself where the system keeps its libraries.
+# shellcheck disable=SC2046  # flags are words
+g++ -std=c++17 -g tests/gdb/values.cpp -o "$work/values" $(pkg-config --cflags --libs kesta)
+tests/gdb/check.sh "$work/values" "${printers[@]}"
 
 [[ $("$root/usr/bin/kesta" --version) == "$version"* ]]
 

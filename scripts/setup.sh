@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(g++ cmake ninja-build libgtest-dev libbenchmark-dev libcli11-dev)
 if [[ ${1:-} == ci ]]; then
     packages+=(clang clang-format clang-tidy gcovr libclang-rt-dev libc6-dbg pkg-config valgrind)
-    packages+=(bash-completion dpkg-dev file fish lintian man-db mandoc zsh)
+    packages+=(bash-completion dpkg-dev file fish gdb lintian man-db mandoc zsh)
 fi
 
 if ! command -v apt-get >/dev/null; then
