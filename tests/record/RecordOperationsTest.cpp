@@ -49,6 +49,11 @@ TEST(InsertingRecords, MakesRoomWithASingleRecordAtItsFrontAndAppendsMany) {
     EXPECT_FALSE(database->get_changed());
     EXPECT_TRUE(heard.texts().empty());
 
+    const Zr::Ptr<kesta> empty = numbered(0);
+    empty->delete_records(0, 1);
+    empty->insert_records(0, 2);
+    EXPECT_EQ(rowsOf(*empty), (std::vector<Fields>{{""}, {"no record"}}));
+
     EXPECT_EQ(database->add_records(2), 9U) << "the row of the first";
     EXPECT_EQ(database->add_records(0), 11U);
     EXPECT_EQ(database->add_records(-3), 11U);

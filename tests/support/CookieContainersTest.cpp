@@ -123,6 +123,7 @@ TEST(CookieSet, KeepsDistinctIdentifiersInTheOrderTheyCame) {
     for (const int outside : {-1, count, INT_MIN, INT_MAX}) EXPECT_TRUE(set[outside].isNull()) << outside;
     EXPECT_TRUE(CookieSet()[0].isNull());
     EXPECT_FALSE(CookieSet().contains(Cookie()));
+    EXPECT_EQ(CookieSet().begin(), CookieSet().end());
 
     int next = count;
     for (const Cookie& cookie : set) ASSERT_EQ(cookie, clip(--next));
