@@ -4,6 +4,7 @@
 #include "support/Ascii.h"
 #include "tools/Failure.h"
 #include "tools/LogForm.h"
+#include "tools/StandardStreams.h"
 #include "tools/TableSource.h"
 #include "tools/TableText.h"
 
@@ -22,7 +23,7 @@ void splitAtTabs(std::string_view line, std::vector<std::string>& values) {
 
 class AleTable : public TableSource {
  public:
-    explicit AleTable(const std::string& path) : m_path(path), m_text(readTableText(path)) {
+    explicit AleTable(const std::string& path) : m_path(shownName(path)), m_text(readTableText(path)) {
         splitLines();
         std::size_t at = nextLine(0, "Heading or Column");
         if (isSection(at, "Heading")) at = readHeading(at + 1);

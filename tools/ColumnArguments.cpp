@@ -23,10 +23,10 @@ std::vector<int> parseSortColumns(const kesta& log, const std::vector<std::strin
     return fields;
 }
 
-ColumnText parseColumnText(const kesta& log, const std::string& argument) {
+ColumnText parseColumnText(const kesta& log, const std::string& argument, const std::string& form) {
     const std::size_t first = argument.find('=');
     if (first == std::string::npos) {
-        throw Failure('"' + argument + "\" names no column; write COLUMN=TEXT", exitUsage);
+        throw Failure('"' + argument + "\" names no column; write " + form, exitUsage);
     }
     for (std::size_t at = first; at != std::string::npos; at = argument.find('=', at + 1)) {
         const unsigned column = log.get_fieldnum(libraryText(argument.substr(0, at)));
@@ -38,7 +38,7 @@ ColumnText parseColumnText(const kesta& log, const std::string& argument) {
 std::vector<ColumnText> parseSearch(const kesta& log, const std::vector<std::string>& arguments) {
     std::vector<ColumnText> texts;
     for (const std::string& argument : arguments) {
-        texts.push_back(parseColumnText(log, argument));
+        texts.push_back(parseColumnText(log, argument, "COLUMN=TEXT"));
         if (texts.back().text.empty()) {
             throw Failure('"' + argument + "\" holds no text to look for", exitUsage);
         }

@@ -15,9 +15,9 @@ struct ColumnText {
     std::string text;
 };
 
-/// One "COLUMN=TEXT". A column's own name may hold "=": the first split that names a column counts. Throws
-/// Failure when there is none.
-ColumnText parseColumnText(const kesta& log, const std::string& argument);
+/// One "COLUMN=TEXT", or in whatever `form` messages call it. A column's own name may hold "=": the first
+/// split that names a column counts. Throws Failure when there is none.
+ColumnText parseColumnText(const kesta& log, const std::string& argument, const std::string& form);
 
 /// Texts to look for. Throws Failure for an empty one as well, which every record would hold.
 std::vector<ColumnText> parseSearch(const kesta& log, const std::vector<std::string>& arguments);

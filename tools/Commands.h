@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "tools/Saving.h"
+
 struct InfoOptions {
-    std::string log;
+    std::vector<std::string> logs;
 };
 
 /// How records are shown. Lists of columns are as columnsNamed reads them.
@@ -21,18 +23,18 @@ struct TableOptions {
 };
 
 struct ShowOptions {
-    std::string log;
-    std::string rows;     ///< as RowRanges.h reads it; empty for all
-    bool tagged = false;  ///< tagged ones only
+    std::vector<std::string> logs;
+    std::optional<std::string> rows;  ///< as RowRanges.h reads it
+    bool tagged = false;              ///< tagged ones only
     TableOptions table;
 };
 
 struct FindOptions {
     std::string log;
-    std::vector<std::string> texts;  ///< COLUMN=TEXT
+    std::vector<std::string> arguments;  ///< further logs, then COLUMN=TEXT
     TableOptions table;
     std::string output;  ///< the log to save to; empty to show
-    bool force = false;  ///< replace an existing log, and save even an incomplete copy
+    Saving saving;
 };
 
 struct CheckOptions {
@@ -41,17 +43,18 @@ struct CheckOptions {
 
 struct ImportOptions {
     std::string file;
+    std::string format;  ///< csv or ale; empty for what the file is
     std::string log;
-    bool force = false;  ///< replace an existing log
     bool allWarnings = false;
+    Saving saving;
 };
 
 struct ExportOptions {
     std::string log;
     std::string format;  ///< csv, ale or json
     std::string output;  ///< empty for standard output
-    bool force = false;  ///< replace an existing file
     bool allColumns = false;
+    Saving saving;
 };
 
 struct SetOptions {
@@ -59,13 +62,13 @@ struct SetOptions {
     std::string row;
     std::string column;
     std::string value;
-    bool force = false;  ///< save even though that loses text of the file
+    Saving saving;
 };
 
 struct AddOptions {
     std::string log;
     std::vector<std::string> values;  ///< COLUMN=VALUE
-    bool force = false;
+    Saving saving;
 };
 
 /// Either rows or the tagged ones.
@@ -73,7 +76,7 @@ struct DeleteOptions {
     std::string log;
     std::optional<std::string> rows;
     bool tagged = false;
-    bool force = false;
+    Saving saving;
 };
 
 struct SortOptions {
@@ -81,7 +84,7 @@ struct SortOptions {
     std::vector<std::string> columns;  ///< the most important first
     bool descending = false;
     bool ignoreCase = false;
-    bool force = false;
+    Saving saving;
 };
 
 /// One of the ways to choose records, or `list`.
@@ -96,20 +99,20 @@ struct TagOptions {
     bool list = false;
     bool keep = false;   ///< add to the tags that are there
     TableOptions table;  ///< for the list
-    bool force = false;
+    Saving saving;
 };
 
 struct MergeOptions {
     std::string into;
     std::vector<std::string> from;
-    bool force = false;
+    Saving saving;
 };
 
 struct ParamOptions {
     std::string log;
     std::optional<std::string> key;
     std::optional<std::string> value;
-    bool force = false;
+    Saving saving;
 };
 
 struct ColumnsOptions {
@@ -119,7 +122,7 @@ struct ColumnsOptions {
     std::vector<std::string> order;  ///< the columns to come first
     bool reset = false;              ///< before anything else, back to all columns in the log's own order
     bool names = false;              ///< list only the names of all columns
-    bool force = false;
+    Saving saving;
 };
 
 struct ItemsOptions {
@@ -131,8 +134,9 @@ struct PackOptions {
     std::string container;
     std::string name;
     std::vector<std::string> identifiers;
+    bool names = false;  ///< a text that is no identifier stands for the one made of it
     bool permanent = false;
-    bool force = false;  ///< replace an existing file
+    Saving saving;
 };
 
 /// Either a picture or text.

@@ -1,6 +1,8 @@
 #include <algorithm>
 
 #include "tools/Failure.h"
+#include "tools/Messages.h"
+#include "tools/StandardStreams.h"
 #include "tools/TableSource.h"
 #include "tools/TableText.h"
 
@@ -84,10 +86,11 @@ class CsvReader {
 
 class CsvTable : public TableSource {
  public:
-    explicit CsvTable(const std::string& path) : m_path(path), m_text(readTableText(path)) {
+    explicit CsvTable(const std::string& path) : m_path(shownName(path)), m_text(readTableText(path)) {
         CsvReader reader(m_path, m_text);
-        if (!reader.next(m_columns)) throw Failure(path + ": has no line of column names");
+        if (!reader.next(m_columns)) throw Failure(m_path + ": has no line of column names");
         m_columnLine = reader.rowLine();
+        warnOfSemicolons();
     }
 
     const std::vector<Parameter>& parameters() const noexcept override { return m_parameters; }
@@ -102,6 +105,13 @@ class CsvTable : public TableSource {
     }
 
  private:
+    void warnOfSemicolons() const {
+        if (m_columns.size() > 1 || m_columns.front().find(';') == std::string::npos) return;
+        warn(m_path + ':' + std::to_string(m_columnLine) +
+             ": the values seem to be separated by semicolons; only commas separate them, so all of a line "
+             "is one value");
+    }
+
     std::string m_path;
     std::string m_text;
     std::vector<Parameter> m_parameters;

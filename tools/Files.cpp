@@ -2,11 +2,13 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "tools/Failure.h"
+#include "tools/StandardStreams.h"
 
 namespace {
 
@@ -17,6 +19,12 @@ struct stat statusOf(const std::string& path) {
 }
 
 }  // namespace
+
+std::string resolved(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::path end = std::filesystem::canonical(path, error);
+    return error ? path : end.string();
+}
 
 void requireReadable(const std::string& path) {
     const struct stat status = statusOf(path);
@@ -30,10 +38,12 @@ std::uintmax_t fileSize(const std::string& path) {
 }
 
 std::string readBytes(const std::string& path) {
-    requireReadable(path);
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
+    const std::string readable = readablePath(path);
+    requireReadable(readable);
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(readable.c_str(), "rb"),
+                                                               std::fclose);
     if (!file) throw fileFailure(path, errno);
-    std::string bytes(fileSize(path), '\0');
+    std::string bytes(fileSize(readable), '\0');
     bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
     if (std::ferror(file.get())) throw fileFailure(path, errno);
     return bytes;

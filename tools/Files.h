@@ -10,11 +10,14 @@ void requireReadable(const std::string& path);
 /// The size in bytes of a readable file.
 std::uintmax_t fileSize(const std::string& path);
 
-/// All bytes of the file. Throws Failure when it cannot be read.
+/// All bytes of the file, or of standard input for "-". Throws Failure when it cannot be read.
 std::string readBytes(const std::string& path);
 
 /// Whether both names are of one file.
 bool isSameFile(const std::string& a, const std::string& b) noexcept;
+
+/// Where a chain of symbolic links ends; the path itself when nothing is there.
+std::string resolved(const std::string& path);
 
 /// Throws Failure when a plain file of that name is there and not to be replaced.
 void requireReplaceable(const std::string& path, bool replace);

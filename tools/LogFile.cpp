@@ -5,11 +5,15 @@
 
 #include "support/StringFunctions.h"
 #include "support/TextFile.h"
+#include "tools/DisplayText.h"
 #include "tools/Failure.h"
 #include "tools/Files.h"
 #include "tools/LogForm.h"
 #include "tools/LogInspector.h"
 #include "tools/Messages.h"
+#include "tools/Output.h"
+#include "tools/Progress.h"
+#include "tools/StandardStreams.h"
 #include "tools/Suggestion.h"
 
 namespace {
@@ -23,7 +27,9 @@ Inspection inspected(const std::string& path) {
     return inspection;
 }
 
-const std::string& readable(const std::string& path) {
+const std::string& editable(const std::string& path) {
+    if (isStandardStream(path))
+        throw Failure("standard input cannot be changed; name the log's file", exitUsage);
     requireReadable(path);
     return path;
 }
@@ -37,10 +43,10 @@ void warnOfFindings(const std::string& path, const Inspection& inspection) {
 // The second reading must see what the first one saw: another program may be writing the file.
 Zr::Ptr<kesta> loaded(const std::string& path, const Inspection& inspection) {
     errno = 0;
-    Zr::Ptr<kesta> log(new kesta(Zr::WStringFromAscii(path.c_str()), allRecords, true));
-    if (log->get_valid() == 0 && errno != 0) throw fileFailure(path, errno);
+    Zr::Ptr<kesta> log(new kesta(Zr::WStringFromAscii(readablePath(path).c_str()), allRecords, true));
+    if (log->get_valid() == 0 && errno != 0) throw fileFailure(shownName(path), errno);
     if (log->get_valid() == 0 || log->get_num_records() != inspection.records) {
-        throw Failure(path + ": the file changed while it was read; try again");
+        throw Failure(shownName(path) + ": the file changed while it was read; try again");
     }
     return log;
 }
@@ -78,10 +84,12 @@ Zr::Ptr<kesta> openWhole(const std::string& path, bool force, const std::string&
     if (isCommaSeparated(path)) {
         throw Failure(path + ": is a comma-separated file; make a log of it first: kesta import");
     }
+    const Progress progress("reading", path);
     const Inspection inspection = inspected(path);
     warnOfFindings(path, inspection);
     if (inspection.losesText() && !force) {
-        throw Failure(path + ": " + refusal + " what the warnings name; mend the file first, or use --force");
+        throw Failure(shownName(path) + ": " + refusal +
+                      " what the warnings name; mend the file first, or use --force");
     }
     Zr::Ptr<kesta> log = loaded(path, inspection);
     if (inspection.losesText()) makeReadable(*log);
@@ -101,21 +109,31 @@ std::string_view leadingName(const kesta& log, std::string_view list, std::size_
     return best;
 }
 
+void writeFile(kesta& log, const std::string& path, const FileClaim& claim) {
+    errno = 0;
+    const int written = log.save_text();
+    const int error = errno;
+    // Saving no records answers 0 as a failure does, but puts a new file in the place of the old one.
+    const bool saved = log.get_num_records() > 0 ? written > 0 : claim.isChanged();
+    if (!saved) throw fileFailure(path, error);
+}
+
 }  // namespace
 
 LogForReading openLog(const std::string& path) {
+    const Progress progress("reading", path);
     const Inspection inspection = inspected(path);
     warnOfFindings(path, inspection);
     return {loaded(path, inspection), inspection.losesText() ? exitFindings : exitDone};
 }
 
 LogForEditing::LogForEditing(const std::string& path, bool force)
-    : m_path(readable(path)),
+    : m_path(editable(path)),
       m_claim(path),
       m_log(openWhole(path, force, "not changed, because saving would lose")) {}
 
-void LogForEditing::save() {
-    saveLog(*m_log, m_path, m_claim);
+void LogForEditing::save(const Saving& how, const std::vector<std::string>& summary) {
+    saveLog(*m_log, m_path, &m_claim, how, summary);
 }
 
 Zr::Ptr<kesta> openLogForCopying(const std::string& path, bool force) {
@@ -128,25 +146,39 @@ void requireLogMayBeMade(const std::string& path, bool replace) {
                       ": a log cannot have this name, because files ending in .csv are read as "
                       "comma-separated text");
     }
-    if (!replace && isThere(path)) throw Failure(path + ": is there already; --force replaces it");
+    if (!replace && !isStandardStream(path) && isThere(path))
+        throw Failure(path + ": is there already; --force replaces it");
 }
 
 void requireOutputApart(const std::string& input, const std::string& output) {
-    if (isSameFile(input, output)) {
+    if (!isStandardStream(output) && isSameFile(isStandardStream(input) ? "/dev/stdin" : input, output)) {
         throw Failure(output + ": is the log itself, which would be lost; give the output another name");
     }
 }
 
-void saveLog(kesta& log, const std::string& path, FileClaim& claim) {
-    takeTagsFromColumn(log);
-    claim.requireUnchanged();
-    errno = 0;
-    const int written = log.save_text();
-    const int error = errno;
-    // Saving no records answers 0 as a failure does, but puts a new file in the place of the old one.
-    const bool saved = log.get_num_records() > 0 ? written > 0 : claim.isChanged();
-    if (!saved) throw fileFailure(path, error);
-    claim.release();
+void saveLog(kesta& log, const std::string& path, FileClaim* claim, const Saving& how,
+             const std::vector<std::string>& summary) {
+    save(path, claim, how, counted(log.get_num_records(), "record"), summary, [&] {
+        takeTagsFromColumn(log);
+        if (claim) {
+            writeFile(log, path, *claim);
+        } else {
+            writeRecords(log, log);
+        }
+    });
+}
+
+void writeRecords(const kesta& log, const iKST& rows) {
+    TextFile file;
+    log.save_params(file);
+    log.save_column_header(file, false);
+    for (unsigned row = 0; row < rows.get_num_records(); ++row) {
+        const Zr::Ptr<dbrecord> record = rows.get_record(row);
+        if (record) record->write(file);
+    }
+    const auto output = standardOutput();
+    for (unsigned line = 0; line < file.size(); ++line) output->line(file.lineView(line));
+    output->finish();
 }
 
 std::vector<std::string> columnNames(const kesta& log) {
@@ -157,7 +189,9 @@ std::vector<std::string> columnNames(const kesta& log) {
 
 unsigned columnNamed(const kesta& log, const std::string& name) {
     const unsigned column = log.get_fieldnum(libraryText(name));
-    if (column == none) throw Failure("no column " + suggestionFor(name, columnNames(log), "columns"));
+    if (column == none)
+        throw Failure("no column " +
+                      suggestionFor(name, columnNames(log), "columns", "kesta info lists them"));
     return column;
 }
 

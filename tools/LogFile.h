@@ -10,6 +10,7 @@
 #include "record/kesta.h"
 #include "tools/Failure.h"
 #include "tools/FileClaim.h"
+#include "tools/Saving.h"
 
 /// A log whose records are to be shown, and the exit code that its state calls for.
 struct LogForReading {
@@ -25,14 +26,14 @@ LogForReading openLog(const std::string& path);
 class LogForEditing {
  public:
     /// Throws Failure as openLog and FileLock do, and when saving would lose any text of the file, unless
-    /// `force`, and for a comma-separated file.
+    /// `force`, for a comma-separated file, and for standard input.
     LogForEditing(const std::string& path, bool force);
 
     kesta& operator*() const noexcept { return *m_log; }
     kesta* operator->() const noexcept { return m_log.get(); }
 
     /// Once, as saveLog does.
-    void save();
+    void save(const Saving& how, const std::vector<std::string>& summary = {});
 
  private:
     std::string m_path;
@@ -50,10 +51,14 @@ void requireLogMayBeMade(const std::string& path, bool replace);
 /// Throws Failure when `output` is the file that is read from, under whatever name: it would be lost.
 void requireOutputApart(const std::string& input, const std::string& output);
 
-/// Saves the log under its file name and gives the claim to that file up. Texts of a column "Tag" stay as
-/// they are. Throws Failure, with the file as it was, when it cannot be written or another program has
-/// written it.
-void saveLog(kesta& log, const std::string& path, FileClaim& claim);
+/// Saves the log under its file name, which `claim` is for, or writes it to standard output for a path of
+/// "-", without a claim; as save() does. Texts of a column "Tag" stay as they are. Throws Failure, with the
+/// file as it was, when it cannot be written or another program has written it.
+void saveLog(kesta& log, const std::string& path, FileClaim* claim, const Saving& how,
+             const std::vector<std::string>& summary = {});
+
+/// Writes records of the log, those of a view on it or its own, to standard output as a log's file.
+void writeRecords(const kesta& log, const iKST& rows);
 
 /// The names of the log's columns, in order.
 std::vector<std::string> columnNames(const kesta& log);

@@ -13,6 +13,7 @@
 #include "tools/Failure.h"
 #include "tools/Files.h"
 #include "tools/LogForm.h"
+#include "tools/StandardStreams.h"
 
 namespace {
 
@@ -30,9 +31,10 @@ std::string quoted(std::string_view text) {
 }
 
 void readWholeFile(const std::string& path, TextFile& file) {
-    requireReadable(path);
+    const std::string readable = readablePath(path);
+    requireReadable(readable);
     errno = 0;
-    if (!file.load(Zr::WStringFromAscii(path.c_str()), '\n', false)) throw fileFailure(path, errno);
+    if (!file.load(Zr::WStringFromAscii(readable.c_str()), '\n', false)) throw fileFailure(path, errno);
 }
 
 /// Walks a record line with the reader's rules, to see which of its fields lose bytes there: what it stores
@@ -125,7 +127,7 @@ class Inspector {
     void inspectLog() {
         if (!readParameters() || !readHeader()) return;
         m_result.loads = true;
-        beginRecords();
+        if (m_visitor) m_visitor->begin(m_file.cursor(), m_names, m_result.findings);
         while (readRecord()) ++m_result.records;
     }
 
@@ -299,10 +301,6 @@ class Inspector {
         if (m_tagColumn == noColumn && sameName(m_names[i], "Tag")) m_tagColumn = i;
     }
 
-    void beginRecords() {
-        if (m_visitor) m_visitor->begin(m_names);
-    }
-
     // Steps as the loader does; false where it stops.
     bool readRecord() {
         const unsigned line = m_file.cursor();
@@ -422,7 +420,7 @@ class Inspector {
 }  // namespace
 
 std::string describe(const std::string& path, const Finding& finding) {
-    std::string place = path + ':' + std::to_string(finding.line) + ": ";
+    std::string place = shownName(path) + ':' + std::to_string(finding.line) + ": ";
     if (finding.column != 0) {
         place += "column " + std::to_string(finding.column);
         if (!finding.columnName.empty()) place += " (" + finding.columnName + ')';

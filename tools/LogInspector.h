@@ -34,7 +34,9 @@ struct Inspection {
 class RecordVisitor {
  public:
     virtual ~RecordVisitor() = default;
-    virtual void begin(const std::vector<std::string>& columnNames) = 0;
+    /// Comes first, with the line that names the columns.
+    virtual void begin(unsigned line, const std::vector<std::string>& columnNames,
+                       std::vector<Finding>& findings) = 0;
     virtual void record(unsigned line, const dbrecord& fields, std::vector<Finding>& findings) = 0;
 };
 

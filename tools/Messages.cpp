@@ -7,12 +7,14 @@
 #include "support/Log.h"
 #include "tools/DisplayText.h"
 #include "tools/Failure.h"
+#include "tools/Presentation.h"
+#include "tools/Progress.h"
 
 namespace {
 
-void say(std::string_view prefix, std::string_view message) {
-    const std::string line = std::string(prefix) + harmless(message) + '\n';
-    std::fwrite(line.data(), 1, line.size(), stderr);
+void say(const std::string& prefix, std::string_view message) {
+    const std::string line = prefix + ' ' + harmless(message) + '\n';
+    Progress::write(line);
 }
 
 bool isAboutLogLines(std::string_view message) noexcept {
@@ -39,11 +41,11 @@ Failure fileFailure(const std::string& path, int error) {
 }
 
 void complain(std::string_view message) {
-    say("kesta: ", message);
+    say(colouredError(Colour::red, "kesta:"), message);
 }
 
 void warn(std::string_view message) {
-    say("kesta: warning: ", message);
+    say("kesta: " + colouredError(Colour::yellow, "warning:"), message);
 }
 
 void tidyLibraryMessages() {

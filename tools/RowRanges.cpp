@@ -12,29 +12,33 @@ namespace {
     throw Failure("\"" + text + "\" names no rows; write them like 3,5-9", exitUsage);
 }
 
-unsigned numberOr(std::string_view digits, unsigned fallback, const std::string& text) {
-    if (digits.empty()) return fallback;
-    unsigned number = 0;
-    const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    if (result.ec != std::errc() || result.ptr != digits.data() + digits.size()) refuseList(text);
-    return number;
+std::string rowsOf(unsigned rowCount) {
+    return rowCount == 0 ? "the log has no rows" : "the log's rows are 1 to " + std::to_string(rowCount);
 }
 
-void requireRow(unsigned number, unsigned rowCount) {
-    if (number >= 1 && number <= rowCount) return;
-    throw Failure(
-        "no row " + std::to_string(number) + "; " +
-        (rowCount == 0 ? "the log has no rows" : "the log's rows are 1 to " + std::to_string(rowCount)));
+bool isNumber(std::string_view text) noexcept {
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+/// The number of a row of the log, from 1.
+unsigned rowNumber(std::string_view digits, unsigned rowCount) {
+    unsigned number = 0;
+    const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    if (result.ec == std::errc() && number >= 1 && number <= rowCount) return number;
+    throw Failure("no row " + std::string(digits) + "; " + rowsOf(rowCount));
+}
+
+unsigned rowNumberOr(std::string_view digits, unsigned fallback, unsigned rowCount, const std::string& text) {
+    if (!digits.empty() && !isNumber(digits)) refuseList(text);
+    return rowNumber(digits.empty() ? std::to_string(fallback) : std::string(digits), rowCount);
 }
 
 RowRange parseRange(std::string_view piece, unsigned rowCount, const std::string& text) {
     const std::size_t dash = piece.find('-');
     if (piece.empty() || piece == "-") refuseList(text);
     const std::string_view last = dash == std::string_view::npos ? piece : piece.substr(dash + 1);
-    const unsigned from = numberOr(piece.substr(0, dash), 1, text);
-    const unsigned to = numberOr(last, rowCount, text);
-    requireRow(from, rowCount);
-    requireRow(to, rowCount);
+    const unsigned from = rowNumberOr(piece.substr(0, dash), 1, rowCount, text);
+    const unsigned to = rowNumberOr(last, rowCount, rowCount, text);
     if (from > to) refuseList(text);
     return {from - 1, to - 1};
 }
@@ -66,7 +70,6 @@ std::vector<RowRange> parseRowRanges(const std::string& text, unsigned rowCount)
 }
 
 unsigned parseRow(const std::string& text, unsigned rowCount) {
-    const unsigned number = text.empty() ? 0 : numberOr(text, 0, text);
-    requireRow(number, rowCount);
-    return number - 1;
+    if (!isNumber(text)) throw Failure('"' + text + "\" is no row's number; " + rowsOf(rowCount));
+    return rowNumber(text, rowCount) - 1;
 }

@@ -8,6 +8,7 @@
 namespace {
 
 constexpr std::size_t longestCompared = 64;
+constexpr std::size_t listedAtMost = 20;
 
 /// How many characters must be changed, added or taken away to make one text of the other, ignoring case.
 std::size_t editDistance(const std::string& a, const std::string& b) {
@@ -41,15 +42,14 @@ std::string nearest(const std::string& name, const std::vector<std::string>& exi
 }  // namespace
 
 std::string suggestionFor(const std::string& name, const std::vector<std::string>& existing,
-                          const std::string& whatTheyAre) {
+                          const std::string& whatTheyAre, const std::string& howToSeeAll) {
     std::string text = '"' + name + '"';
     const std::string best = nearest(name, existing);
     if (!best.empty()) text += "; did you mean \"" + best + "\"?";
     if (existing.empty()) return text + "; there are no " + whatTheyAre;
     text += (best.empty() ? "; the " : " The ") + whatTheyAre + " are: ";
-    for (const std::string& candidate : existing) {
-        if (&candidate != &existing.front()) text += ", ";
-        text += candidate;
-    }
-    return text;
+    const std::size_t listed = std::min(existing.size(), listedAtMost);
+    for (std::size_t i = 0; i < listed; ++i) text += (i == 0 ? "" : ", ") + existing[i];
+    if (listed == existing.size()) return text;
+    return text + " ... and " + std::to_string(existing.size() - listed) + " more; " + howToSeeAll;
 }

@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include "tools/DisplayText.h"
+#include "tools/LogForm.h"
+#include "tools/Presentation.h"
 
 namespace {
 
@@ -68,7 +70,7 @@ class TablePrinter {
         std::string line = numberTitle;
         line.insert(0, m_numberWidth - line.size(), ' ');
         for (std::size_t i = 0; i < m_widths.size(); ++i) append(line, title(m_selection.columns[i]), i);
-        printLine(line);
+        m_out.line(colouredOutput(Colour::bold, fitted(line)));
     }
 
     void printRow(unsigned row, const dbrecord& record) {
@@ -76,7 +78,7 @@ class TablePrinter {
         line.insert(0, m_numberWidth - line.size(), ' ');
         for (std::size_t i = 0; i < m_widths.size(); ++i)
             append(line, value(record, m_selection.columns[i]), i);
-        printLine(line);
+        m_out.line(isTagged(record) ? colouredOutput(Colour::cyan, fitted(line)) : fitted(line));
     }
 
     void append(std::string& line, std::string text, std::size_t i) const {
@@ -87,15 +89,21 @@ class TablePrinter {
         if (width < m_widths[i]) line.append(m_widths[i] - width, ' ');
     }
 
-    void printLine(std::string& line) {
+    std::string fitted(std::string& line) const {
         line.erase(line.find_last_not_of(' ') + 1);
-        m_out.line(m_terminal ? cutToCells(line, std::max(m_terminal->columns, 1U)) : line);
+        return m_terminal ? cutToCells(line, std::max(m_terminal->columns, 1U)) : line;
+    }
+
+    bool isTagged(const dbrecord& record) const {
+        int tag = 0;
+        return m_tagColumn < m_log.get_num_fields() && readTag(valueIn(record, m_tagColumn), tag) && tag != 0;
     }
 
     const kesta& m_log;
     const Selection& m_selection;
     const std::optional<TerminalSize> m_terminal;
     LineSink& m_out;
+    const unsigned m_tagColumn = m_log.get_fieldnum("Tag");
     std::size_t m_numberWidth = 0;
     std::vector<std::size_t> m_widths;  // in cells, one for each selected column
 };

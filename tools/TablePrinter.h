@@ -17,6 +17,6 @@ std::optional<TerminalSize> standardOutputTerminal() noexcept;
 
 /// One line for each row, its number in the log first. Control characters are shown harmlessly. For a
 /// terminal, long values and lines are cut to fit and the header comes again with every screenful; otherwise
-/// everything is written in full.
+/// everything is written in full. In colour, tagged records stand out.
 void printTable(const kesta& log, const Selection& selection, std::optional<TerminalSize> terminal,
                 LineSink& out);

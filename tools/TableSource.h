@@ -42,6 +42,7 @@ std::unique_ptr<TableSource> readCsvTable(const std::string& path);
 /// stand one on a line or all on one line.
 std::unique_ptr<TableSource> readAleTable(const std::string& path);
 
-/// Reads the file as its name's ending says, in either case. Throws Failure for any other ending, and for a
-/// file that is no text.
-std::unique_ptr<TableSource> readTable(const std::string& path);
+/// Reads the file, or standard input for "-", in this format, "csv" or "ale". Without one, a file is read as
+/// its name's ending says, in either case, and standard input as what it begins with. Throws Failure for any
+/// other ending, and for what is no text.
+std::unique_ptr<TableSource> readTable(const std::string& path, const std::string& format);

@@ -2,6 +2,7 @@
 
 #include "tools/Failure.h"
 #include "tools/Files.h"
+#include "tools/StandardStreams.h"
 
 namespace {
 
@@ -14,9 +15,9 @@ bool beginsWith(const std::string& text, const char* mark) noexcept {
 std::string readTableText(const std::string& path) {
     std::string text = readBytes(path);
     if (beginsWith(text, "\xFF\xFE") || beginsWith(text, "\xFE\xFF")) {
-        throw Failure(path + ": is UTF-16 text; save it as UTF-8 first");
+        throw Failure(shownName(path) + ": is UTF-16 text; save it as UTF-8 first");
     }
-    if (text.find('\0') != std::string::npos) throw Failure(path + ": is no text file");
+    if (text.find('\0') != std::string::npos) throw Failure(shownName(path) + ": is no text file");
     if (beginsWith(text, "\xEF\xBB\xBF")) text.erase(0, 3);
     return text;
 }

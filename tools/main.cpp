@@ -12,7 +12,7 @@ int main(int argc, char** argv) {
     try {
         useUnicodeWidths();
         tidyLibraryMessages();
-        return runCommandLine(argc, argv);
+        return CommandLine().run(argc, argv);
     } catch (const Failure& failure) {
         complain(failure.what());
         return failure.exitCode();

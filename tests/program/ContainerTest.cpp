@@ -39,21 +39,26 @@ TEST_F(ContainerTest, AnExistingFileIsReplacedOnlyWhenAskedFor) {
     const std::string file = path("box.sg");
     EXPECT_EQ(run({"pack", "-o", file, "--name", "Old", identifier}).exitCode, 0);
     const std::string before = content("box.sg");
-    const Outcome refused = run({"pack", "-o", file, "--name", "New", "clip"});
+    const Outcome refused = run({"pack", "-o", file, "--name", "New", identifier});
     EXPECT_EQ(refused.exitCode, 2);
     EXPECT_EQ(refused.err, "kesta: " + file + ": is there already; --force replaces it\n");
     EXPECT_EQ(content("box.sg"), before);
-    EXPECT_EQ(run({"pack", "-o", file, "--name", "New", "--force", "clip"}).exitCode, 0);
+    EXPECT_EQ(run({"pack", "-o", file, "--name", "New", "--force", "--names", "clip"}).exitCode, 0);
     const std::string items = run({"items", file}).out;
     EXPECT_EQ(items.find("name:      New\npermanent: no\nkind:      M\nitems:     1\n"), 0U) << items;
     EXPECT_EQ(folder.names(), std::vector<std::string>{"box.sg"});
+
+    std::filesystem::create_symlink("box.sg", path("link.sg"));
+    EXPECT_EQ(run({"pack", "-o", path("link.sg"), "--name", "Newer", "--force", identifier}).exitCode, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(path("link.sg")));
+    EXPECT_EQ(run({"items", file}).out.find("name:      Newer\n"), 0U) << "the link leads to it";
 }
 
 TEST_F(ContainerTest, WhatCannotBeDoneIsSaidAndLeavesNothing) {
     std::filesystem::create_directory(folder / "folder");
     log("a.log", "\"Name\"", "\"1\"\n");
     log("full.sg", "\"Name\"", "\"1\"\n");
-    std::filesystem::create_directory(folder / "full.sg.tmp");
+    folder.with("full.sg.tmp", "another file");
     const std::vector<std::string> before = folder.names();
     struct Refused {
         std::vector<std::string> arguments;
@@ -62,12 +67,21 @@ TEST_F(ContainerTest, WhatCannotBeDoneIsSaidAndLeavesNothing) {
     };
     const std::vector<Refused> cases = {
         {{"pack", "-o", path("b.sg"), "--name", "B", "I0123456789abcdef0123456789abcdef07"}, 64, "of kind I"},
-        {{"pack", "-o", path("b.sg"), "--name", "B", "clip", " "}, 64, "an identifier is empty"},
-        {{"pack", "-o", path("b.sg"), "--name", "say \"B\"", "clip"}, 2, "does not keep this name"},
-        {{"pack", "-o", path("b.csv"), "--name", "B", "clip"}, 2, "cannot have this name"},
-        {{"pack", "-o", path("absent/b.sg"), "--name", "B", "clip"}, 2, "No such file or directory"},
-        {{"pack", "-o", path("folder"), "--name", "B", "--force", "clip"}, 2, "is no plain file"},
-        {{"pack", "-o", path("full.sg"), "--name", "B", "--force", "clip"}, 2, "full.sg: "},
+        {{"pack", "-o", path("b.sg"), "--name", "B", identifier, " "}, 64, "an identifier is empty"},
+        {{"pack", "-o", path("b.sg"), "--name", "say \"B\"", identifier}, 2, "does not keep this name"},
+        {{"pack", "-o", path("b.csv"), "--name", "B", identifier}, 2, "cannot have this name"},
+        {{"pack", "-o", path("absent/b.sg"), "--name", "B", identifier}, 2, "No such file or directory"},
+        {{"pack", "-o", path("folder"), "--name", "B", "--force", identifier}, 2, "is no plain file"},
+        {{"pack", "-o", path("full.sg"), "--name", "B", "--force", identifier},
+         2,
+         "full.sg.tmp is in the way"},
+        {{"pack", "-o", path("b.sg"), "--name", "B", identifier + "0"}, 64, "is no identifier"},
+        {{"pack", "-o", path("b.sg"), "--name", "B", "M01234567-89ab-cdef-0123456789abcdef07"},
+         64,
+         "is no identifier"},
+        {{"pack", "-o", path("b.sg"), "--name", "B", "M0123456789abcdef0123456789abcdef0g"},
+         64,
+         "is no identifier"},
         {{"pack", "-o", path("b.sg"), "--name", "B"}, 64, "IDENTIFIER"},
         {{"items", path("a.log")}, 2, "is a log, but no container"},
         {{"items", path("b.sg")}, 2, "No such file or directory"},
@@ -79,6 +93,7 @@ TEST_F(ContainerTest, WhatCannotBeDoneIsSaidAndLeavesNothing) {
         EXPECT_EQ(outcome.out, "");
     }
     EXPECT_EQ(folder.names(), before);
+    EXPECT_EQ(content("full.sg.tmp"), "another file");
 }
 
 }  // namespace

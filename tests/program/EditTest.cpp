@@ -63,6 +63,8 @@ TEST_F(EditTest, RefusesWhatALogWouldNotGiveBack) {
         {{"set", file, "1", "Tag", "01"}, "tags are numbers from 0 to 255"},
         {{"set", file, "1", "Note", "x"}, "did you mean \"Notes\"?"},
         {{"set", file, "2", "Notes", "x"}, "no row 2; the log's rows are 1 to 1"},
+        {{"set", file, "-1", "Notes", "x"}, "\"-1\" is no row's number; the log's rows are 1 to 1"},
+        {{"set", file, "99999999999", "Notes", "x"}, "no row 99999999999; the log's rows are 1 to 1"},
         {{"add", file, "Name=x", "Notes= x"}, "begins with white space"},
         {{"add", file, "Nme=x"}, "did you mean \"Name\"?"},
         {{"delete", file, "1-2"}, "no row 2; the log's rows are 1 to 1"},
@@ -82,6 +84,32 @@ TEST_F(EditTest, RefusesWhatALogWouldNotGiveBack) {
     EXPECT_EQ(run({"add", file, "Name=x", "name=y"}).exitCode, 64);
     EXPECT_EQ(run({"param", file, "none"}).exitCode, 1);
     EXPECT_EQ(content("a.log"), before);
+}
+
+TEST_F(EditTest, SaysWhatTheCommandLineShouldHaveBeen) {
+    std::string names = "\"A0\"";
+    for (int i = 1; i < 65; ++i) names += ",\"A" + std::to_string(i) + '"';
+    const std::string wide = log("wide.log", names, "");
+    struct Mistake {
+        std::vector<std::string> arguments;
+        int exitCode;
+        std::string answer;
+    };
+    const std::vector<Mistake> cases = {
+        {{"sho", wide}, 64, "no command \"sho\"; did you mean \"show\"? The commands are: info, show, "},
+        {{"", wide}, 64, "no command \"\"; the commands are: "},
+        {{"show", wide, "--columns", "none"}, 2, ", A19 ... and 45 more; kesta info lists them\n"},
+        {{"show", wide, "--columns", ""}, 64, "--columns needs a value"},
+        {{"show", wide, "--rows="}, 64, "--rows"},
+        {{"export", wide, "--format", "csv", "-o", ""}, 64, "--output needs a value"},
+        {{"export", wide, "--format", "csv", "-n"}, 64, "--output"},
+        {{"add", wide, "A0"}, 64, "\"A0\" names no column; write COLUMN=VALUE"},
+    };
+    for (const Mistake& mistake : cases) {
+        const Outcome outcome = run(mistake.arguments);
+        EXPECT_EQ(outcome.exitCode, mistake.exitCode) << mistake.answer;
+        EXPECT_NE(outcome.err.find(mistake.answer), std::string::npos) << outcome.err;
+    }
 }
 
 TEST_F(EditTest, NeverSavesALogThatWasNotReadWhole) {
@@ -219,7 +247,7 @@ TEST_F(EditTest, NoticesAProgramThatTakesNoLock) {
     EXPECT_EQ(folder.names(), std::vector<std::string>{"a.log"});
 }
 
-TEST_F(EditTest, SaysWhyASaveFailed) {
+TEST_F(EditTest, SaysWhyASaveFailedOrThatOnlyItsReportDid) {
     const std::string source = folder.with("a.csv", "A\n").string();
     const Outcome toFolder = run({"import", source, "-o", folder.path().string(), "--force"});
     EXPECT_EQ(toFolder.exitCode, 2);
@@ -227,6 +255,11 @@ TEST_F(EditTest, SaysWhyASaveFailed) {
     const Outcome nowhere = run({"import", source, "-o", path("none/a.log")});
     EXPECT_EQ(nowhere.exitCode, 2);
     EXPECT_EQ(nowhere.err, "kesta: " + path("none/a.log") + ": No such file or directory\n");
+    const std::string file = log("a.log", "\"Name\"", "");
+    const Outcome full = run({"add", file, "Name=1"}, "/dev/full");
+    EXPECT_EQ(full.exitCode, 2);
+    EXPECT_EQ(full.err.find("kesta: " + file + ": is saved, but "), 0U) << full.err;
+    EXPECT_EQ(run({"show", file}).out, "Row  Name\n  1  1\n");
 }
 
 }  // namespace

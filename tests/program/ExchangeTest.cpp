@@ -160,14 +160,18 @@ TEST_F(ExchangeTest, AnEmptyRecordThatExchangeFilesCannotShowIsNamed) {
     EXPECT_EQ(result.err.find("kesta: warning: row 2: an empty value"), 0U) << result.err;
 }
 
-TEST_F(ExchangeTest, RefusesWhatItCannotRead) {
+TEST_F(ExchangeTest, RefusesOrNamesWhatItCannotRead) {
+    EXPECT_NE(
+        import("s.csv", "A;B\n1;2\n").err.find("s.csv:1: the values seem to be separated by semicolons"),
+        std::string::npos);
+    std::filesystem::remove(path("a.log"));
     struct Refused {
         std::string name;
         std::string content;
         std::string why;
     };
     const std::vector<Refused> cases = {
-        {"a.txt", "x", "its name has to end in .csv or .ale"},
+        {"a.txt", "x", "a name that ends in .csv or .ale"},
         {"a.csv", "", "has no line of column names"},
         {"a.csv", "A,B\n1,\"2\n3\n", ":2: the quoted value that begins here never ends"},
         {"a.csv", std::string("A\0B", 3), "is no text file"},

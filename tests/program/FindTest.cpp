@@ -49,6 +49,23 @@ TEST_F(FindTest, RowsKeepTheirNumbersWhenSortedAndSelected) {
         << "an empty value comes last";
 }
 
+TEST_F(FindTest, SeveralLogsAreShownBelowTheirNames) {
+    const std::string file = codes();
+    const std::string other = log("other.log", "\"Name\",\"Notes\"", "\"x\",\"MOS\"\n\"y\",\"\"\n");
+    EXPECT_EQ(found({"find", file, other, "Notes=mos"}),
+              file + ":\nRow  Name\n  3  c\n\n" + other + ":\nRow  Name\n  1  x\n");
+    EXPECT_EQ(found({"find", file, other, "Notes=circle", "--sort", "Notes"}),
+              file + ":\nRow  Name\n  4  d\n  1  a\n  2  b\n")
+        << "logs without a match are left out";
+    const Outcome missing = run({"show", other, path("none.log"), other, "--columns", "Name", "--rows", "2"});
+    EXPECT_EQ(missing.exitCode, 2);
+    EXPECT_EQ(missing.out, other + ":\nRow  Name\n  2  y\n\n" + other + ":\nRow  Name\n  2  y\n");
+    const std::string one = run({"show", other, "--format", "json"}).out.substr(2);
+    const std::string named = "{\n  \"log\": \"" + other + "\",\n" + one;
+    EXPECT_EQ(run({"show", other, other, "--format", "json"}).out, "[\n" + named + ",\n" + named + "]\n");
+    EXPECT_EQ(run({"info", other, other}).out, run({"info", other}).out + '\n' + run({"info", other}).out);
+}
+
 TEST_F(FindTest, WhatIsFoundBecomesALogOfItsOwn) {
     const std::string file = codes();
     const std::string before = content("codes.log");
@@ -85,9 +102,12 @@ TEST_F(FindTest, RefusesWhatItCannotLookForOrCopyWhole) {
     const std::vector<Refused> cases = {
         {{"find", file, "Note=x"}, 2, "did you mean \"Notes\"?"},
         {{"find", file, "Notes"}, 64, "names no column; write COLUMN=TEXT"},
+        {{"find", file, "Notes=x", file}, 64, "names no column; write COLUMN=TEXT"},
         {{"find", file, "Notes="}, 64, "holds no text to look for"},
         {{"find", file, "Notes=x", "--sort", "Nam"}, 2, "did you mean \"Name\"?"},
         {{"find", file, "Notes=x", "-o", path("x.log"), "--columns", "Name"}, 64, "--output"},
+        {{"find", file, file, "Notes=x", "-o", path("x.log")}, 64, "-o takes the records of one log"},
+        {{"show", file, file, "--format", "csv"}, 64, "--format csv takes one log"},
         {{"find", file, "Notes=x", "-o", path("x.csv")}, 2, "a log cannot have this name"},
         {{"find", damaged, "A=1", "-o", path("x.log")}, 2, "not copied, because its copy would lack"},
         {{"find", file, "Notes=circle", "-o", path("none/x.log")}, 2, "No such file or directory"},

@@ -46,7 +46,8 @@ class EnvironmentSetting {
 class ProgramTest : public TestSupport::TempFolderTest {
  protected:
     /// Runs the program with these arguments. Standard output goes to a file, or to `output` when given.
-    Outcome run(std::vector<std::string> arguments, const std::string& output = {}) {
+    Outcome run(std::vector<std::string> arguments, const std::string& output = {},
+                const std::string& input = "/dev/null") {
         const std::string out = output.empty() ? path(".out") : output;
         const std::string err = path(".err");
         arguments.insert(arguments.begin(), KESTA_PROGRAM);
@@ -56,6 +57,7 @@ class ProgramTest : public TestSupport::TempFolderTest {
 
         posix_spawn_file_actions_t actions;
         posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_addopen(&actions, 0, input.c_str(), O_RDONLY, 0);
         posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         pid_t child = 0;

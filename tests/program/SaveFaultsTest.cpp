@@ -28,7 +28,7 @@ class SaveFaultsTest : public ProgramTest {
             {"a.log", {"find", b, "Name=3", "-o", a, "--force"}},
             {"a.log", {"export", b, "--format", "csv", "-o", a, "--force"}},
             {"box",
-             {"pack", "M00000000000000000000000000000002", "--name", "Box", "-o", path("box"), "--force"}}};
+             {"pack", "M0000000000000000000000000000000200", "--name", "Box", "-o", path("box"), "--force"}}};
     }
 
     void prepare() const {

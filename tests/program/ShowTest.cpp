@@ -1,39 +1,9 @@
-// kesta show and kesta info: tables, on terminals and elsewhere, and the other forms.
-#include <fcntl.h>
-#include <stdlib.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
-
+// kesta show and kesta info: tables and the other forms.
 #include "tests/program/ProgramTest.h"
 
 namespace {
 
-class ShowTest : public ProgramTest {
- protected:
-    /// What the program writes to a terminal of this size.
-    std::string onTerminal(const std::vector<std::string>& arguments, unsigned short columns,
-                           unsigned short rows) {
-        const int controller = posix_openpt(O_RDWR | O_NOCTTY);
-        if (controller < 0 || grantpt(controller) != 0 || unlockpt(controller) != 0) {
-            throw std::runtime_error("no terminal to be had");
-        }
-        const winsize size{rows, columns, 0, 0};
-        const std::string terminal = ptsname(controller);
-        const int held = open(terminal.c_str(), O_RDWR | O_NOCTTY);
-        ioctl(held, TIOCSWINSZ, &size);
-        run(arguments, terminal);
-        std::string shown;
-        // Without a user the terminal delivers what is on its way and then ends.
-        close(held);
-        char buffer[4096];
-        for (ssize_t count = 0; (count = read(controller, buffer, sizeof buffer)) > 0;) {
-            shown.append(buffer, static_cast<std::size_t>(count));
-        }
-        shown.erase(std::remove(shown.begin(), shown.end(), '\r'), shown.end());
-        close(controller);
-        return shown;
-    }
-};
+class ShowTest : public ProgramTest {};
 
 TEST_F(ShowTest, TablesAreAlignedByCellsAndHarmless) {
     const std::string file = log("a.log", "\"Name\",\"Notes\",\"Reel\"",
@@ -49,25 +19,6 @@ TEST_F(ShowTest, TablesAreAlignedByCellsAndHarmless) {
               "Row  Reel  Name   Notes\n"
               "  1  A1    \xE6\x98\xA0\xE7\x94\xBB   a\\nb\\t\\x1b[2J\n"
               "  3  A3    plain\n");
-}
-
-TEST_F(ShowTest, ATerminalGetsLinesThatFitAndTheHeaderWithEveryScreenful) {
-    const std::string file =
-        log("a.log", "\"Name\",\"Notes\"",
-            "\"1\",\"\xE6\x98\xA0\xE7\x94\xBB\xE6\x98\xA0\xE7\x94\xBB\xE6\x98\xA0\"\n\"2\",\"\"\n"
-            "\"3\",\"\"\n\"4\",\"\"\n\"5\",\"" +
-                std::string(200, 'x') + "\"\n");
-    EXPECT_EQ(onTerminal({"show", file}, 18, 5),
-              "Row  Name  Notes\n"
-              "  1  1     \xE6\x98\xA0\xE7\x94\xBB\xE6\x98\xA0\xE2\x80\xA6\n"
-              "  2  2\n"
-              "  3  3\n"
-              "Row  Name  Notes\n"
-              "  4  4\n"
-              "  5  5     xxxxxx\xE2\x80\xA6\n");
-    EXPECT_EQ(run({"show", file, "--rows", "5"}).out,
-              "Row  Name  Notes\n  5  5     " + std::string(200, 'x') + '\n')
-        << "elsewhere everything is written in full";
 }
 
 TEST_F(ShowTest, OtherFormsHoldTheSelectedPart) {

@@ -52,7 +52,7 @@ TEST_F(TerminalTest, NothingThatIsShownSteersIt) {
         {"merge", file, damaged, "--force"},
         {"merge", file, path("none" + hostile)},
         {"pack", hostile, hostile, "--name", hostile, "-o", box},
-        {"pack", hostile, "--name", hostile, "-o", box},
+        {"pack", hostile, "--name", hostile, "--names", "-o", box},
         {"items", box},
         {"items", file},
         {hostile},

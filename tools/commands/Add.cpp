@@ -6,14 +6,13 @@
 #include "tools/Failure.h"
 #include "tools/LogFile.h"
 #include "tools/LogForm.h"
-#include "tools/Output.h"
 
 int Commands::addRecord(const AddOptions& options) {
-    LogForEditing log(options.log, options.force);
+    LogForEditing log(options.log, options.saving.force);
     std::vector<ColumnText> assignments;
     std::set<unsigned> columns;
     for (const std::string& text : options.values) {
-        assignments.push_back(parseColumnText(*log, text));
+        assignments.push_back(parseColumnText(*log, text, "COLUMN=VALUE"));
         requireKeptValue(*log, assignments.back().column, assignments.back().text);
         if (!columns.insert(assignments.back().column).second) {
             throw Failure("two values for the column of \"" + text + '"', exitUsage);
@@ -23,9 +22,6 @@ int Commands::addRecord(const AddOptions& options) {
     for (const ColumnText& assignment : assignments) {
         log->setField(row, assignment.column, libraryText(assignment.text));
     }
-    log.save();
-    const auto output = standardOutput();
-    output->line("row " + std::to_string(row + 1));
-    output->finish();
+    log.save(options.saving, {"row " + std::to_string(row + 1)});
     return exitDone;
 }

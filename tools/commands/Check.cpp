@@ -1,18 +1,19 @@
 // kesta check: what is wrong with logs, and where.
 #include <algorithm>
 #include <map>
-#include <optional>
 
 #include "record/dbrecord.h"
+#include "support/Ascii.h"
 #include "support/Cookie.h"
 #include "support/time_def.h"
 #include "tools/Commands.h"
 #include "tools/DisplayText.h"
+#include "tools/EveryLog.h"
 #include "tools/Failure.h"
 #include "tools/LogForm.h"
 #include "tools/LogInspector.h"
-#include "tools/Messages.h"
 #include "tools/Output.h"
+#include "tools/Progress.h"
 
 namespace {
 
@@ -25,8 +26,10 @@ constexpr const char* codePairs[][2] = {{"Start time", "End time"},
 /// Looks at what the records say: identifiers that come twice, codes that end before they start.
 class RecordChecks : public RecordVisitor {
  public:
-    void begin(const std::vector<std::string>& columnNames) override {
+    void begin(unsigned line, const std::vector<std::string>& columnNames,
+               std::vector<Finding>& findings) override {
         m_names = columnNames;
+        checkNames(line, findings);
         m_cookie = columnNamed("Cookie");
         for (const auto& pair : codePairs) {
             const Pair columns{columnNamed(pair[0]), columnNamed(pair[1])};
@@ -58,6 +61,20 @@ class RecordChecks : public RecordVisitor {
     void report(unsigned line, std::size_t column, std::string text, std::vector<Finding>& findings) const {
         findings.push_back(
             {line, static_cast<unsigned>(column + 1), m_names[column], std::move(text), false});
+    }
+
+    void checkNames(unsigned line, std::vector<Finding>& findings) const {
+        std::map<std::string, std::size_t> columns;
+        for (std::size_t i = 0; i < m_names.size(); ++i) {
+            std::string name = m_names[i];
+            for (char& c : name) c = Ascii::fold(c);
+            const auto place = columns.emplace(std::move(name), i);
+            if (place.second) continue;
+            report(line, i,
+                   "the name is that of column " + std::to_string(place.first->second + 1) +
+                       " too, and commands find only that one; give one of the columns another",
+                   findings);
+        }
     }
 
     void checkIdentifier(unsigned line, const dbrecord& fields, std::vector<Finding>& findings) {
@@ -94,31 +111,21 @@ class RecordChecks : public RecordVisitor {
     std::map<Cookie, unsigned> m_linesById;
 };
 
-// A file that cannot be read does not keep the others from being checked.
-std::optional<Inspection> inspected(const std::string& path) {
-    try {
-        RecordChecks checks;
-        return inspectLog(path, &checks);
-    } catch (const Failure& failure) {
-        complain(failure.what());
-        return std::nullopt;
-    }
+Inspection inspected(const std::string& path) {
+    const Progress progress("checking", path);
+    RecordChecks checks;
+    return inspectLog(path, &checks);
 }
 
 }  // namespace
 
 int Commands::checkLogs(const CheckOptions& options) {
     const auto output = standardOutput();
-    int exitCode = exitDone;
-    for (const std::string& path : options.logs) {
-        const std::optional<Inspection> inspection = inspected(path);
-        if (!inspection) {
-            exitCode = exitFailed;
-            continue;
-        }
-        for (const Finding& finding : inspection->findings) output->line(harmless(describe(path, finding)));
-        if (!inspection->findings.empty()) exitCode = std::max<int>(exitCode, exitFindings);
-    }
+    const int exitCode = forEveryLog(options.logs, [&](const std::string& path) -> int {
+        const Inspection inspection = inspected(path);
+        for (const Finding& finding : inspection.findings) output->line(harmless(describe(path, finding)));
+        return inspection.findings.empty() ? exitDone : exitFindings;
+    });
     output->finish();
     return exitCode;
 }

@@ -100,8 +100,8 @@ int Commands::columns(const ColumnsOptions& options) {
         list(*openLog(options.log).log);
         return exitDone;
     }
-    LogForEditing log(options.log, options.force);
+    LogForEditing log(options.log, options.saving.force);
     change(*log, options);
-    log.save();
+    log.save(options.saving);
     return exitDone;
 }

@@ -7,7 +7,6 @@
 #include "tools/LogFile.h"
 #include "tools/LogView.h"
 #include "tools/Messages.h"
-#include "tools/Output.h"
 #include "tools/RowRanges.h"
 
 namespace {
@@ -17,20 +16,17 @@ int deleteRows(LogForEditing& log, const DeleteOptions& options) {
     // From the end, so that the numbers of the rows still to go stay right.
     std::reverse(ranges.begin(), ranges.end());
     for (const RowRange range : ranges) log->delete_records(range.first, range.last - range.first + 1);
-    log.save();
+    log.save(options.saving);
     return exitDone;
 }
 
-int deleteTagged(LogForEditing& log) {
+int deleteTagged(LogForEditing& log, const DeleteOptions& options) {
     const int count = viewOf(*log)->deleteTagged();
     if (count == 0) {
         complain("no record is tagged");
         return exitFindings;
     }
-    log.save();
-    const auto output = standardOutput();
-    output->line(counted(static_cast<std::size_t>(count), "record") + " deleted");
-    output->finish();
+    log.save(options.saving, {counted(static_cast<std::size_t>(count), "record") + " deleted"});
     return exitDone;
 }
 
@@ -40,6 +36,6 @@ int Commands::deleteRecords(const DeleteOptions& options) {
     if (options.rows.has_value() == options.tagged) {
         throw Failure("delete needs either ROWS or --tagged", exitUsage);
     }
-    LogForEditing log(options.log, options.force);
-    return options.tagged ? deleteTagged(log) : deleteRows(log, options);
+    LogForEditing log(options.log, options.saving.force);
+    return options.tagged ? deleteTagged(log, options) : deleteRows(log, options);
 }

@@ -1,6 +1,7 @@
 // kesta import: a log from the file of another program.
 #include <algorithm>
 #include <map>
+#include <optional>
 
 #include "record/kesta.h"
 #include "support/Ascii.h"
@@ -12,17 +13,14 @@
 #include "tools/LogFile.h"
 #include "tools/LogForm.h"
 #include "tools/Messages.h"
-#include "tools/Output.h"
+#include "tools/Progress.h"
 #include "tools/StandardColumns.h"
+#include "tools/StandardStreams.h"
 #include "tools/TableSource.h"
 
 namespace {
 
 constexpr std::size_t mostColumns = 65535;
-
-std::string atLine(const std::string& path, unsigned line) {
-    return path + ':' + std::to_string(line) + ": ";
-}
 
 std::string becoming(const std::string& before, std::string_view after) {
     std::string text = '"' + before;
@@ -35,23 +33,32 @@ std::string becoming(const std::string& before, std::string_view after) {
 /// of.
 class Importer {
  public:
-    Importer(const ImportOptions& options, const TableSource& source, FileClaim& claim)
+    Importer(const ImportOptions& options, const TableSource& source, FileClaim* claim)
         : m_options(options), m_source(source), m_claim(claim), m_warnings(options.allWarnings) {}
 
     /// Answers the exit code.
     int run() {
+        fill();
+        m_log.set_filename(Zr::WStringFromAscii(m_options.log.c_str()));
+        m_warnings.summarise("--all-warnings lists them all");
+        saveLog(m_log, m_options.log, m_claim, m_options.saving, {summary()});
+        return m_lost > 0 ? exitFindings : exitDone;
+    }
+
+ private:
+    void fill() {
+        const Progress progress("importing", m_options.file);
         survey();
         makeColumns();
         storeParameters();
         m_source.forEachRow(
             [this](unsigned line, const std::vector<std::string>& values) { store(line, values); });
-        m_log.set_filename(Zr::WStringFromAscii(m_options.log.c_str()));
-        saveLog(m_log, m_options.log, m_claim);
-        report();
-        return m_lost > 0 ? exitFindings : exitDone;
     }
 
- private:
+    std::string atLine(unsigned line) const {
+        return shownName(m_options.file) + ':' + std::to_string(line) + ": ";
+    }
+
     // Finds what must be known before the first record is made: how far the rows reach, and whether a column
     // "Tag" holds what a log keeps there.
     void survey() {
@@ -74,9 +81,9 @@ class Importer {
         while (names.size() > m_reach && names.back().empty()) names.pop_back();
         const std::size_t named = names.size();
         names.resize(std::max(named, m_reach));
-        if (names.empty())
-            throw Failure(atLine(m_options.file, m_source.columnLine()) + "there are no column names");
-        if (names.size() > mostColumns) throw Failure(m_options.file + ": has more columns than a log takes");
+        if (names.empty()) throw Failure(atLine(m_source.columnLine()) + "there are no column names");
+        if (names.size() > mostColumns)
+            throw Failure(shownName(m_options.file) + ": has more columns than a log takes");
         const auto columns =
             planColumns(names, m_keepsTags ? std::vector<std::string>() : std::vector<std::string>{"Tag"});
         m_log.setFields(columns);
@@ -87,15 +94,15 @@ class Importer {
     void warnOfRenaming(std::size_t column, const std::string& name, std::string_view stored) {
         const StandardColumn* const standard = standardColumnFor(name);
         if (sameName(name, stored) || (standard && sameName(standard->name, stored))) return;
-        m_warnings.add(atLine(m_options.file, m_source.columnLine()) + "column " +
-                       std::to_string(column + 1) + ": the name " + becoming(name, stored));
+        m_warnings.add(atLine(m_source.columnLine()) + "column " + std::to_string(column + 1) +
+                       ": the name " + becoming(name, stored));
     }
 
     void storeParameters() {
         // A log begins with its revision, which the first parameter brings along.
         m_log.add_param("KESTA", "Rev 1");
         for (const TableSource::Parameter& parameter : m_source.parameters()) {
-            const std::string place = atLine(m_options.file, parameter.line);
+            const std::string place = atLine(parameter.line);
             const std::string key = freeKey(parameter.key);
             if (key != parameter.key) {
                 m_warnings.add(place + "the parameter " + becoming(parameter.key, key));
@@ -152,8 +159,8 @@ class Importer {
         warnOfLongRow(line, values);
         storeAsKept(line, *record, values);
         if (readsAsHeader(*record)) {
-            throw Failure(atLine(m_options.file, line) + "column 1: a log of one column takes the value \"" +
-                          values[0] + "\" for the beginning of a header; give the file a second column");
+            throw Failure(atLine(line) + "column 1: a log of one column takes the value \"" + values[0] +
+                          "\" for the beginning of a header; give the file a second column");
         }
     }
 
@@ -161,8 +168,7 @@ class Importer {
         std::size_t beyond = 0;
         for (std::size_t i = m_namedColumns; i < values.size(); ++i) beyond += values[i].empty() ? 0 : 1;
         if (beyond == 0) return;
-        m_warnings.add(atLine(m_options.file, line) + std::to_string(beyond) +
-                       (beyond == 1 ? " value" : " values") +
+        m_warnings.add(atLine(line) + std::to_string(beyond) + (beyond == 1 ? " value" : " values") +
                        " behind the last named column, kept from column \"" +
                        m_log.get_fieldname(static_cast<unsigned>(m_namedColumns)) + "\" on");
     }
@@ -177,8 +183,7 @@ class Importer {
             if (kept.getField(i).view() == values[i]) continue;
             ++m_changed;
             if (kept.getField(i).view() != Ascii::trimmed(values[i])) ++m_lost;
-            m_warnings.add(atLine(m_options.file, line) + "column " + std::to_string(i + 1) + " (" +
-                           m_log.get_fieldname(i) +
+            m_warnings.add(atLine(line) + "column " + std::to_string(i + 1) + " (" + m_log.get_fieldname(i) +
                            "): the value is not kept exactly: " + whyNotKept(values[i]));
             record.setField(i, kept.getField(i));
         }
@@ -190,19 +195,16 @@ class Importer {
         }
     }
 
-    void report() const {
-        m_warnings.summarise("--all-warnings lists them all");
-        std::string text = harmless(m_options.log) + ": " + counted(m_log.get_num_records(), "record") +
-                           ", " + counted(m_log.get_num_fields(), "column");
+    std::string summary() const {
+        std::string text = m_options.log + ": " + counted(m_log.get_num_records(), "record") + ", " +
+                           counted(m_log.get_num_fields(), "column");
         if (m_changed > 0) text += ", " + counted(m_changed, "value") + " not kept exactly";
-        const auto output = standardOutput();
-        output->line(text);
-        output->finish();
+        return text;
     }
 
     const ImportOptions& m_options;
     const TableSource& m_source;
-    FileClaim& m_claim;
+    FileClaim* m_claim;  // null for standard output
     Warnings m_warnings;
     kesta m_log;
     LineRoundTrip m_roundTrip;
@@ -217,8 +219,9 @@ class Importer {
 }  // namespace
 
 int Commands::importFile(const ImportOptions& options) {
-    FileClaim claim(options.log);
-    requireLogMayBeMade(options.log, options.force);
-    const auto source = readTable(options.file);
-    return Importer(options, *source, claim).run();
+    std::optional<FileClaim> claim;
+    if (!isStandardStream(options.log)) claim.emplace(options.log);
+    requireLogMayBeMade(options.log, options.saving.force);
+    const auto source = readTable(options.file, options.format);
+    return Importer(options, *source, claim ? &*claim : nullptr).run();
 }

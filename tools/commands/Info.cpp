@@ -3,10 +3,12 @@
 
 #include "tools/Commands.h"
 #include "tools/DisplayText.h"
+#include "tools/EveryLog.h"
 #include "tools/Failure.h"
 #include "tools/Files.h"
 #include "tools/LogFile.h"
 #include "tools/Output.h"
+#include "tools/StandardStreams.h"
 
 namespace {
 
@@ -48,18 +50,27 @@ void printColumns(const kesta& log, LineSink& out) {
     }
 }
 
+void print(const std::string& path, const kesta& log, LineSink& out) {
+    out.line("file:     " + harmless(shownName(path)));
+    out.line("size:     " + std::to_string(fileSize(readablePath(path))) + " bytes");
+    out.line("revision: " + std::to_string(log.get_revision()));
+    out.line("records:  " + std::to_string(log.get_num_records()));
+    printParameters(log, out);
+    printColumns(log, out);
+}
+
 }  // namespace
 
 int Commands::showInfo(const InfoOptions& options) {
-    const LogForReading opened = openLog(options.log);
-    const Zr::Ptr<kesta>& log = opened.log;
     const auto output = standardOutput();
-    output->line("file:     " + harmless(options.log));
-    output->line("size:     " + std::to_string(fileSize(options.log)) + " bytes");
-    output->line("revision: " + std::to_string(log->get_revision()));
-    output->line("records:  " + std::to_string(log->get_num_records()));
-    printParameters(*log, *output);
-    printColumns(*log, *output);
+    bool first = true;
+    const int exitCode = forEveryLog(options.logs, [&](const std::string& path) -> int {
+        const LogForReading opened = openLog(path);
+        if (!first) output->line("");
+        first = false;
+        print(path, *opened.log, *output);
+        return opened.exitCode;
+    });
     output->finish();
-    return opened.exitCode;
+    return exitCode;
 }

@@ -5,6 +5,7 @@
 #include "tools/DisplayText.h"
 #include "tools/Failure.h"
 #include "tools/LogFile.h"
+#include "tools/StandardStreams.h"
 #include "tools/TablePrinter.h"
 #include "tools/Writers.h"
 
@@ -17,12 +18,15 @@ struct Container {
 };
 
 Container describe(const std::string& path) {
-    const LightweightString<wchar_t> fileName = Zr::WStringFromAscii(path.c_str());
+    const LightweightString<wchar_t> fileName = Zr::WStringFromAscii(readablePath(path).c_str());
     const ZRContainerFile::Reader reader(fileName, true);
-    if (!reader.valid()) throw Failure(path + ": is a log, but no container: it has no column \"Cookie\"");
+    if (!reader.valid())
+        throw Failure(shownName(path) + ": is a log, but no container: it has no column \"Cookie\"");
     const Cookie identifier = ZRContainerFile::getCookieFromFilename(fileName);
+    // Standard input is read under a name that says nothing.
+    const bool hasKind = !isStandardStream(path) && !identifier.isNull();
     return {std::string(reader.getName().view()), reader.isPermanent(),
-            identifier.isNull() ? std::string() : std::string(1, identifier.type())};
+            hasKind ? std::string(1, identifier.type()) : std::string()};
 }
 
 void printHead(const Container& container, const kesta& items, LineSink& out) {

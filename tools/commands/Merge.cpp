@@ -5,7 +5,7 @@
 #include "tools/Files.h"
 #include "tools/LogFile.h"
 #include "tools/LogForm.h"
-#include "tools/Output.h"
+#include "tools/StandardStreams.h"
 
 namespace {
 
@@ -84,18 +84,15 @@ int Commands::mergeLogs(const MergeOptions& options) {
     for (const std::string& source : options.from) {
         if (isSameFile(options.into, source)) throw Failure(source + ": a log is not merged into itself");
     }
-    LogForEditing into(options.into, options.force);
+    LogForEditing into(options.into, options.saving.force);
     std::vector<Zr::Ptr<kesta>> sources;
     for (const std::string& source : options.from) {
-        sources.push_back(openLogForCopying(source, options.force));
+        sources.push_back(openLogForCopying(source, options.saving.force));
     }
     std::vector<std::string> said;
     for (std::size_t i = 0; i < sources.size(); ++i) {
-        said.push_back(append(*into, *sources[i], options.from[i]));
+        said.push_back(append(*into, *sources[i], shownName(options.from[i])));
     }
-    into.save();
-    const auto output = standardOutput();
-    for (const std::string& line : said) output->line(harmless(line));
-    output->finish();
+    into.save(options.saving, said);
     return exitDone;
 }

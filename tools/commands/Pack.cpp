@@ -1,8 +1,10 @@
 // kesta pack: a container file, made of media identifiers.
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 
 #include "container/ZRContainerFile.h"
+#include "support/Ascii.h"
 #include "support/StringFunctions.h"
 #include "tools/Commands.h"
 #include "tools/DisplayText.h"
@@ -12,33 +14,68 @@
 #include "tools/LogForm.h"
 #include "tools/LogInspector.h"
 #include "tools/Messages.h"
-#include "tools/Output.h"
+#include "tools/StandardStreams.h"
 
 namespace {
 
-void requireWritable(const PackOptions& options) {
-    if (isCommaSeparated(options.container)) {
-        throw Failure(options.container +
+void requireUsable(const std::string& container, bool replace) {
+    if (isCommaSeparated(container)) {
+        throw Failure(container +
                       ": a container cannot have this name, because files ending in .csv are read as "
                       "comma-separated text");
     }
-    if (!isThere(options.container)) return;
-    if (!options.force) throw Failure(options.container + ": is there already; --force replaces it");
+    if (!isThere(container)) return;
+    if (!replace) throw Failure(container + ": is there already; --force replaces it");
     std::error_code error;
-    const bool isPlainFile = std::filesystem::is_regular_file(options.container, error);
-    if (error) throw fileFailure(options.container, error.value());
+    const bool isPlainFile = std::filesystem::is_regular_file(container, error);
+    if (error) throw fileFailure(container, error.value());
     if (!isPlainFile) {
-        throw Failure(options.container + ": is no plain file");
+        throw Failure(container + ": is no plain file");
     }
 }
 
+/// Whether it is what a killed run of the program leaves of a container; none is running, for the container
+/// is claimed.
+bool isLeftOver(const std::string& temporary) {
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(std::filesystem::symlink_status(temporary, ignored))) return false;
+    return std::filesystem::file_size(temporary, ignored) == 0 ||
+           ZRContainerFile::Reader(Zr::WStringFromAscii(temporary.c_str()), true).valid();
+}
+
+/// The library writes a file of this name first, and would replace one that is there.
+void requireFreeTemporary(const std::string& file) {
+    const std::string temporary = file + ".tmp";
+    if (isThere(temporary) && !isLeftOver(temporary)) {
+        throw Failure(file + ": not saved, because " + temporary + " is in the way; give that another name");
+    }
+}
+
+/// Whether the text is a kind letter, 32 hexadecimal digits, in groups of 8, 4, 4, 4 and 12 or without, and
+/// two more.
+bool isIdentifier(std::string_view text) noexcept {
+    const bool isGrouped = text.size() > 9 && text[9] == '-';
+    const std::string_view form =
+        isGrouped ? "kxxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxxxx" : "kxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx";
+    return std::equal(text.begin(), text.end(), form.begin(), form.end(), [](char c, char wanted) {
+        if (wanted == '-') return c == '-';
+        const char folded = Ascii::fold(c);
+        const bool isDigit = c >= '0' && c <= '9';
+        return wanted == 'k' ? folded >= 'a' && folded <= 'z' : isDigit || (folded >= 'a' && folded <= 'f');
+    });
+}
+
 /// The identifiers in their order, each once.
-CookieSet parseIdentifiers(const std::vector<std::string>& texts) {
+CookieSet parseIdentifiers(const std::vector<std::string>& texts, bool takesNames) {
     CookieSet identifiers;
     Warnings warnings;
     for (const std::string& text : texts) {
         const Cookie identifier(text.c_str(), false);
         if (identifier.isNull()) throw Failure("an identifier is empty", exitUsage);
+        if (!takesNames && !isIdentifier(Ascii::trimmed(text))) {
+            throw Failure('"' + text + "\" is no identifier; --names takes it as the name of an item",
+                          exitUsage);
+        }
         if (identifier.type() == 'I') {
             throw Failure('"' + text + "\" is of kind I, which containers do not take", exitUsage);
         }
@@ -48,37 +85,39 @@ CookieSet parseIdentifiers(const std::vector<std::string>& texts) {
     return identifiers;
 }
 
-void save(const PackOptions& options, const CookieSet& identifiers, FileClaim& claim) {
+void write(const std::string& file, const PackOptions& options, const CookieSet& identifiers,
+           const FileClaim& claim) {
     const DBFieldDesc columns[] = {{"Cookie", DBFieldTypes::eText}, {}};
     ZRContainerFile::Writer writer(columns);
     writer.setName(libraryText(options.name));
     writer.setPermanent(options.permanent);
     for (const Cookie& identifier : identifiers) writer.addItem(identifier);
 
-    claim.requireUnchanged();
-    const LightweightString<wchar_t> fileName = Zr::WStringFromAscii(options.container.c_str());
+    const LightweightString<wchar_t> fileName = Zr::WStringFromAscii(file.c_str());
     errno = 0;
     writer.save(fileName);
     const int error = errno;
     // Saving does not tell whether it went well, but puts a whole new file in the place of the old one or
     // nothing.
     if (!claim.isChanged()) throw fileFailure(options.container, error);
-    claim.release();
 }
 
 }  // namespace
 
 int Commands::packItems(const PackOptions& options) {
+    if (isStandardStream(options.container)) {
+        throw Failure("a container is not written to standard output; name a file", exitUsage);
+    }
     FileClaim claim(options.container);
-    requireWritable(options);
+    requireUsable(options.container, options.saving.force);
+    const std::string file = resolved(options.container);
+    requireFreeTemporary(file);
     if (!keepsParameter("Name", options.name)) {
         throw Failure(std::string("a container does not keep this name as it is: ") + parameterRules);
     }
-    const CookieSet identifiers = parseIdentifiers(options.identifiers);
-    save(options, identifiers, claim);
-    const auto output = standardOutput();
-    output->line(harmless(options.container) + ": " + std::to_string(identifiers.size()) +
-                 (identifiers.size() == 1 ? " item" : " items"));
-    output->finish();
+    const CookieSet identifiers = parseIdentifiers(options.identifiers, options.names);
+    const std::string content = counted(identifiers.size(), "item");
+    save(options.container, &claim, options.saving, content, {options.container + ": " + content},
+         [&] { write(file, options, identifiers, claim); });
     return exitDone;
 }

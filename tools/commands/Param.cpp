@@ -33,19 +33,19 @@ int show(const kesta& log, const std::string& key) {
     }
     std::vector<std::string> keys;
     for (const auto& param : log.params()) keys.emplace_back(param.name().view());
-    complain("no parameter " + suggestionFor(key, keys, "parameters"));
+    complain("no parameter " + suggestionFor(key, keys, "parameters", "kesta param lists them"));
     return exitFindings;
 }
 
 int set(const ParamOptions& options) {
-    LogForEditing log(options.log, options.force);
+    LogForEditing log(options.log, options.saving.force);
     if (sameName(*options.key, "KESTA"))
         throw Failure("the parameter KESTA is the log's revision and stays as it is");
     if (!keepsParameter(*options.key, *options.value)) {
         throw Failure(std::string("a log does not keep this parameter as it is: ") + parameterRules);
     }
     log->add_param(libraryText(*options.key), libraryText(*options.value));
-    log.save();
+    log.save(options.saving);
     return exitDone;
 }
 

@@ -6,11 +6,11 @@
 #include "tools/RowRanges.h"
 
 int Commands::setValue(const SetOptions& options) {
-    LogForEditing log(options.log, options.force);
+    LogForEditing log(options.log, options.saving.force);
     const unsigned column = columnNamed(*log, options.column);
     const unsigned row = parseRow(options.row, log->get_num_records());
     requireKeptValue(*log, column, options.value);
     log->setField(row, column, libraryText(options.value));
-    log.save();
+    log.save(options.saving);
     return exitDone;
 }

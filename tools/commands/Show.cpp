@@ -1,19 +1,26 @@
-// kesta show: the records of a log.
+// kesta show: the records of logs.
 #include "tools/Commands.h"
+#include "tools/EveryLog.h"
 #include "tools/Failure.h"
 #include "tools/LogFile.h"
 #include "tools/LogView.h"
 #include "tools/Messages.h"
 #include "tools/ShowView.h"
+#include "tools/StandardStreams.h"
 
 int Commands::showRecords(const ShowOptions& options) {
-    const LogForReading opened = openLog(options.log);
-    const Zr::Ptr<kesta>& log = opened.log;
-    const KSTView view = viewOf(*log);
-    if (!options.rows.empty()) keepRows(*view, parseRowRanges(options.rows, log->get_num_records()));
-    if (options.tagged) view->removeNonTagged();
-    showView(*log, view, options.table);
-    if (!options.tagged || view->get_num_records() > 0) return opened.exitCode;
-    complain("no record is tagged");
-    return exitFindings;
+    ShownViews shown(options.table, options.logs.size());
+    const int exitCode = forEveryLog(options.logs, [&](const std::string& path) -> int {
+        const LogForReading opened = openLog(path);
+        kesta& log = *opened.log;
+        const KSTView view = viewOf(log);
+        if (options.rows) keepRows(*view, parseRowRanges(*options.rows, log.get_num_records()));
+        if (options.tagged) view->removeNonTagged();
+        shown.add(path, log, view);
+        if (!options.tagged || view->get_num_records() > 0) return opened.exitCode;
+        complain((options.logs.size() > 1 ? shownName(path) + ": " : "") + "no record is tagged");
+        return exitFindings;
+    });
+    shown.finish();
+    return exitCode;
 }

@@ -3,12 +3,16 @@
 #include "tools/Commands.h"
 #include "tools/Failure.h"
 #include "tools/LogFile.h"
+#include "tools/Progress.h"
 
 int Commands::sortRecords(const SortOptions& options) {
-    LogForEditing log(options.log, options.force);
+    LogForEditing log(options.log, options.saving.force);
     std::vector<int> fields = parseSortColumns(*log, options.columns);
     log->set_sortfields(fields.data());
-    log->sort(options.descending ? -1 : 1, options.ignoreCase ? 1 : 0);
-    log.save();
+    {
+        const Progress progress("sorting", options.log);
+        log->sort(options.descending ? -1 : 1, options.ignoreCase ? 1 : 0);
+    }
+    log.save(options.saving);
     return exitDone;
 }

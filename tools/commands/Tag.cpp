@@ -29,7 +29,9 @@ int list(const TagOptions& options) {
     const KSTView view = viewOf(*log);
     view->removeNonTagged();
     const bool found = view->get_num_records() > 0;
-    showView(*log, view, options.table);
+    ShownViews shown(options.table, 1);
+    shown.add(options.log, *log, view);
+    shown.finish();
     if (!found) complain("no record is tagged");
     return found ? opened.exitCode : exitFindings;
 }
@@ -83,7 +85,7 @@ void storeTags(const KSTView& view, unsigned column) {
 }
 
 int change(const TagOptions& options) {
-    LogForEditing log(options.log, options.force);
+    LogForEditing log(options.log, options.saving.force);
     const unsigned columns = log->get_num_fields();
     const unsigned tagColumn = log->addField(DBFieldDesc("Tag", DBFieldTypes::eNumeric));
     if (tagColumn >= log->get_num_fields()) {
@@ -93,13 +95,11 @@ int change(const TagOptions& options) {
     const KSTView view = viewOf(*log);
     changeTags(*log, view, options);
     storeTags(view, tagColumn);
-    log.save();
-
-    const auto output = standardOutput();
-    if (log->get_num_fields() > columns) output->line("column \"Tag\" added");
-    output->line(std::to_string(view->countTags()) + " of " + std::to_string(view->get_num_records()) +
-                 " records tagged");
-    output->finish();
+    std::vector<std::string> summary;
+    if (log->get_num_fields() > columns) summary.emplace_back("column \"Tag\" added");
+    summary.push_back(std::to_string(view->countTags()) + " of " + std::to_string(view->get_num_records()) +
+                      " records tagged");
+    log.save(options.saving, summary);
     return exitDone;
 }
 

@@ -79,17 +79,17 @@ void readArguments(const CLI::App& app, std::vector<ArgumentModel>* places,
 }  // namespace
 
 ProgramModel readCommandLine() {
+    const CommandLine commandLine;
+    const CLI::App& app = commandLine.app();
     ProgramModel program;
-    withCommandLine([&program](const CLI::App& app) {
-        readArguments(app, nullptr, program.options);
-        for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {
-            CommandModel model;
-            model.name = command->get_name();
-            model.what = command->get_description();
-            model.notes = command->get_footer();
-            readArguments(*command, &model.places, model.options);
-            program.commands.push_back(model);
-        }
-    });
+    readArguments(app, nullptr, program.options);
+    for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {
+        CommandModel model;
+        model.name = command->get_name();
+        model.what = command->get_description();
+        model.notes = command->get_footer();
+        readArguments(*command, &model.places, model.options);
+        program.commands.push_back(model);
+    }
     return program;
 }
