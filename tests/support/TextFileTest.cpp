@@ -199,6 +199,47 @@ TEST_F(TextFiles, FailureLeavesEverythingAsItWas) {
     EXPECT_TRUE(file.save(wide(folder / "out"), TextFile::eLF));
 }
 
+TEST_F(TextFiles, ASaveThatIsBegunTakesLinesAsTheyComeAndReplacesTheFileAtItsEnd) {
+    const auto fill = [](TextFile& file, const std::string& line) {
+        for (int i = 0; i < 300; ++i) file.appendLine(text(line));
+        file.appendLine(text(std::string(200000, 'l')));  // longer than a block
+        file.appendLine(text(line));
+    };
+    const fs::path out = folder.with("out", "old\n");
+    for (const auto style : {TextFile::eLF, TextFile::eCRLF}) {
+        TextFile whole;
+        TextFile begun;
+        whole.appendLine("header");
+        begun.appendLine("header");
+        begun.beginSave(wide(out), style);
+        const std::string before = readFile(out);
+        fill(whole, std::string(1000, 'x'));
+        fill(begun, std::string(1000, 'x'));
+        EXPECT_EQ(begun.size(), whole.size());
+        EXPECT_TRUE(begun[0].empty()) << "what has been written is forgotten";
+        EXPECT_EQ(begun[begun.size() - 1], whole[whole.size() - 1]);
+        EXPECT_EQ(readFile(out), before);
+        EXPECT_FALSE(begun.save(wide(folder / "other"), style)) << "begun under another name";
+        EXPECT_TRUE(begun.save(wide(out), style));
+        const std::string written = readFile(out);
+        EXPECT_TRUE(written == saved(whole, style));
+        EXPECT_FALSE(begun.save(wide(out), style)) << "once";
+    }
+    {
+        TextFile abandoned;
+        abandoned.beginSave(wide(out), TextFile::eLF);
+        fill(abandoned, "y");
+        TextFile nowhere;
+        nowhere.beginSave(wide(folder / "missing" / "file"), TextFile::eLF);
+        fill(nowhere, "y");
+        errno = 0;
+        EXPECT_FALSE(nowhere.save(wide(folder / "missing" / "file"), TextFile::eLF));
+        EXPECT_EQ(errno, ENOENT);
+    }
+    EXPECT_EQ(readFile(out).substr(0, 7), "header\r");
+    EXPECT_EQ(folder.names(), (Strings{"out"}));
+}
+
 TEST_F(TextFiles, APipeIsWrittenToAndNotReplaced) {
     const fs::path pipe = folder / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
