@@ -105,6 +105,7 @@ void addPresentation(CLI::App& app, Presentation& presentation) {
                  "say nothing of what was done; results, warnings and errors stay")
         ->group("Common options");
     app.add_option("--color", presentation.colour, "colours: auto for terminals only, always or never")
+        ->type_name("WHEN")
         ->check(CLI::IsMember({"auto", "always", "never"}))
         ->capture_default_str()
         ->group("Common options");
@@ -382,8 +383,7 @@ void CommandLine::addTimelineCommand() {
         Commands::timeline, [](CLI::App& app, TimelineOptions& options) {
             addSource(app, options.log);
             CLI::Option* const output =
-                app.add_option("-o,--output", options.output, "the picture to write, - for standard output")
-                    ->type_name("FILE");
+                addOutput(app, options.output, "the picture to write, - for standard output");
             CLI::Option* const text =
                 app.add_flag("--text", options.text, "show it as text instead")->excludes(output);
             app.add_option("--width", options.width, "the characters of a line, instead of the terminal's")
@@ -401,7 +401,8 @@ void CommandLine::addTimelineCommand() {
             app.add_option("--fps", options.rate, "the frames a second, as in 25 or 29.97");
             app.add_flag("--common", options.common, "one axis for all lanes");
             app.add_flag("--all-warnings", options.allWarnings, "list every record that cannot be shown");
-            app.add_flag("--force", options.force, replacing);
+            addSaving(app, options.saving, replacing);
+            requireOutputForSaving(app);
         });
 }
 

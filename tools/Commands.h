@@ -151,7 +151,7 @@ struct TimelineOptions {
     std::optional<std::string> rate;  ///< as FrameRate reads it
     bool common = false;              ///< one axis for all lanes
     bool allWarnings = false;
-    bool force = false;  ///< replace an existing file
+    Saving saving;
 };
 
 namespace Commands {

@@ -7,29 +7,22 @@
 #include "support/StringFunctions.h"
 #include "support/time_def.h"
 #include "tools/Commands.h"
+#include "tools/DisplayText.h"
 #include "tools/Failure.h"
-#include "tools/Files.h"
 #include "tools/LogFile.h"
 #include "tools/LogForm.h"
 #include "tools/Messages.h"
-#include "tools/Output.h"
+#include "tools/OutputFile.h"
+#include "tools/StandardStreams.h"
 #include "tools/TablePrinter.h"
 #include "tools/TimelineSvg.h"
 #include "tools/TimelineText.h"
 
 namespace {
 
-constexpr const char* standardOutputName = "-";
-
 void requireOneForm(const TimelineOptions& options) {
     if (options.text || !options.output.empty()) return;
     throw Failure("timeline needs -o FILE or --text", exitUsage);
-}
-
-void requireOutputMayBeMade(const TimelineOptions& options) {
-    if (options.text || options.output == standardOutputName) return;
-    requireOutputApart(options.log, options.output);
-    requireReplaceable(options.output, options.force);
 }
 
 // --- The frame rate ---
@@ -114,22 +107,11 @@ void warnOfProblems(const std::string& path, const Timeline& timeline, bool all)
     warnings.summarise("--all-warnings lists them all");
 }
 
-void write(const Timeline& timeline, const TimelineCaption& caption, const TimelineOptions& options) {
-    const bool toStandardOutput = options.text || options.output == standardOutputName;
-    const auto output = toStandardOutput ? standardOutput() : fileOutput(options.output, LineEnd::lf);
-    if (options.text) {
-        writeTimelineText(timeline, caption, {textWidth(options), !isUnicodeLocale()}, *output);
-    } else {
-        writeTimelineSvg(timeline, caption, *output);
-    }
-    output->finish();
-}
-
 }  // namespace
 
 int Commands::timeline(const TimelineOptions& options) {
     requireOneForm(options);
-    requireOutputMayBeMade(options);
+    OutputFile output(options.log, options.output, options.saving);
     const LogForReading opened = openLog(options.log);
     kesta& log = *opened.log;
     const TimelineColumns columns{columnNamed(log, options.lanes), columnNamed(log, options.start),
@@ -142,8 +124,14 @@ int Commands::timeline(const TimelineOptions& options) {
         throw Failure(options.log + (timeline.problems.empty() ? ": there are no records to show"
                                                                : ": no record has time codes to show it by"));
     }
-    const TimelineCaption caption{std::filesystem::path(options.log).filename().string(),
+    const TimelineCaption caption{std::filesystem::path(shownName(options.log)).filename().string(),
                                   log.get_fieldname(columns.lane), known.rate, known.origin, days};
-    write(timeline, caption, options);
+    output.write(LineEnd::lf, counted(timeline.records, "record"), [&](LineSink& out) {
+        if (options.text) {
+            writeTimelineText(timeline, caption, {textWidth(options), !isUnicodeLocale()}, out);
+        } else {
+            writeTimelineSvg(timeline, caption, out);
+        }
+    });
     return timeline.problems.empty() ? opened.exitCode : exitFindings;
 }

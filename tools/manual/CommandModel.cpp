@@ -34,14 +34,15 @@ ValueKind kindOf(const std::string& value, bool isPlace) {
     return isPlace || isOneOf(value, {"LOG", "FILE", "CONTAINER"}) ? ValueKind::file : ValueKind::text;
 }
 
-/// The type's name is "TEXT", a name of our own, or "TEXT:{table,csv,json}".
+/// The type's name is "TEXT" or a name of our own, alone or with choices behind it: "TEXT:{table,csv,json}".
 void readValue(const CLI::Option& option, ArgumentModel& argument) {
     const std::string type = option.get_type_name();
     const std::size_t brace = type.find(":{");
     if (brace != std::string::npos) {
         argument.kind = ValueKind::choice;
         argument.choices = split(type.substr(brace + 2, type.find('}') - brace - 2), ',');
-        argument.value = "FORM";
+        const std::string name = type.substr(0, brace);
+        argument.value = name == "TEXT" ? "FORM" : name;
     } else {
         argument.value = option.get_positional() ? option.get_name(true) : type;
         argument.kind = kindOf(argument.value, option.get_positional());
@@ -56,6 +57,7 @@ ArgumentModel readArgument(const CLI::Option& option) {
     if (!option.get_positional()) argument.names = namesOf(option);
     if (option.get_expected_min() > 0) readValue(option, argument);
     argument.required = option.get_required();
+    argument.common = option.get_group() == "Common options";
     argument.takesMore = option.get_expected_max() > 1;
     argument.repeatable =
         argument.takesMore || option.get_multi_option_policy() == CLI::MultiOptionPolicy::TakeAll;

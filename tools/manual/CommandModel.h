@@ -21,6 +21,7 @@ struct ArgumentModel {
     bool required = false;
     bool takesMore = false;             ///< takes the words that follow, up to the next option
     bool repeatable = false;            ///< may be given again
+    bool common = false;                ///< every command takes it
     std::vector<std::string> excludes;  ///< names of options that cannot be given with it
 };
 

@@ -104,7 +104,7 @@ void writeCommand(std::ostream& page, const CommandModel& command) {
     page << "[" << italic("option") << " ...]\n.PP\n" << sentence(command.what);
     for (const ArgumentModel& place : command.places) writeEntry(page, valueOf(place), place);
     for (const ArgumentModel& option : command.options) {
-        if (!isHelp(option)) writeOption(page, option);
+        if (!isHelp(option) && !option.common) writeOption(page, option);
     }
     writeNotes(page, command.notes);
 }
@@ -114,5 +114,13 @@ void writeCommand(std::ostream& page, const CommandModel& command) {
 std::string manualCommands(const ProgramModel& program) {
     std::ostringstream page;
     for (const CommandModel& command : program.commands) writeCommand(page, command);
+    return page.str();
+}
+
+std::string manualCommonOptions(const ProgramModel& program) {
+    std::ostringstream page;
+    for (const ArgumentModel& option : program.commands.front().options) {
+        if (option.common) writeOption(page, option);
+    }
     return page.str();
 }

@@ -11,6 +11,9 @@
 /// A subsection for each command, in the macros of man(7).
 std::string manualCommands(const ProgramModel& program);
 
+/// The options that every command takes.
+std::string manualCommonOptions(const ProgramModel& program);
+
 /// A branch of a case statement for each command, that sets its options, the kinds of their values and the
 /// kinds of its places.
 std::string bashCommands(const ProgramModel& program);

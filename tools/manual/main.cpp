@@ -16,10 +16,15 @@ namespace {
 using Sections = std::map<std::string, std::string>;
 
 Sections sectionsOf(const ProgramModel& program) {
-    return {{"VERSION", kestaDllVersionStr()},        {"MANUAL_COMMANDS", manualCommands(program)},
-            {"BASH_COMMANDS", bashCommands(program)}, {"BASH_NAMES", bashNames(program)},
-            {"ZSH_COMMANDS", zshCommands(program)},   {"ZSH_NAMES", zshNames(program)},
-            {"ZSH_OPTIONS", zshOptions(program)},     {"FISH_COMMANDS", fishCommands(program)},
+    return {{"VERSION", kestaDllVersionStr()},
+            {"MANUAL_COMMANDS", manualCommands(program)},
+            {"MANUAL_COMMON_OPTIONS", manualCommonOptions(program)},
+            {"BASH_COMMANDS", bashCommands(program)},
+            {"BASH_NAMES", bashNames(program)},
+            {"ZSH_COMMANDS", zshCommands(program)},
+            {"ZSH_NAMES", zshNames(program)},
+            {"ZSH_OPTIONS", zshOptions(program)},
+            {"FISH_COMMANDS", fishCommands(program)},
             {"FISH_VALUES", fishValues(program)}};
 }
 
