@@ -10,7 +10,7 @@ int main() {
     int fields[] = {static_cast<int>(log->get_fieldnum("Reel")),
                     static_cast<int>(log->get_fieldnum("Start time")), -1};
     view->set_sortfields(fields);  // the sort fields are the log's, also through a view
-    view->sort(-1, 0);             // descending; case decides ties
+    view->sort(-1, 0);             // descending; case never counts here
     if (view->getField(0, 0) != "14-2" || log->getField(0, 0) != "12-1") return 1;
 
     log->sort(-1, 0);  // now the log's own rows: views are not told, and show other records than before

@@ -99,7 +99,7 @@ check_links() {
     local document=$1 target
     while IFS= read -r target; do
         [[ $target == *://* || -e $(dirname "$document")/$target ]] || fail "$document: no such file: $target"
-    done < <(grep -o '](\([^)#]*\)' "$document" | sed 's/^](//' | grep . || true)
+    done < <(awk '/^```/ {code = !code} !code' "$document" | grep -o '](\([^)#]*\)' | sed 's/^](//' | grep . || true)
 }
 
 for document in *.md docs/*.md; do
