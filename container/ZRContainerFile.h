@@ -38,9 +38,11 @@ class KESTA_API ZRContainerFile::Reader {
     /// no record and the null identifier.
     class KESTA_API Item {
      public:
-        Item() noexcept = default;
+        Item() noexcept = default;  ///< an invalid item
+        /// Made by the Reader, whose database owns the record.
         Item(const dbrecord* record, const Cookie& cookie) noexcept : m_record(record), m_cookie(cookie) {}
 
+        /// The item's identifier.
         Cookie getCookie() const noexcept { return m_cookie; }
 
         /// The text of a field, empty when there is no such field.
@@ -61,6 +63,7 @@ class KESTA_API ZRContainerFile::Reader {
     /// Opens the file. With `headerOnly` its items stay unread: attributes are there, items are not.
     Reader(LightweightString<wchar_t> fileName, bool headerOnly);
 
+    /// Shares what was read.
     Reader(const Reader&) noexcept;
     Reader& operator=(const Reader&) noexcept;
     ~Reader();
@@ -95,6 +98,7 @@ class KESTA_API ZRContainerFile::Reader {
     int getAttrib(LightweightString<char> key, int dflt) const;
     double getAttrib(LightweightString<char> key, double dflt) const;
 
+    /// The attribute "Name", also decoded from UTF-8.
     LightweightString<char> getName() const;
     LightweightString<wchar_t> getNameW() const;
 

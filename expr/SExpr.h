@@ -44,7 +44,10 @@ class KESTA_API SExpr : public SExprElt {
     /// the last.
     SExpr* reverse() noexcept;
 
+    /// What the cell holds; null when it holds nothing. The cell owns it.
     SExprElt* element() const noexcept { return m_element; }
+
+    /// The next cell, which this one owns; null for the last.
     SExpr* next() const noexcept { return m_next; }
 
  private:
@@ -52,6 +55,7 @@ class KESTA_API SExpr : public SExprElt {
     SExpr* m_next;
 };
 
+/// An operator, of which there is only one kind.
 class KESTA_API SExprOperator : public SExprElt {
  public:
     SExprOperator();
@@ -75,6 +79,7 @@ class KESTA_API SExprRef : public SExprElt {
     /// The field's name in the source; "voidref" when unbound.
     void asString(GrowString& out) override;
 
+    /// The field's number in the source.
     unsigned field() const noexcept { return m_field; }
 
     /// Null when unbound.

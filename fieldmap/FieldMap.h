@@ -33,6 +33,7 @@ class KESTA_API FieldMap {
     /// The same for a new view on the database. The database is not held: when it goes, the source is empty.
     explicit FieldMap(kesta& db);
 
+    /// The same columns and source.
     FieldMap(const FieldMap& other);
 
     /// Takes the source, then the columns.
@@ -49,6 +50,7 @@ class KESTA_API FieldMap {
     int getFieldIdx(const LightweightString<char>& name) const noexcept;
     bool containsField(const LightweightString<char>& name) const noexcept;
 
+    /// Whether a column is there and visible; how many are.
     bool isVisible(int i) const noexcept;
     bool isVisible(const LightweightString<char>& name) const noexcept;
     int numVisible() const noexcept;
@@ -57,11 +59,13 @@ class KESTA_API FieldMap {
     /// many, when the source has no such column, or without a source.
     int getVisibleFieldIndex(int n) const;
 
+    /// The name of the column at a place.
     LightweightString<char> getName(int i) const noexcept;
     LightweightString<char> operator[](int i) const noexcept { return getName(i); }
 
     // --- Changes ---
 
+    /// Show and hide a column.
     void setVisible(int i, bool on);
     void invertVisible(int i);
 

@@ -9,6 +9,7 @@
 /// the list: a parameter changed through one is seen by the other.
 class KESTA_API KSTBase : public iKST {
  public:
+    /// The pairs, and how their list is held.
     using Params = ParamList::Pairs;
     using ParamsPtr = Zr::Ptr<ParamList, Zr::DtorTraits, Zr::ExternalRefCountTraits>;
 
@@ -39,11 +40,11 @@ class KESTA_API KSTBase : public iKST {
  protected:
     KSTBase();
 
-    // The one way in which both databases and views write their parameters, one line each: "key:value" in
-    // quotes.
+    /// The one way in which both databases and views write their parameters, one line each: "key:value" in
+    /// quotes.
     void writeParams(class TextFile& file) const;
 
-    ParamsPtr m_params;  // never null
+    ParamsPtr m_params;  ///< never null
 
  private:
     LifeToken m_life;

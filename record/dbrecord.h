@@ -36,12 +36,13 @@ class KESTA_API dbrecord : public iObject {
     /// leading white space goes, and the record is marked changed once for each field. The container stays.
     dbrecord& operator=(const dbrecord& other);
 
-    // The database that contains this record; not owned, null for a free-standing record.
+    /// The database that contains this record; not owned, null for a free-standing record.
     void set_container(kesta* container) noexcept;
     kesta* get_container() const noexcept;
 
     // --- Reading fields ---
 
+    /// The number of fields, modulo 65536.
     unsigned short get_num_fields() const noexcept { return static_cast<unsigned short>(m_fields.size()); }
 
     /// All fields, those past the 65535th among them.
@@ -107,9 +108,11 @@ class KESTA_API dbrecord : public iObject {
 
     // --- Marks ---
 
+    /// The tag, 0 to 255; 0 for a new record.
     unsigned char get_tag() const noexcept { return m_tag; }
     void set_tag(unsigned char tag) noexcept { m_tag = tag; }
 
+    /// Whether a field has been stored into since the last clear_changed or write.
     bool get_changed() const noexcept { return m_changed != 0; }
     void clear_changed() noexcept { m_changed = 0; }
 

@@ -33,11 +33,15 @@ KESTA_API const char* kestaDllVersionStr();
 
 class KESTA_API kesta : public KSTBase, public Notifier {
  public:
+    /// The order of column names.
     struct IgnoringCase {
+        /// Whether `a` comes before `b`.
         bool operator()(const LightweightString<char>& a, const LightweightString<char>& b) const noexcept {
             return a.icompare(b.c_str()) < 0;
         }
     };
+
+    /// Columns by name, of several of one name the first.
     using FieldNameIndex = std::map<LightweightString<char>, unsigned short, IgnoringCase>;
 
     // --- Construction and life cycle (kesta.cpp) ---
@@ -122,6 +126,7 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     /// column names this one deliberately minds case.
     bool isSpecialLabelField(unsigned long field) const;
 
+    /// The text without any `c`; null is the empty text.
     static LightweightString<char> strip_char_from_string(char c, const char* s);
 
     // --- Parameters (kesta.cpp) ---
@@ -165,6 +170,8 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     /// The same with the names line for the whole header.
     int save_text_without_header();
 
+    /// Append to the file what comes before the records: parameters; then marker, widths, types and names, or
+    /// with `namesOnly` only the names.
     void save_params(TextFile& file) const;
     void save_column_header(TextFile& file, bool namesOnly) const;
 
@@ -194,6 +201,8 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     /// `count` is clamped to the list.
     void delete_records(unsigned first, unsigned count) override;
 
+    /// Store a value in a field; see dbrecord::setField, and dbrecord::set_field for the others. False for a
+    /// bad row or field.
     bool setField(unsigned row, unsigned field, const LightweightString<char>& value);
     int set_field(unsigned row, unsigned field, const char* value) override;
     bool set_field(unsigned row, unsigned field, int value) override;
@@ -211,6 +220,7 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     /// not 0. The column "cookie" is looked up by identifier first. Case matters.
     int findFirst(const char* field, const char* value, int length) override;
 
+    /// Clears the changed mark of the database, and those of its records.
     void clear_changed();
 
     /// A database is its own base.
@@ -292,6 +302,8 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     /// fields.
     void set_query(dbrecord* query) override;
 
+    /// Whether the record's field satisfies the query's condition for that column; the second one for a start
+    /// or end code, whose range counts.
     bool match_field(const dbrecord* record, int index) const;
     bool found_in_special_label_field(const dbrecord* record, int index) const;
 

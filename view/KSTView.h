@@ -10,7 +10,9 @@
 class KESTA_API KSTView {
  public:
     KSTView() noexcept = default;
-    explicit KSTView(KSTViewRep* view) noexcept;
+    explicit KSTView(KSTViewRep* view) noexcept;  ///< on a view; null makes an empty handle
+
+    /// On the same view.
     KSTView(const KSTView& other) noexcept;
     KSTView& operator=(const KSTView& other) noexcept;
     ~KSTView();

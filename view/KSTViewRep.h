@@ -48,6 +48,7 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     // A new view shows no rows. Its field specification is every field of the database; the given text; or
     // the given names, a list that ends with null. With a null text or list the view names every field.
 
+    /// On a database, which may be null.
     explicit KSTViewRep(kesta* database);
     KSTViewRep(kesta* database, const char* fieldSpecification);
     KSTViewRep(kesta* database, const char** fieldNames);
@@ -177,6 +178,7 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
 
     bool tag(int row);        ///< false out of range
     bool notTagged(int row);  ///< true out of range
+    /// Reach all rows.
     void tagAll(bool on);
     void invertAllTags();
     int countTags() const;
@@ -246,6 +248,7 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     int saveOnlyTagged(LightweightString<wchar_t> name) const;
     int saveOnlyTagged(const char* name) const;
 
+    /// Sets the file that save_text writes.
     void fileName(LightweightString<wchar_t> name) { m_fileName = std::move(name); }
 
     // --- iKST (forwarding.cpp) ---
