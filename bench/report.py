@@ -152,6 +152,7 @@ def plot(results, file):
         for colour, (variant, points) in zip(colours, variants.items()):
             axis.loglog(*zip(*points), marker="o", markersize=3, linewidth=1.2, color=colour, label=variant)
         axis.set(title=operation, xlabel="records", ylabel="CPU time, ms")
+        axis.minorticks_off()
         axis.grid(color=grey, alpha=0.25, linewidth=0.5)
         axis.legend(frameon=False, fontsize=7)
     figure.tight_layout()
