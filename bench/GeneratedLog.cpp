@@ -118,36 +118,35 @@ const GeneratedLog::Row& GeneratedLog::next() {
     return m_row;
 }
 
-Zr::Ptr<kesta> GeneratedLog::database(unsigned rows) {
+bool GeneratedLog::write(const std::string& fileName, unsigned rows) {
     GeneratedLog log;
-    Zr::Ptr<kesta> result(new kesta(columns()));
+    return writeRows(fileName, rows, [&log]() -> const Row& { return log.next(); });
+}
+
+bool GeneratedLog::writeRepeating(const std::string& fileName, unsigned rows) {
+    GeneratedLog log;
+    std::vector<Row> texts;
+    for (unsigned i = 0; i < 20; ++i) texts.push_back(log.next());
+    Row row;
+    return writeRows(fileName, rows, [&]() -> const Row& {
+        for (unsigned i = 0; i < eColumnCount; ++i) row[i] = texts[log.random(20)][i];
+        return row;
+    });
+}
+
+template <class Next>
+bool GeneratedLog::writeRows(const std::string& fileName, unsigned rows, const Next& next) {
+    const Zr::Ptr<kesta> log(new kesta(columns()));
     std::array<LightweightString<char>, eColumnCount> recent;
-    result->add_records(static_cast<int>(rows));
+    log->add_param("Title", "Generated");
+    log->add_records(static_cast<int>(rows));
     for (unsigned row = 0; row < rows; ++row) {
-        const Row& texts = log.next();
+        const Row& texts = next();
         for (unsigned i = 0; i < eColumnCount; ++i) {
             if (recent[i].view() != texts[i]) recent[i] = LightweightString<char>(std::string_view(texts[i]));
-            result->setField(row, i, recent[i]);
+            log->setField(row, i, recent[i]);
         }
     }
-    result->clear_changed();
-    return result;
-}
-
-GeneratedLog::Table GeneratedLog::table(unsigned rows) {
-    GeneratedLog log;
-    Table result;
-    result.reserve(rows);
-    for (unsigned row = 0; row < rows; ++row) {
-        const Row& texts = log.next();
-        result.emplace_back(texts.begin(), texts.end());
-    }
-    return result;
-}
-
-bool GeneratedLog::write(const std::string& fileName, unsigned rows) {
-    const Zr::Ptr<kesta> log = database(rows);
-    log->add_param("Title", "Generated");
     log->set_filename(fromUTF8(fileName.c_str()));
     return log->save_text() == static_cast<int>(rows);
 }

@@ -42,7 +42,6 @@ class GeneratedLog {
         eColumnCount
     };
     using Row = std::array<std::string, eColumnCount>;
-    using Table = std::vector<std::vector<std::string>>;
 
     explicit GeneratedLog(std::uint64_t seed = 1) : m_random(seed) {}
 
@@ -51,15 +50,17 @@ class GeneratedLog {
     /// The texts of the next record; valid until the next call.
     const Row& next();
 
-    /// The first records of the log: as a database that shares equal texts of neighbouring rows, as one does
-    /// that comes from a file; as plain strings; and as a log file.
-    static Zr::Ptr<kesta> database(unsigned rows);
-    static Table table(unsigned rows);
+    /// Writes the first records of the log as a log file; and records whose every text is that of one of the
+    /// log's first twenty, drawn at random. Both answer whether the file could be written.
     static bool write(const std::string& fileName, unsigned rows);
+    static bool writeRepeating(const std::string& fileName, unsigned rows);
 
  private:
     std::uint64_t random();
     unsigned random(unsigned limit) { return static_cast<unsigned>(random() % limit); }
+    template <class Next>
+    static bool writeRows(const std::string& fileName, unsigned rows, const Next& next);
+
     void nextReel();
     void nextScene();
 

@@ -1,7 +1,7 @@
 // Tagging the records that match a query, beside strcasestr over the same column as plain strings.
-#include <benchmark/benchmark.h>
 #include <cstring>
 
+#include "bench/Benchmarks.h"
 #include "bench/GeneratedLog.h"
 
 namespace {
@@ -12,14 +12,14 @@ void setQuery(kesta& database, unsigned column, const char* text) {
     database.set_query(query.get());
 }
 
-void matchLog(benchmark::State& state, unsigned column, const char* text) {
-    const Zr::Ptr<kesta> database = GeneratedLog::database(static_cast<unsigned>(state.range(0)));
+void matchKesta(benchmark::State& state, unsigned column, const char* text) {
+    const Zr::Ptr<kesta> database = LogFiles::database(Benchmarks::rows(state));
     setQuery(*database, column, text);
     for (auto _ : state) benchmark::DoNotOptimize(database->tag_matching_records(0));
 }
 
-void matchStrings(benchmark::State& state, unsigned column, const char* text) {
-    const GeneratedLog::Table table = GeneratedLog::table(static_cast<unsigned>(state.range(0)));
+void matchStrcasestr(benchmark::State& state, unsigned column, const char* text) {
+    const PlainLog::Table table = LogFiles::table(Benchmarks::rows(state));
     std::vector<bool> tags(table.size());
     for (auto _ : state) {
         for (std::size_t row = 0; row < table.size(); ++row) {
@@ -29,13 +29,15 @@ void matchStrings(benchmark::State& state, unsigned column, const char* text) {
     }
 }
 
-void rows(benchmark::internal::Benchmark* bench) {
-    bench->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+void addMatch(const std::string& operation, unsigned column, const char* text) {
+    Benchmarks::add(operation + "/kesta", [=](benchmark::State& state) { matchKesta(state, column, text); });
+    Benchmarks::add(operation + "/strcasestr",
+                    [=](benchmark::State& state) { matchStrcasestr(state, column, text); });
 }
 
-BENCHMARK_CAPTURE(matchLog, name, GeneratedLog::eName, "shot 12A")->Apply(rows);
-BENCHMARK_CAPTURE(matchStrings, name, GeneratedLog::eName, "shot 12A")->Apply(rows);
-BENCHMARK_CAPTURE(matchLog, description, GeneratedLog::eDescription, "street, night")->Apply(rows);
-BENCHMARK_CAPTURE(matchStrings, description, GeneratedLog::eDescription, "street, night")->Apply(rows);
-
 }  // namespace
+
+void Benchmarks::addMatches() {
+    addMatch("match-name", GeneratedLog::eName, "shot 12A");
+    addMatch("match-description", GeneratedLog::eDescription, "street, night");
+}

@@ -7,7 +7,8 @@
 
 namespace PlainLog {
 
-using Table = std::vector<std::vector<std::string>>;
+using Row = std::vector<std::string>;
+using Table = std::vector<Row>;
 
 /// The fields of every line, quotes undone.
 inline Table load(const std::string& fileName) {
@@ -15,7 +16,7 @@ inline Table load(const std::string& fileName) {
     Table table;
     std::string line;
     while (std::getline(file, line)) {
-        std::vector<std::string> fields(1);
+        Row fields(1);
         bool quoted = false;
         for (std::size_t i = 0; i < line.size(); ++i) {
             if (line[i] == '"') {
@@ -36,7 +37,7 @@ inline Table load(const std::string& fileName) {
 /// Every line, fields in quotes, quotes doubled.
 inline void save(const Table& table, const std::string& fileName) {
     std::ofstream file(fileName);
-    for (const std::vector<std::string>& fields : table) {
+    for (const Row& fields : table) {
         for (std::size_t i = 0; i < fields.size(); ++i) {
             if (i != 0) file << ',';
             file << '"';

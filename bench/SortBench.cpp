@@ -1,17 +1,15 @@
 // Sorting a log, beside std::sort over plain strings with the same order. Both begin with the rows as the log
 // has them.
 #include <algorithm>
-#include <benchmark/benchmark.h>
 #include <cctype>
 #include <strings.h>
 
+#include "bench/Benchmarks.h"
 #include "bench/GeneratedLog.h"
 #include "support/Ascii.h"
 #include "support/StringFunctions.h"
 
 namespace {
-
-using Strings = std::vector<std::string>;
 
 const char* skipSpace(const std::string& text) {
     const char* begin = text.c_str();
@@ -30,11 +28,11 @@ int compareKey(const std::string& a, const std::string& b, bool timecode) {
     return strcasecmp(frames(textA), frames(textB));
 }
 
-void sortTable(GeneratedLog::Table& table, const std::vector<int>& keys) {
-    const auto blank = [](const Strings& row) {
+void sortTable(PlainLog::Table& table, const std::vector<int>& keys) {
+    const auto blank = [](const PlainLog::Row& row) {
         return std::all_of(row.begin(), row.end(), [](const std::string& text) { return text.empty(); });
     };
-    std::sort(table.begin(), table.end(), [&](const Strings& a, const Strings& b) {
+    std::sort(table.begin(), table.end(), [&](const PlainLog::Row& a, const PlainLog::Row& b) {
         const bool blankA = blank(a);
         const bool blankB = blank(b);
         if (blankA || blankB) return blankA < blankB;
@@ -54,45 +52,21 @@ void sortDatabase(kesta& database, std::vector<int> keys) {
     database.sort(1, 0);
 }
 
-void sortLog(benchmark::State& state, const std::vector<int>& keys) {
-    const Zr::Ptr<kesta> log = GeneratedLog::database(static_cast<unsigned>(state.range(0)));
-    for (auto _ : state) {
-        state.PauseTiming();
-        Zr::Ptr<kesta> copy(new kesta(*log, 1));
-        state.ResumeTiming();
-        sortDatabase(*copy, keys);
-        state.PauseTiming();
-        copy.reset();
-        state.ResumeTiming();
-    }
+void addSort(const std::string& operation, const std::vector<int>& keys) {
+    Benchmarks::add(operation + "/kesta", [keys](benchmark::State& state) {
+        Benchmarks::change(state, LogFiles::database(Benchmarks::rows(state)),
+                           [&keys](const Zr::Ptr<kesta>& log) { sortDatabase(*log, keys); });
+    });
+    Benchmarks::add(operation + "/plain", [keys](benchmark::State& state) {
+        Benchmarks::change(state, LogFiles::table(Benchmarks::rows(state)),
+                           [&keys](PlainLog::Table& log) { sortTable(log, keys); });
+    });
 }
-
-void sortStrings(benchmark::State& state, const std::vector<int>& keys) {
-    const GeneratedLog::Table log = GeneratedLog::table(static_cast<unsigned>(state.range(0)));
-    for (auto _ : state) {
-        state.PauseTiming();
-        GeneratedLog::Table copy = log;
-        state.ResumeTiming();
-        sortTable(copy, keys);
-        state.PauseTiming();
-        copy = {};
-        state.ResumeTiming();
-    }
-}
-
-const std::vector<int> name = {GeneratedLog::eName};
-const std::vector<int> timecode = {GeneratedLog::eStartTime};
-const std::vector<int> threeKeys = {GeneratedLog::eScene, GeneratedLog::eReel, GeneratedLog::eName};
-
-void rows(benchmark::internal::Benchmark* bench) {
-    bench->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
-}
-
-BENCHMARK_CAPTURE(sortLog, name, name)->Apply(rows);
-BENCHMARK_CAPTURE(sortStrings, name, name)->Apply(rows);
-BENCHMARK_CAPTURE(sortLog, sceneReelName, threeKeys)->Apply(rows);
-BENCHMARK_CAPTURE(sortStrings, sceneReelName, threeKeys)->Apply(rows);
-BENCHMARK_CAPTURE(sortLog, timecode, timecode)->Apply(rows);
-BENCHMARK_CAPTURE(sortStrings, timecode, timecode)->Apply(rows);
 
 }  // namespace
+
+void Benchmarks::addSorts() {
+    addSort("sort-name", {GeneratedLog::eName});
+    addSort("sort-three-columns", {GeneratedLog::eScene, GeneratedLog::eReel, GeneratedLog::eName});
+    addSort("sort-timecode", {GeneratedLog::eStartTime});
+}

@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
-# Installs what the build and the tests need on Debian 12; called with "ci", what the checks need too. Does nothing
-# when nothing is missing.
+# Installs what the build and the tests need on Debian 12; called with "ci", what the checks need too, with "bench", what
+# scripts/bench.sh needs. Does nothing when nothing is missing.
 set -euo pipefail
 
 packages=(g++ cmake ninja-build libgtest-dev libbenchmark-dev libcli11-dev)
 if [[ ${1:-} == ci ]]; then
     packages+=(clang clang-format clang-tidy gcovr libclang-rt-dev libc6-dbg pkg-config valgrind)
-    packages+=(bash-completion dpkg-dev file fish gdb lintian man-db mandoc zsh)
+    packages+=(bash-completion dpkg-dev file fish gdb lintian man-db mandoc python3 zsh)
+elif [[ ${1:-} == bench ]]; then
+    packages+=(python3 python3-matplotlib)
 fi
 
 if ! command -v apt-get >/dev/null; then
