@@ -151,6 +151,30 @@ class World {
         where.sort(number(), number());
     }
 
+    // What is sorted satisfies the comparators that callers have.
+    void sortDatabase(kesta& where) {
+        const int direction = number();
+        where.set_sortfield(number());
+        where.sort(direction, number());
+        if (where.get_show_tags_only() != 0) return;
+        for (unsigned row = 1; row < where.get_num_records(); ++row) {
+            Zr::Ptr<dbrecord> before = where.get_record(row - 1);
+            Zr::Ptr<dbrecord> after = where.get_record(row);
+            const auto compare = direction < 0 ? dbr_backcmp : dbr_cmp;
+            Fuzz::promise(before ? !after || compare(&before, &after) <= 0 : !after);
+        }
+    }
+
+    void tagMatching(iKST& where) {
+        const int matches = where.tag_matching_records(0);
+        Fuzz::promise(matches == 0 || matches == where.get_num_tags());
+    }
+
+    void tagDifferent(iKST& where) {
+        const int different = where.tag_all_different(number());
+        Fuzz::promise(different == where.get_num_tags());
+    }
+
     void query(kesta& where) {
         std::vector<TextSearch::Criteria> criteria(pick(8));
         for (TextSearch::Criteria& each : criteria) {
@@ -379,10 +403,12 @@ constexpr Operation operations[] = {
     [](World& w) { w.source().set_sortfield(w.number()); },
     [](World& w) { w.source().sort(w.number(), w.number()); },
     [](World& w) { w.sort(w.source()); },
+    [](World& w) { w.sortDatabase(w.database()); },
     [](World& w) { w.query(w.database()); },
     [](World& w) { w.queryRecord(w.source()); },
     [](World& w) { w.source().tag_matching_records(w.number()); },
-    [](World& w) { w.source().tag_all_different(w.number()); },
+    [](World& w) { w.tagMatching(w.source()); },
+    [](World& w) { w.tagDifferent(w.source()); },
     [](World& w) { w.source().match_record(w.number()); },
     [](World& w) { w.view().tagMatches(w.number()); },
     [](World& w) { w.source().findFirst(w.name().c_str(), w.text().c_str(), w.number()); },
