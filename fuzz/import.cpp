@@ -1,37 +1,49 @@
 // Any bytes as a file of another program, tab-separated or comma-separated, imported as the program does it:
-// the file is refused with a reason, or becomes a log that loads with all of the file's rows. The first byte
-// says which form it is.
+// the file is refused with a reason, or becomes a log that loads with all of the file's rows, and with all of
+// their values unless the program said otherwise. The first byte says which form it is.
 #include <limits>
 
 #include "fuzz/Fuzz.h"
 #include "record/kesta.h"
+#include "support/Ascii.h"
 #include "tools/Commands.h"
 #include "tools/Failure.h"
 #include "tools/TableSource.h"
 
 namespace {
 
-// As many as the table has; 0 when it is refused.
-unsigned rowsOf(const std::string& path) {
-    unsigned rows = 0;
-    unsigned lastLine = 0;
-    const auto count = [&](unsigned line, const std::vector<std::string>& values) {
+using Rows = std::vector<std::vector<std::string>>;
+
+Rows rowsOf(const TableSource& table) {
+    Rows rows;
+    Fuzz::promise(!table.columns().empty());
+    unsigned lastLine = table.columnLine();
+    table.forEachRow([&](unsigned line, const std::vector<std::string>& values) {
         Fuzz::promise(line > lastLine && !values.empty());
         lastLine = line;
-        ++rows;
-    };
-    const auto table = readTable(path);
-    Fuzz::promise(!table->columns().empty());
-    lastLine = table->columnLine();
-    table->forEachRow(count);
+        rows.push_back(values);
+    });
     return rows;
 }
 
-void checkLog(const std::string& path, unsigned rows) {
-    const kesta log(fromUTF8(path.c_str()), std::numeric_limits<int>::max(), true);
+void checkLog(const kesta& log, std::size_t rows) {
     Fuzz::promise(log.get_valid() && log.get_num_records() == rows);
     for (unsigned field = 0; field < log.get_num_fields(); ++field) {
         Fuzz::promise(log.get_fieldnum(log.get_fieldname(field)) == field);
+    }
+}
+
+// What was imported without a loss is there, but for white space around it.
+void checkNothingLost(const kesta& log, const TableSource& table, const Rows& rows) {
+    std::size_t i = 1;  // behind the revision
+    Fuzz::promise(log.params().size() == table.parameters().size() + 1);
+    for (const TableSource::Parameter& parameter : table.parameters()) {
+        Fuzz::promise(log.params()[i++].value().view() == parameter.value);
+    }
+    for (unsigned row = 0; row < rows.size(); ++row) {
+        for (unsigned field = 0; field < rows[row].size(); ++field) {
+            Fuzz::promise(log.getField(row, field).view() == Ascii::trimmed(rows[row][field]));
+        }
     }
 }
 
@@ -46,12 +58,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     options.force = true;
     Fuzz::writeFile(options.file, input.rest());
     std::filesystem::remove(options.log);
+    int exitCode = exitDone;
     try {
-        Commands::importFile(options);
+        exitCode = Commands::importFile(options);
     } catch (const Failure& failure) {
         Fuzz::promise(*failure.what() != '\0' && !std::filesystem::exists(options.log));
         return 0;
     }
-    checkLog(options.log, rowsOf(options.file));
+    const kesta log(fromUTF8(options.log.c_str()), std::numeric_limits<int>::max(), true);
+    const auto table = readTable(options.file);
+    const Rows rows = rowsOf(*table);
+    checkLog(log, rows.size());
+    if (exitCode == exitDone) checkNothingLost(log, *table, rows);
     return 0;
 }

@@ -1,11 +1,10 @@
 // Any sequence of the operations that callers have, with good and bad arguments: over a database, a chain of
-// two views on it, views beside them, a field map and a second database. What they answer must agree with
-// itself.
+// two views on it, views beside them, a field map and a second database; by listeners, too, while they are
+// told of something else. What they answer must agree with itself.
 #include <array>
-#include <memory>
+#include <utility>
 #include <vector>
 
-#include "container/ZRContainerFile.h"
 #include "fieldmap/FieldMap.h"
 #include "fuzz/Fuzz.h"
 #include "record/kesta.h"
@@ -18,7 +17,7 @@ namespace {
 using DatabasePtr = Zr::Ptr<kesta>;
 
 constexpr int mostRows = 500;  // more would only be slow
-constexpr int mostSteps = 100;
+constexpr int mostSteps = 150;
 constexpr int stepsPerCheck = 8;
 
 const std::vector<DBFieldDesc>& columns() {
@@ -30,457 +29,187 @@ const std::vector<DBFieldDesc>& columns() {
     return all;
 }
 
-/// Two databases, views on them, and what is done to them.
+/// Two databases, views on them, and the arguments that the input gives their operations.
 class World {
  public:
-    explicit World(Fuzz::Input& input) : m_input(input) {
-        for (DatabasePtr& database : m_databases) {
-            database = DatabasePtr(new kesta(columns()));
-            database->add_param("Title", "Low Water");
+    explicit World(Fuzz::Input& in) : input(in) {
+        for (DatabasePtr& each : databases) {
+            each = DatabasePtr(new kesta(columns()));
+            each->add_param("Title", "Low Water");
             // Views note what goes in another way when they are long.
-            database->add_records(static_cast<int>(input.below(8) == 0 ? 400 : input.below(12)));
+            each->add_records(static_cast<int>(input.below(8) == 0 ? 400 : input.below(12)));
+            listenTo(*each);
         }
-        rebuildViews();
+        renewViews();
     }
 
     void run() {
-        constexpr void (World::*actions[])() = {
-            &World::setText,      &World::setText,     &World::setTyped,   &World::setIdentifier,
-            &World::look,         &World::addRows,     &World::insertRows, &World::deleteRows,
-            &World::deleteTagged, &World::tag,         &World::tagMany,    &World::sort,
-            &World::query,        &World::queryRecord, &World::columnEdit, &World::params,
-            &World::showTagsOnly, &World::changeView,  &World::changeView, &World::display,
-            &World::display,      &World::removeRows,  &World::removeSome, &World::chain,
-            &World::copyView,     &World::walk,        &World::mapFields,  &World::merge,
-            &World::saveAndLoad,  &World::fieldSpec,   &World::container,  &World::recordEdit,
-            &World::renewDatabase};
-        for (int step = 0; step < mostSteps && !m_input.empty(); ++step) {
-            (this->*actions[m_input.below(std::size(actions))])();
-            if (step % stepsPerCheck == 0) check();
+        while (m_steps < mostSteps && !input.empty()) {
+            step();
+            if (m_steps % stepsPerCheck == 0) check();
         }
         check();
     }
 
- private:
     // --- Arguments ---
 
-    kesta& database() { return *m_databases[m_input.below(2)]; }
+    /// A size_t below `bound`.
+    std::size_t pick(std::size_t bound) { return input.below(static_cast<unsigned>(bound)); }
 
-    KSTView& handle() { return m_views[m_input.below(static_cast<unsigned>(m_views.size()))]; }
-
-    KSTViewRep& view() { return *handle(); }
-
-    /// A view, or null.
-    KSTViewRep* anyView() {
-        const unsigned which = m_input.below(static_cast<unsigned>(m_views.size()) + 1);
-        return which < m_views.size() ? m_views[which].rep() : nullptr;
-    }
-
-    /// A database or a view on one.
-    iKST& source() {
-        const unsigned which = m_input.below(2 + static_cast<unsigned>(m_views.size()));
-        if (which < 2) return *m_databases[which];
-        return *m_views[which - 2];
-    }
-
-    int number() { return m_input.number(); }
+    /// True rarely.
+    bool seldom() { return input.below(8) == 0; }
+    bool flag() { return input.below(2) == 0; }
+    int number() { return input.number(); }
     unsigned row() { return static_cast<unsigned>(number()); }
     unsigned field() { return static_cast<unsigned>(number()); }
-    std::string text() { return m_input.text(); }
 
     /// How many rows to make: anything but what would merely use up memory.
-    int count() {
-        const int wanted = number();
-        return wanted > 300 ? 300 : wanted;
-    }
+    int count() { return std::min(number(), 300); }
+
+    /// The same unsigned, where a negative number would be a huge one.
+    unsigned size() { return static_cast<unsigned>(std::max(count(), 0)); }
+
+    DBFieldTypes::eType type() { return static_cast<DBFieldTypes::eType>(input.byte()); }
+    Fuzz::Text text() { return Fuzz::Text(input.text()); }
 
     /// A column's name, mostly.
-    std::string name() {
-        const unsigned which = m_input.below(12);
-        return which < columns().size() ? Fuzz::str(columns()[which].name) : text();
+    Fuzz::Text name() {
+        const std::size_t which = pick(12);
+        return which < columns().size() ? columns()[which].name : text();
     }
 
     Cookie identifier() {
         Zr::UUID uuid;
-        uuid.bytes[0] = static_cast<std::uint8_t>(m_input.below(8));
-        return Cookie(uuid, static_cast<CookieType>(m_input.below(4) == 0 ? 'I' : 'M'), 1);
+        uuid.bytes[0] = static_cast<std::uint8_t>(input.below(8));
+        return Cookie(uuid, flag() ? 'I' : 'M', 1);
     }
 
-    bool roomFor(const iKST& where) const {
-        return where.get_num_records() < mostRows && m_databases[0]->get_num_records() < mostRows &&
-               m_databases[1]->get_num_records() < mostRows;
+    kesta& database() { return *databases[pick(2)]; }
+    KSTView& handle() { return views[pick(views.size())]; }
+    KSTViewRep& view() { return *handle(); }
+
+    /// A view, or null.
+    KSTViewRep* anyView() { return seldom() ? nullptr : handle().rep(); }
+
+    /// A database, or null.
+    kesta* anyDatabase() { return seldom() ? nullptr : &database(); }
+
+    /// A database or a view on one.
+    iKST& source() {
+        const std::size_t which = pick(2 + views.size());
+        return which < 2 ? static_cast<iKST&>(*databases[which]) : *views[which - 2];
     }
 
-    // --- Fields ---
+    LightweightString<wchar_t> file() { return Fuzz::folder().wide("operations.log"); }
 
-    void setText() {
-        iKST& where = source();
-        const unsigned at = row();
-        const unsigned column = field();
-        const std::string value = text();
-        where.set_field(at, column, m_input.below(16) == 0 ? nullptr : value.c_str());
-    }
+    // --- What takes more than a line ---
 
-    void setTyped() {
-        iKST& where = source();
-        const unsigned at = row();
-        const unsigned column = field();
-        switch (m_input.below(4)) {
-            case 0:
-                where.set_field(at, column, number());
-                break;
-            case 1:
-                where.set_field(at, column, static_cast<double>(number()) * 1e300);
-                break;
-            case 2:
-                where.set_field(at, column, true);
-                break;
-            default:
-                database().setField(at, column, text().c_str());
+    void renewViews() {
+        kesta* const log = databases[0].get();
+        const char* names[] = {"Name", "nothing", nullptr};
+        std::vector<KSTView> renewed;
+        renewed.emplace_back(new KSTViewRep(log));
+        renewed.emplace_back(new KSTViewRep(log, "Name\tCookie"));
+        renewed[1]->baseView(renewed[0].rep());
+        renewed.emplace_back(new KSTViewRep(log, names));
+        renewed.emplace_back(new KSTViewRep(databases[1].get()));
+        for (const KSTView& each : renewed) {
+            each->displayAllRecords();
+            listenTo(*each);
         }
+        views.swap(renewed);
     }
 
-    void setIdentifier() {
-        switch (m_input.below(3)) {
-            case 0:
-                source().set_field(row(), identifier());
-                break;
-            case 1: {
-                kesta& where = database();
-                if (roomFor(where)) where.addRecord(identifier());
-                break;
-            }
-            default: {
-                const kesta& where = database();
-                const unsigned found = where.getRowIndexByID(identifier());
-                where.get_record(found);
-            }
+    /// Puts a view in another's place. Null does nothing.
+    void renewView(KSTViewRep* made) {
+        if (!made) return;
+        listenTo(*made);
+        handle() = KSTView(made);
+    }
+
+    void renewDatabase(DatabasePtr made) {
+        listenTo(*made);
+        databases[pick(2)] = std::move(made);
+    }
+
+    template <class Operation>
+    void withIdentifiers(const Operation& operation) {
+        CookieVec ids;
+        CookieSet set;
+        for (std::size_t i = pick(5); i > 0; --i) {
+            ids.push_back(identifier());
+            set.add(ids.back());
         }
+        operation(ids, set);
     }
 
-    void look() {
-        iKST& where = source();
-        const unsigned at = row();
-        const unsigned column = field();
-        char characters[9];
-        int whole = 0;
-        double real = 0;
-        bool flag = false;
-        const int length = number();
-        where.in_field(at, column, characters, length > 8 ? 8 : length);
-        where.in_field(at, column, nullptr, length);
-        where.in_field(at, column, whole);
-        where.in_field(at, column, real);
-        where.in_field(at, column, flag);
-        where.get_fieldsize(column);
-        where.get_field_type(column);
-        where.get_fieldname(column);
-        where.baseIndex(number());
-        where.match_record(number());
-        where.make_dummy_record();
-        const std::string wantedField = name();
-        const std::string value = text();
-        const int start = number();
-        where.findFirst(wantedField.c_str(), value.c_str(), start);
-        where.findFirst(nullptr, value.c_str(), start);
-        where.findFirst(wantedField.c_str(), nullptr, start);
-        where.get_fieldnum(wantedField.c_str());
-    }
-
-    // --- Rows ---
-
-    void addRows() {
-        iKST& where = source();
-        const int rows = count();
-        if (roomFor(where)) where.add_records(rows);
-    }
-
-    void insertRows() {
-        iKST& where = source();
-        const unsigned at = row();
-        const int rows = count();
-        // Taken for unsigned, a negative number is a huge one.
-        if (roomFor(where)) where.insert_records(at, rows < 0 ? 0 : static_cast<unsigned>(rows));
-    }
-
-    void deleteRows() {
-        iKST& where = source();
-        const unsigned first = row();
-        where.delete_records(first, row());
-    }
-
-    void deleteTagged() { source().delete_tagged_records(); }
-
-    // --- Tags, order, queries ---
-
-    void tag() {
-        iKST& where = source();
-        const unsigned at = row();
-        where.set_tag(at, number());
-        where.invert_tag(row());
-        where.get_tag(row());
-    }
-
-    void tagMany() {
-        iKST& where = source();
-        switch (m_input.below(5)) {
-            case 0:
-                where.set_all_tags(number());
-                break;
-            case 3:
-                for (unsigned at = m_input.byte(); at < where.get_num_records(); at += 3)
-                    where.set_tag(at, 1);
-                break;
-            case 1:
-                where.invert_all_tags();
-                break;
-            case 2:
-                where.tag_matching_records(number());
-                break;
-            default:
-                where.tag_all_different(number());
-        }
-    }
-
-    void sort() {
-        iKST& where = source();
+    void sort(iKST& where) {
         int fields[12];
         for (int& key : fields) key = number();
         fields[11] = -1;
-        if (m_input.below(2) == 0) {
-            where.set_sortfield(number());
-        } else {
-            where.set_sortfields(m_input.below(8) == 0 ? nullptr : fields);
-        }
+        where.set_sortfields(seldom() ? nullptr : fields);
+        where.sort(number(), number());
+    }
+
+    // What is sorted satisfies the comparators that callers have.
+    void sortDatabase(kesta& where) {
         const int direction = number();
+        where.set_sortfield(number());
         where.sort(direction, number());
+        if (where.get_show_tags_only() != 0) return;
+        for (unsigned row = 1; row < where.get_num_records(); ++row) {
+            Zr::Ptr<dbrecord> before = where.get_record(row - 1);
+            Zr::Ptr<dbrecord> after = where.get_record(row);
+            const auto compare = direction < 0 ? dbr_backcmp : dbr_cmp;
+            Fuzz::promise(before ? !after || compare(&before, &after) <= 0 : !after);
+        }
     }
 
-    void query() {
-        std::vector<TextSearch::Criteria> criteria(m_input.below(8));
+    void tagMatching(iKST& where) {
+        const int matches = where.tag_matching_records(0);
+        Fuzz::promise(matches == 0 || matches == where.get_num_tags());
+    }
+
+    void tagDifferent(iKST& where) {
+        const int different = where.tag_all_different(number());
+        Fuzz::promise(different == where.get_num_tags());
+    }
+
+    void query(kesta& where) {
+        std::vector<TextSearch::Criteria> criteria(pick(8));
         for (TextSearch::Criteria& each : criteria) {
-            const std::string wanted = text();
-            each.add(TextSearch::Criterion(wanted.c_str(), static_cast<TextSearch::eMatchMethod>(number())));
+            each.add(TextSearch::Criterion(text(), static_cast<TextSearch::eMatchMethod>(number())));
         }
-        database().setQuery(criteria);
+        where.setQuery(criteria);
     }
 
-    void queryRecord() {
-        iKST& where = source();
-        if (m_input.below(8) == 0) return where.set_query(nullptr);
-        const Zr::Ptr<dbrecord> record(new dbrecord(static_cast<unsigned short>(m_input.below(8))));
-        for (int i = 0; i < record->get_num_fields(); ++i) record->set_field(i, text().c_str(), true);
-        where.set_query(record.get());
+    void queryRecord(iKST& where) {
+        const Zr::Ptr<dbrecord> wanted(new dbrecord(static_cast<unsigned short>(pick(8))));
+        for (int i = 0; i < wanted->get_num_fields(); ++i) wanted->set_field(i, text().c_str(), true);
+        where.set_query(seldom() ? nullptr : wanted.get());
     }
 
-    // --- Columns and parameters ---
-
-    void columnEdit() {
-        kesta& where = database();
-        switch (m_input.below(4)) {
-            case 0:
-                if (where.get_num_fields() < 40) {
-                    const std::string called = name();
-                    where.addField({called.c_str(), static_cast<DBFieldTypes::eType>(m_input.byte())});
-                }
-                break;
-            case 1:
-                where.removeField(name().c_str());
-                break;
-            case 2: {
-                const unsigned column = field();
-                source().set_fieldname(column, m_input.below(8) == 0 ? nullptr : name().c_str());
-                break;
-            }
-            default: {
-                const unsigned column = field();
-                source().set_fieldtype(column, static_cast<DBFieldTypes::eType>(m_input.byte()));
-            }
+    void inField(const iKST& where, unsigned row, unsigned field) {
+        char characters[9];
+        int whole = 0;
+        double real = 0;
+        bool truth = false;
+        const int length = std::min(number(), 8);
+        if (where.in_field(row, field, characters, length)) {
+            Fuzz::promise(where.getField(row, field)
+                              .view()
+                              .compare(0, std::string_view(characters).size(), characters) == 0);
         }
-    }
-
-    void params() {
-        iKST& where = source();
-        const std::string key = m_input.below(3) == 0 ? "V5_FIELD_MAP" : text();
-        const std::string value = text();
-        where.add_param(key.c_str(), value.c_str());
-        where.set_param_val(key.c_str(), nullptr);
-        where.set_param_val(nullptr, value.c_str());
-        where.get_param_val(nullptr);
-        Fuzz::promise(where.get_param_val(key.c_str()) != nullptr);
-    }
-
-    void showTagsOnly() {
-        kesta& where = database();
-        where.set_show_tags_only(static_cast<int>(m_input.below(2)));
-        where.index_tags();
-        where.get_new_row(row());
-        where.get_raw_row(row());
-    }
-
-    // --- Views ---
-
-    void rebuildViews() {
-        m_views.clear();
-        kesta* const log = m_databases[0].get();
-        const char* names[] = {"Name", "nothing", nullptr};
-        m_views.emplace_back(new KSTViewRep(log));
-        m_views.emplace_back(new KSTViewRep(log, "Name\tCookie"));
-        m_views[1]->baseView(m_views[0].rep());
-        m_views.emplace_back(new KSTViewRep(log, names));
-        m_views.emplace_back(new KSTViewRep(m_databases[1].get()));
-        for (const KSTView& each : m_views) each->displayAllRecords();
-    }
-
-    void changeView() {
-        KSTViewRep& where = view();
-        switch (m_input.below(7)) {
-            case 0:
-                where.clear();
-                break;
-            case 1:
-                where.buildIndex();
-                break;
-            case 2:
-                where.tagAll(m_input.below(2) == 0);
-                break;
-            case 3:
-                where.tagMatches(number());
-                break;
-            case 4:
-                where.tagDuplicatesOrdered(number());
-                break;
-            case 5:
-                where.tagDuplicates(number());
-                break;
-            default:
-                where.tagBaseFromTags();
-        }
-    }
-
-    void display() {
-        KSTViewRep& where = view();
-        const int at = number();
-        if (!roomFor(where)) return;
-        switch (m_input.below(9)) {
-            case 0: {
-                const int first = number();
-                where.displayRecordsAt(first, number(), at);
-                break;
-            }
-            case 1: {
-                const std::string column = name();
-                where.displayMatchAt(column.c_str(), text().c_str(), at);
-                break;
-            }
-            case 2:
-                where.displayTaggedRecordsAt(at);
-                break;
-            case 3:
-                where.displayAllFromAt(anyView(), at);
-                break;
-            case 4: {
-                CookieVec ids;
-                CookieSet set;
-                for (unsigned i = m_input.below(5); i > 0; --i) {
-                    ids.push_back(identifier());
-                    set.add(ids.back());
-                }
-                where.displayRecordsAt(ids, at);
-                where.displayRecordsAt(set, at);
-                break;
-            }
-            case 5:
-                where.displayAllRecords();
-                break;
-            case 6:
-                where.displayAllRecordsWithBaseTagStatus();
-                break;
-            case 7:
-                where.setupViewTagsFromKestaTagField();
-                break;
-            default:
-                where.insertBlankRecords(at, count());
-        }
-    }
-
-    void removeRows() {
-        KSTViewRep& where = view();
-        const int at = number();
-        const int rows = number();
-        switch (m_input.below(3)) {
-            case 0:
-                where.remove(at, rows);
-                break;
-            case 1:
-                where.deleteRecords(at, rows);
-                break;
-            default:
-                where.removeRecordsFromBaseView(at, rows);
-        }
-    }
-
-    void removeSome() {
-        KSTViewRep& where = view();
-        switch (m_input.below(4)) {
-            case 0:
-                where.removeTagged();
-                break;
-            case 1:
-                where.removeNonTagged();
-                break;
-            case 2:
-                where.deleteTagged();
-                break;
-            default: {
-                // As a source would send it, but with numbers that nobody has.
-                const std::string rows = text();
-                where.recordsDeletedNotify(NotifyMsg(rows.c_str(), {}));
-            }
-        }
-    }
-
-    void chain() {
-        KSTViewRep& where = view();
-        switch (m_input.below(5)) {
-            case 0:
-                where.kst(m_input.below(4) == 0 ? nullptr : m_databases[m_input.below(2)].get());
-                break;
-            case 1:
-                where.init();
-                break;
-            case 2:
-                where.addParamsFrom(anyView());
-                where.addParamsFrom(m_databases[m_input.below(2)].get());
-                break;
-            default:
-                where.baseView(anyView());
-        }
-    }
-
-    void copyView() {
-        KSTView& from = handle();
-        KSTView made;
-        switch (m_input.below(4)) {
-            case 0:
-                made = from.copy();
-                break;
-            case 1:
-                made = from.copyWithNewBaseView();
-                break;
-            case 2:
-                if (KSTViewRep* const tagged = from->newTagSubview()) made = KSTView(tagged);
-                break;
-            default:
-                made = from;
-        }
-        if (made) handle() = made;
+        where.in_field(row, field, nullptr, length);
+        where.in_field(row, field, whole);
+        where.in_field(row, field, real);
+        where.in_field(row, field, truth);
     }
 
     void walk() {
-        KSTViewCursor cursor(handle(), number(), m_input.below(2) == 0);
-        for (unsigned steps = m_input.below(8); steps > 0; --steps) {
-            switch (m_input.below(6)) {
+        KSTViewCursor cursor(handle(), number(), flag());
+        for (std::size_t steps = pick(8); steps > 0; --steps) {
+            switch (pick(6)) {
                 case 0:
                     --cursor;
                     break;
@@ -494,177 +223,68 @@ class World {
                     cursor.find(database().get_record(row()).get());
                     break;
                 case 4:
-                    source().delete_records(row(), row());
+                    step();
                     break;
                 default:
                     ++cursor;
             }
-            if (dbrecord* const record = *cursor) record->get_num_fields();
+            if (dbrecord* const found = *cursor) Fuzz::promise(found->get_num_fields() <= 65535);
         }
     }
 
-    void fieldSpec() {
-        KSTViewRep& where = view();
-        const std::string specification = text();
-        where.fieldSpec(m_input.below(8) == 0 ? nullptr : specification.c_str());
-        GrowString out;
-        where.asString(out);
-        where.identityFieldSpec(out);
-        where.dbFieldIndex(nullptr);
-        where.dbFieldIndex(specification.c_str());
-    }
+    /// From now on the next listener that is told of something does a step of its own.
+    void ambush() { m_ambush = true; }
 
-    void mapFields() {
-        switch (m_input.below(9)) {
-            case 0:
-                m_map = FieldMap(handle());
-                break;
-            case 1:
-                m_map = FieldMap(database());
-                break;
-            case 2:
-                m_map.setSourceDb(m_input.below(4) == 0 ? KSTView() : handle());
-                break;
-            case 3:
-                m_map.setVisible(number(), m_input.below(2) == 0);
-                m_map.invertVisible(number());
-                break;
-            case 4: {
-                const int at = number();
-                const std::string called = name();
-                m_map.set(at, called.c_str(), m_input.below(2) == 0);
-                break;
-            }
-            case 5: {
-                const int one = number();
-                m_map.swap(one, number());
-                break;
-            }
-            case 6:
-                m_map.remove(name().c_str());
-                break;
-            case 7:
-                if (m_map.size() < 100) m_map.append(name().c_str(), true);
-                break;
-            default:
-                m_map.clear();
+    void deafen() { m_guards.clear(); }
+
+    Fuzz::Input& input;
+    std::array<DatabasePtr, 2> databases;
+    std::vector<KSTView> views;  // never an empty one
+    FieldMap map;
+    GrowString out;
+    Zr::Ptr<dbrecord> record = Zr::Ptr<dbrecord>(new dbrecord(3));  // kept, whatever becomes of its row
+
+ private:
+    void step();
+
+    /// Whether nothing has grown too much; what has is cut down.
+    bool isSmall() {
+        bool cut = false;
+        for (const DatabasePtr& each : databases) {
+            if (each->get_num_records() < mostRows) continue;
+            each->set_show_tags_only(0);
+            each->delete_records(10, mostRows * mostSteps);
+            cut = true;
         }
-        source().add_param("V5_FIELD_MAP", m_map.asString());
-    }
-
-    // --- Whole databases ---
-
-    void merge() {
-        kesta& into = database();
-        kesta* const from = m_input.below(8) == 0 ? nullptr : m_databases[m_input.below(2)].get();
-        if (!roomFor(into)) return;
-        if (m_input.below(2) == 0) {
-            into.add_kesta(from);
-        } else {
-            into.merge_all_matching(from);
+        for (const KSTView& each : views) {
+            if (each->get_num_records() < mostRows) continue;
+            each->remove(10, mostRows * mostSteps);
+            cut = true;
         }
+        return !cut;
     }
 
-    void saveAndLoad() {
-        iKST& where = source();
-        const auto file = Fuzz::folder().wide("operations.log");
-        where.set_filename(file);
-        where.save_text();
-        if (!roomFor(where)) return;
-        switch (m_input.below(3)) {
-            case 0:
-                database().loadFromFile(file, number(), m_input.below(2) == 0);
-                break;
-            case 1: {
-                kesta& into = database();
-                into.set_filename(file);
-                into.load_text(number());
-                break;
-            }
-            default:
-                view().saveOnlyTagged(file);
-        }
-    }
-
-    void container() {
-        const auto file = Fuzz::folder().wide("container");
-        std::vector<DBFieldDesc> ended = columns();
-        ended.emplace_back();
-        ZRContainerFile::Writer writer(ended.data());
-        for (unsigned i = m_input.below(4); i > 0; --i) {
-            if (dbrecord* const item = writer.addItem(identifier())) item->set_field(number(), "x", true);
-        }
-        writer.setName(text().c_str());
-        writer.setAttrib(text().c_str(), text().c_str());
-        writer.save(file);
-        const ZRContainerFile::Reader reader(file, m_input.below(4) == 0);
-        const auto item = reader.getItem(row());
-        item.getAttrib(field(), number());
-        reader.contains(identifier());
-        reader.getAttrib(text().c_str(), 1.5);
-    }
-
-    // A record that a caller keeps, whatever becomes of its row and its database.
-    void recordEdit() {
-        if (m_input.below(2) == 0) m_record = source().get_record(row());
-        if (!m_record) return;
-        const int column = number();
-        switch (m_input.below(7)) {
-            case 0:
-                m_record->set_field(column, text().c_str(), m_input.below(2) == 0);
-                break;
-            case 1:
-                m_record->removeField(static_cast<unsigned short>(column));
-                break;
-            case 2: {
-                int fill = 0;
-                const int wanted = number();
-                m_record->resizeRecord(wanted > 300 ? 300 : wanted, &fill, true);
-                break;
-            }
-            case 3:
-                m_record->clear();
-                break;
-            case 4:
-                *m_record = dbrecord(static_cast<unsigned short>(m_input.below(8)));
-                break;
-            case 5:
-                m_record->set_container(m_input.below(2) == 0 ? nullptr : &database());
-                break;
-            default:
-                m_record->set_tag(m_input.byte());
-        }
-    }
-
-    // A database goes under the views that stand on it.
-    void renewDatabase() {
-        DatabasePtr& changed = m_databases[m_input.below(2)];
-        switch (m_input.below(4)) {
-            case 0:
-                changed->free();
-                break;
-            case 1:
-                changed->setFields(columns());
-                break;
-            case 2:
-                changed = DatabasePtr(new kesta(*changed, static_cast<int>(m_input.below(2))));
-                break;
-            default:
-                rebuildViews();
+    void listenTo(Notifier& notifier) {
+        for (const char* const type : {"recordsDeleted", "recordsChanged"}) {
+            m_guards.push_back(notifier.registerNotification(NotifyMsgTypeDictionary::instance().intern(type),
+                                                             [this](const NotifyMsg&) {
+                                                                 if (std::exchange(m_ambush, false)) step();
+                                                                 return 0;
+                                                             }));
         }
     }
 
     // --- What must hold at all times ---
 
     void check() {
-        for (const DatabasePtr& each : m_databases) checkSource(*each);
-        for (const KSTView& each : m_views) {
-            checkSource(*each);
+        for (const DatabasePtr& each : databases) checkSource(*each);
+        for (const KSTView& each : views) {
             Fuzz::promise(each->useCount() > 0);
-            Fuzz::promise(each->countTags() == each->get_num_tags());
+            checkSource(*each);
+            checkTags(*each);
+            checkRows(*each);
         }
-        Fuzz::promise(m_map.numVisible() <= m_map.size());
-        m_map.getVisibleFieldIndex(0);
+        Fuzz::promise(map.numVisible() <= map.size());
     }
 
     static void checkSource(iKST& where) {
@@ -683,12 +303,220 @@ class World {
         Fuzz::promise(!where.get_fieldname(fields) || *where.get_fieldname(fields) == '\0');
     }
 
-    Fuzz::Input& m_input;
-    std::array<DatabasePtr, 2> m_databases;
-    std::vector<KSTView> m_views;  // never an empty one
-    FieldMap m_map;
-    Zr::Ptr<dbrecord> m_record;
+    static void checkTags(KSTViewRep& view) {
+        int tags = 0;
+        for (int row = 0; row < static_cast<int>(view.get_num_records()); ++row) {
+            Fuzz::promise(view.tag(row) != view.notTagged(row));
+            Fuzz::promise(view.tag(row) == (view.get_tag(static_cast<unsigned>(row)) != 0));
+            tags += view.tag(row);
+        }
+        // Without a source nothing counts.
+        if (!view.db()) tags = 0;
+        Fuzz::promise(tags == view.countTags() && tags == view.get_num_tags());
+    }
+
+    // A record is found again where the view shows it first, and in the database below at its base index.
+    static void checkRows(KSTViewRep& view) {
+        iKST* bottom = view.db();
+        while (auto* const base = dynamic_cast<KSTViewRep*>(bottom)) bottom = base->db();
+        for (int row = 0; row < static_cast<int>(view.get_num_records()) && row < 10; ++row) {
+            dbrecord* const record = view[row];
+            Fuzz::promise(record == view.get_record(static_cast<unsigned>(row)).get());
+            if (!record) continue;
+            const int baseRow = view.baseIndex(row);
+            Fuzz::promise(bottom && bottom->get_record(static_cast<unsigned>(baseRow)).get() == record);
+            const int found = view.find(record);
+            Fuzz::promise(found >= 0 && found <= row && view[found] == record);
+            if (view.db() != bottom) continue;
+            const auto shown = static_cast<int>(view.findViewIndexForBaseRow(static_cast<unsigned>(baseRow)));
+            Fuzz::promise(shown >= 0 && shown <= row && view.baseIndex(shown) == baseRow);
+        }
+    }
+
+    std::vector<Zr::Ptr<Zr::Guard>> m_guards;
+    bool m_ambush = false;
+    int m_steps = 0;
 };
+
+using Operation = void (*)(World&);
+
+// Some stand here twice or more: others depend on them.
+constexpr Operation operations[] = {
+    // Fields.
+    [](World& w) { w.source().set_field(w.row(), w.field(), w.text().c_str()); },
+    [](World& w) { w.source().set_field(w.row(), w.field(), w.text().c_str()); },
+    [](World& w) { w.source().set_field(w.row(), w.field(), static_cast<const char*>(nullptr)); },
+    [](World& w) { w.source().set_field(w.row(), w.field(), w.number()); },
+    [](World& w) { w.source().set_field(w.row(), w.field(), static_cast<double>(w.number()) * 1e300); },
+    [](World& w) { w.source().set_field(w.row(), w.field(), w.flag()); },
+    [](World& w) { w.source().set_field(w.row(), w.identifier()); },
+    [](World& w) { w.database().setField(w.row(), w.field(), w.text()); },
+    [](World& w) { w.inField(w.source(), w.row(), w.field()); },
+
+    // Rows.
+    [](World& w) { w.source().add_records(w.count()); },
+    [](World& w) { w.source().insert_records(w.row(), w.size()); },
+    [](World& w) { w.database().addRecord(w.identifier()); },
+    [](World& w) { w.source().delete_records(w.row(), w.row()); },
+    [](World& w) { w.source().delete_records(w.row(), w.row()); },
+    [](World& w) { w.source().delete_tagged_records(); },
+    [](World& w) { w.source().make_dummy_record(); },
+    [](World& w) { w.source().baseIndex(w.number()); },
+    [](World& w) { w.database().clear_changed(); },
+
+    // Records that callers keep.
+    [](World& w) {
+        if (auto kept = w.source().get_record(w.row())) w.record = kept;
+    },
+    [](World& w) { w.record->set_field(w.number(), w.text().c_str(), w.flag()); },
+    [](World& w) { w.record->removeField(static_cast<unsigned short>(w.field())); },
+    [](World& w) {
+        int fill = 0;
+        w.record->resizeRecord(w.count(), &fill, true);
+    },
+    [](World& w) { w.record->clear(); },
+    [](World& w) { *w.record = dbrecord(static_cast<unsigned short>(w.pick(8))); },
+    [](World& w) { w.record->set_container(w.anyDatabase()); },
+    [](World& w) { w.record->set_tag(w.input.byte()); },
+
+    // Tags.
+    [](World& w) { w.source().set_tag(w.row(), w.number()); },
+    [](World& w) { w.source().set_tag(w.row(), 1); },
+    [](World& w) { w.source().invert_tag(w.row()); },
+    [](World& w) { w.source().set_all_tags(w.number()); },
+    [](World& w) { w.source().invert_all_tags(); },
+    [](World& w) {
+        iKST& s = w.source();
+        for (unsigned row = 0; row < mostRows; row += 3) s.set_tag(row, 1);
+    },
+    [](World& w) { w.source().set_show_tags_only(w.flag()); },
+    [](World& w) { w.database().set_show_tags_only(w.flag()); },
+    [](World& w) { w.database().index_tags(); },
+    [](World& w) { w.database().get_new_row(w.row()); },
+    [](World& w) { w.database().get_raw_row(w.row()); },
+    [](World& w) { w.view().tagAll(w.flag()); },
+    [](World& w) { w.view().tagDuplicatesOrdered(w.number()); },
+    [](World& w) { w.view().tagDuplicates(w.number()); },
+    [](World& w) { w.view().tagBaseFromTags(); },
+
+    // Order and queries.
+    [](World& w) { w.source().set_sortfield(w.number()); },
+    [](World& w) { w.source().sort(w.number(), w.number()); },
+    [](World& w) { w.sort(w.source()); },
+    [](World& w) { w.sortDatabase(w.database()); },
+    [](World& w) { w.query(w.database()); },
+    [](World& w) { w.queryRecord(w.source()); },
+    [](World& w) { w.source().tag_matching_records(w.number()); },
+    [](World& w) { w.tagMatching(w.source()); },
+    [](World& w) { w.tagDifferent(w.source()); },
+    [](World& w) { w.source().match_record(w.number()); },
+    [](World& w) { w.view().tagMatches(w.number()); },
+    [](World& w) { w.source().findFirst(w.name().c_str(), w.text().c_str(), w.number()); },
+    [](World& w) { w.source().findFirst(nullptr, nullptr, w.number()); },
+    [](World& w) { w.database().get_record(w.identifier()); },
+
+    // Columns.
+    [](World& w) {
+        if (w.database().get_num_fields() < 40) w.database().addField({w.name(), w.type()});
+    },
+    [](World& w) { w.database().removeField(w.name()); },
+    [](World& w) { w.source().set_fieldname(w.field(), w.name().c_str()); },
+    [](World& w) { w.source().set_fieldname(w.field(), nullptr); },
+    [](World& w) { w.source().set_fieldtype(w.field(), w.type()); },
+    [](World& w) { w.source().get_fieldsize(w.field()); },
+    [](World& w) { w.source().get_fieldtype(w.field()); },
+    [](World& w) { w.source().get_fieldnum(w.name()); },
+    [](World& w) { w.database().isSpecialLabelField(w.field()); },
+    [](World& w) { w.view().fieldSpec(w.text().c_str()); },
+    [](World& w) { w.view().fieldSpec(nullptr); },
+    [](World& w) { w.view().asString(w.out); },
+    [](World& w) { w.view().identityFieldSpec(w.out); },
+    [](World& w) { w.view().dbFieldIndex(w.seldom() ? nullptr : w.name().c_str()); },
+
+    // Parameters.
+    [](World& w) { w.source().add_param(w.text(), w.text()); },
+    [](World& w) { w.source().set_param_val(w.text().c_str(), nullptr); },
+    [](World& w) { w.source().set_param_val(nullptr, w.text().c_str()); },
+    [](World& w) { Fuzz::promise(w.source().get_param_val(nullptr) != nullptr); },
+    [](World& w) { Fuzz::promise(w.source().get_param_val(w.text().c_str()) != nullptr); },
+    [](World& w) { w.view().addParamsFrom(w.anyView()); },
+    [](World& w) { w.view().addParamsFrom(w.anyDatabase()); },
+
+    // What views show.
+    [](World& w) { w.view().displayRecordsAt(w.number(), w.number(), w.number()); },
+    [](World& w) { w.view().displayMatchAt(w.name().c_str(), w.text().c_str(), w.number()); },
+    [](World& w) { w.view().displayTaggedRecordsAt(w.number()); },
+    [](World& w) { w.view().displayAllFromAt(w.anyView(), w.number()); },
+    [](World& w) { w.view().insertBlankRecords(w.number(), w.count()); },
+    [](World& w) {
+        w.withIdentifiers([&](auto& list, auto&) { w.view().displayRecordsAt(list, w.number()); });
+    },
+    [](World& w) {
+        w.withIdentifiers([&](auto&, auto& set) { w.view().displayRecordsAt(set, w.number()); });
+    },
+    [](World& w) { w.view().displayAllRecords(); },
+    [](World& w) { w.view().displayAllRecordsWithBaseTagStatus(); },
+    [](World& w) { w.view().setupViewTagsFromKestaTagField(); },
+    [](World& w) { w.view().buildIndex(); },
+    [](World& w) { w.view().clear(); },
+    [](World& w) { w.view().remove(w.number(), w.number()); },
+    [](World& w) { w.view().deleteRecords(w.number(), w.number()); },
+    [](World& w) { w.view().removeRecordsFromBaseView(w.number(), w.number()); },
+    [](World& w) { w.view().removeTagged(); },
+    [](World& w) { w.view().removeNonTagged(); },
+    [](World& w) { w.view().deleteTagged(); },
+    // As a source would send it, but with numbers that nobody has.
+    [](World& w) { w.view().recordsDeletedNotify(NotifyMsg(w.text(), {})); },
+
+    // What views stand on.
+    [](World& w) { w.view().kst(w.anyDatabase()); },
+    [](World& w) { w.view().baseView(w.anyView()); },
+    [](World& w) { w.view().baseView(w.anyView()); },
+    [](World& w) { w.view().init(); },
+    [](World& w) { w.renewView(w.view().copy()); },
+    [](World& w) { w.renewView(w.view().copyWithNewBaseView()); },
+    [](World& w) { w.renewView(w.view().newTagSubview()); },
+    [](World& w) { w.renewView(&w.view()); },
+    [](World& w) { w.renewViews(); },
+    [](World& w) { w.walk(); },
+    [](World& w) { w.walk(); },
+
+    // The field map.
+    [](World& w) { w.map = FieldMap(w.handle()); },
+    [](World& w) { w.map = FieldMap(w.database()); },
+    [](World& w) { w.map.setSourceDb(w.seldom() ? KSTView() : w.handle()); },
+    [](World& w) { w.map.setVisible(w.number(), w.flag()); },
+    [](World& w) { w.map.swap(w.number(), w.number()); },
+    [](World& w) { w.map.getVisibleFieldIndex(w.number()); },
+    [](World& w) { w.source().add_param("V5_FIELD_MAP", w.map.asString()); },
+
+    // Whole databases, also from under the views that stand on them.
+    [](World& w) { w.database().add_kesta(w.anyDatabase()); },
+    [](World& w) { w.database().merge_all_matching(w.anyDatabase()); },
+    [](World& w) { w.source().set_filename(w.file()); },
+    [](World& w) { w.source().save_text(); },
+    [](World& w) { w.database().save_text_without_header(); },
+    [](World& w) { w.view().saveAsText(w.file(), w.flag()); },
+    [](World& w) { w.view().saveOnlyTagged(w.file()); },
+    [](World& w) { w.database().loadFromFile(w.file(), w.count(), w.flag()); },
+    [](World& w) { w.database().load_text(w.count()); },
+    [](World& w) { w.database().free(); },
+    [](World& w) { w.database().init(); },
+    [](World& w) { w.database().post_init(); },
+    [](World& w) { w.database().setFields(columns()); },
+    [](World& w) { w.renewDatabase(DatabasePtr(new kesta(w.database(), w.flag()))); },
+
+    // Listeners.
+    [](World& w) { w.ambush(); },
+    [](World& w) { w.ambush(); },
+    [](World& w) { w.ambush(); },
+    [](World& w) { w.deafen(); },
+};
+
+void World::step() {
+    if (++m_steps > mostSteps || !isSmall()) return;
+    operations[pick(std::size(operations))](*this);
+}
 
 }  // namespace
 

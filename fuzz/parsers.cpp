@@ -2,9 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "fieldmap/FieldMap.h"
 #include "fuzz/Fuzz.h"
-#include "record/kesta.h"
 #include "support/Cookie.h"
 #include "support/NotifyMsg.h"
 #include "support/TextSearch.h"
@@ -80,30 +78,6 @@ void textSearch(Fuzz::Input& input) {
     Fuzz::promise(TextSearch::match(Fuzz::Text(text), criteria, options) == expected);
 }
 
-// What a map writes it reads again as the same columns.
-void fieldMap(Fuzz::Input& input) {
-    std::vector<DBFieldDesc> columns;
-    for (unsigned count = input.byte(); count > 0; --count) {
-        columns.emplace_back(Zr::StringFromInteger(static_cast<int>(count)), DBFieldTypes::eText);
-    }
-    kesta log(columns);
-    log.add_param("V5_FIELD_MAP", input.rest().c_str());
-    FieldMap map(log);
-    Fuzz::promise(map.numVisible() <= map.size());
-    for (int i = 0; i < map.size(); ++i) {
-        // Hidden columns past the 99th do not fit into the text.
-        if (!map.isVisible(i) && log.get_fieldnum(map.getName(i)) >= 99) map.setVisible(i, true);
-    }
-    map.remove("");  // numbers of columns that are not there
-    if (map.size() == 0) return;
-    log.add_param("V5_FIELD_MAP", map.asString());
-    const FieldMap again(log);
-    Fuzz::promise(again.size() == map.size() && again.asString() == map.asString());
-    for (int i = 0; i < map.size(); ++i) {
-        Fuzz::promise(again[i] == map[i] && again.isVisible(i) == map.isVisible(i));
-    }
-}
-
 void messageWords(Fuzz::Input& input) {
     const std::string text = input.rest();
     const NotifyMsg message(Fuzz::Text(text), {});
@@ -142,8 +116,7 @@ void numbers(Fuzz::Input& input) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    constexpr void (*parsers[])(Fuzz::Input&) = {cookie,       timecode, textSearch, fieldMap,
-                                                 messageWords, utf8,     numbers};
+    constexpr void (*parsers[])(Fuzz::Input&) = {cookie, timecode, textSearch, messageWords, utf8, numbers};
     Fuzz::Input input(data, size);
     parsers[input.below(std::size(parsers))](input);
     return 0;

@@ -1,0 +1,240 @@
+// Texts in memory. Strings that share what they hold do what plain ones do; a text file is saved the same
+// whether its lines go to the disk as they come or in the end, and loads again; an expression's text is what
+// its cells say. The first byte says which.
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "expr/SExpr.h"
+#include "fuzz/Fuzz.h"
+#include "record/kesta.h"
+#include "support/TextFile.h"
+
+namespace {
+
+/// Strings and what they hold.
+class Strings {
+ public:
+    explicit Strings(Fuzz::Input& input) : m_input(input) {}
+
+    void run() {
+        while (!m_input.empty()) {
+            step();
+            check();
+        }
+    }
+
+ private:
+    std::size_t place() { return m_input.below(static_cast<unsigned>(m_strings.size())); }
+
+    void step() {
+        const std::size_t i = place();
+        const std::size_t j = place();
+        switch (m_input.below(8)) {
+            case 0:
+                m_plain[i] = m_input.take(m_input.byte());
+                m_strings[i] = Fuzz::Text(m_plain[i]);
+                break;
+            case 1:
+                m_plain[i] = m_plain[j];
+                m_strings[i] = m_strings[j];
+                break;
+            case 2:
+                if (m_plain[i].size() + m_plain[j].size() > mostBytes) break;
+                m_plain[i] += m_plain[j];
+                m_strings[i] += m_strings[j];
+                break;
+            case 3:
+                if (char* const text = m_strings[i].writableText()) m_plain[i][0] = text[0] = '#';
+                break;
+            case 4: {
+                const unsigned length = m_input.byte();
+                m_strings[i].resizeFor(length);
+                m_plain[i] = m_plain[i].substr(0, length);
+                break;
+            }
+            case 5:
+                // A text's end, which lies in its own memory, behind the text.
+                m_strings[i].append(m_strings[i].view().substr(m_plain[i].size() / 2));
+                m_plain[i] += m_plain[i].substr(m_plain[i].size() / 2);
+                if (m_plain[i].size() > mostBytes) m_strings[i] = {}, m_plain[i].clear();
+                break;
+            case 6:
+                m_plain[i] = (m_plain[j] + m_input.text()).substr(0, m_plain[j].size() + 1);
+                m_strings[i] = Fuzz::Text(m_plain[i]);
+                break;
+            default:
+                makeTogether();
+        }
+    }
+
+    void makeTogether() {
+        std::vector<std::string> made(m_input.below(6));
+        std::vector<Fuzz::Text::View> views;
+        for (std::string& each : made) {
+            each = m_input.text() + '.';
+            views.push_back(each);
+        }
+        std::vector<std::size_t> places;
+        Fuzz::Text::makeTogether(views.data(), views.data() + views.size(), [&](Fuzz::Text&& string) {
+            const std::size_t at = place();
+            m_plain[at] = made[places.size()];
+            m_strings[at] = std::move(string);
+            places.push_back(at);
+        });
+        Fuzz::promise(places.size() == made.size());
+    }
+
+    void check() const {
+        for (std::size_t i = 0; i < m_strings.size(); ++i) {
+            Fuzz::promise(m_strings[i].view() == m_plain[i]);
+            Fuzz::promise(m_strings[i].c_str()[m_plain[i].size()] == '\0');
+            Fuzz::promise((m_strings[i] == m_strings[0]) == (m_plain[i] == m_plain[0]));
+        }
+    }
+
+    static constexpr std::size_t mostBytes = 1000;
+
+    Fuzz::Input& m_input;
+    std::array<Fuzz::Text, 6> m_strings;
+    std::array<std::string, 6> m_plain;
+};
+
+void strings(Fuzz::Input& input) {
+    Strings(input).run();
+}
+
+// --- Files ---
+
+/// Of one line, without the mark that begins some files.
+std::string lineText(Fuzz::Input& input) {
+    // Blocks have up to 64 kilobytes: some lines are longer, a few fill one.
+    constexpr unsigned times[] = {1, 1, 1, 100, 2000, 5000};
+    const unsigned repeated = times[input.below(std::size(times))];
+    std::string word = input.text();
+    for (char& c : word) {
+        if (c == '\r' || c == '\n' || c == '\xEF') c = '?';
+    }
+    std::string line;
+    for (unsigned i = 0; i < repeated; ++i) line += word;
+    return line;
+}
+
+void append(TextFile& file, const std::string& line, bool inHalves) {
+    if (!inHalves) return file.appendLine(Fuzz::Text(line));
+    file.beginLine(line.size() + 100);  // given up
+    char* const begin = file.beginLine(line.size() + 7);
+    file.endLine(begin + line.copy(begin, line.size()));
+}
+
+void files(Fuzz::Input& input) {
+    const auto style = input.below(2) == 0 ? TextFile::eLF : TextFile::eCRLF;
+    const unsigned beginsBefore = input.below(16);
+    const auto whole = Fuzz::folder().wide("whole");
+    const auto early = Fuzz::folder().wide("early");
+    TextFile file;
+    TextFile begun;
+    std::vector<std::string> lines;
+    std::string expected;
+    while (!input.empty() && expected.size() < 500000) {
+        if (lines.size() == beginsBefore) begun.beginSave(early, style);
+        const std::string line = lineText(input);
+        const bool inHalves = input.below(2) == 0;
+        append(file, line, inHalves);
+        append(begun, line, !inHalves);
+        lines.push_back(line);
+        expected += line + (style == TextFile::eLF ? "\n" : "\r\n");
+        Fuzz::promise(begun.size() == lines.size() && begun.lineView(begun.size() - 1) == line);
+    }
+    Fuzz::promise(file.save(whole, style) && Fuzz::readFile(Fuzz::folder() / "whole") == expected);
+    Fuzz::promise(begun.save(early, style) && Fuzz::readFile(Fuzz::folder() / "early") == expected);
+
+    TextFile again;
+    Fuzz::promise(again.load(early, '\n', false) && again.size() == lines.size());
+    for (unsigned i = 0; i < lines.size(); ++i) Fuzz::promise(again.lineView(i) == lines[i]);
+}
+
+// --- Expressions ---
+
+const std::vector<DBFieldDesc>& columns() {
+    static const std::vector<DBFieldDesc> all = {{"Name", DBFieldTypes::eText},
+                                                 {"Reel", DBFieldTypes::eText}};
+    return all;
+}
+
+struct Element {
+    SExprElt* element;
+    std::string text;
+};
+
+struct List {
+    SExpr* first = nullptr;
+    std::vector<std::string> texts;
+
+    void push(const Element& element) {
+        first = new SExpr(element.element, first);
+        texts.insert(texts.begin(), element.text);
+    }
+
+    std::string text() const {
+        std::string all = "(";
+        for (std::size_t i = 0; i < texts.size(); ++i) all += (i == 0 ? "" : " ") + texts[i];
+        return all + ')';
+    }
+};
+
+Element makeElement(Fuzz::Input& input, kesta& log, int depth) {
+    switch (input.below(5)) {
+        case 0:
+            return {new SExprOperator, "op "};
+        case 1:
+            return {new SExprRef(input.byte(), nullptr), "voidref"};
+        case 2: {
+            const auto field = static_cast<unsigned>(input.number());
+            return {new SExprRef(field, &log),
+                    field < columns().size() ? Fuzz::str(columns()[field].name) : ""};
+        }
+        case 3: {
+            List list;
+            for (unsigned count = depth > 0 ? input.below(5) : 0; count > 0; --count) {
+                list.push(makeElement(input, log, depth - 1));
+            }
+            return {list.first, list.first ? list.text() : ""};
+        }
+        default:
+            return {nullptr, ""};
+    }
+}
+
+void expressions(Fuzz::Input& input) {
+    kesta log(columns());
+    List list;
+    do {
+        list.push(makeElement(input, log, 50));
+    } while (!input.empty());
+
+    GrowString text;
+    list.first->asString(text);
+    Fuzz::promise(static_cast<const char*>(text) == list.text());
+
+    const std::unique_ptr<SExpr> reversed(list.first->reverse());
+    std::reverse(list.texts.begin(), list.texts.end());
+    GrowString reversedText;
+    reversed->asString(reversedText);
+    Fuzz::promise(static_cast<const char*>(reversedText) == list.text());
+
+    SExprIterator cell(reversed.get());
+    for (std::size_t i = 0; i < list.texts.size(); ++i) Fuzz::promise((++cell).cell() != nullptr);
+    Fuzz::promise(!(++cell).cell() && (++cell).cell() == reversed.get());
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    constexpr void (*parts[])(Fuzz::Input&) = {strings, files, expressions};
+    Fuzz::Input input(data, size);
+    parts[input.below(std::size(parts))](input);
+    return 0;
+}
