@@ -65,8 +65,7 @@ class AtTerminalTest : public ProgramTest {
     }
 
     /// What the program writes to a terminal of this size.
-    std::string onTerminal(const std::vector<std::string>& arguments, unsigned short columns,
-                           unsigned short rows) {
+    std::string onTerminal(const Arguments& arguments, unsigned short columns, unsigned short rows) {
         Terminal terminal(columns, rows);
         run(arguments, terminal.name());
         return terminal.rest();

@@ -13,17 +13,17 @@ struct Case {
 
 class CheckTest : public ProgramTest {
  protected:
-    void expectFindings(const Case& test, const std::string& name = "a.log") {
-        const std::string file = folder.with(name, test.content).string();
+    /// Each line of what the check says begins with the file's name and the next of these findings.
+    void expectFindings(const std::string& file, const std::vector<std::string>& findings) {
         const Outcome check = run({"check", file});
-        EXPECT_EQ(check.exitCode, test.findings.empty() ? 0 : 1) << test.what << '\n' << check.err;
+        EXPECT_EQ(check.exitCode, findings.empty() ? 0 : 1) << check.err;
         std::size_t at = 0;
-        for (const std::string& finding : test.findings) {
+        for (const std::string& finding : findings) {
             const std::string begin = file + finding;
-            EXPECT_EQ(check.out.substr(at, begin.size()), begin) << test.what;
+            EXPECT_EQ(check.out.substr(at, begin.size()), begin);
             at = check.out.find('\n', at) + 1;
         }
-        EXPECT_EQ(check.out.substr(at), "") << test.what;
+        EXPECT_EQ(check.out.substr(at), "");
     }
 };
 
@@ -93,7 +93,10 @@ TEST_F(CheckTest, NamesThePlaceOfEverythingTheLoaderWouldStopAtDropOrWarnOf) {
          "\"KESTA:Rev 1\"\n\"Mode:\"\"x\"\"\"\n" + head.substr(14),
          {":2: the parameter \"Mode\" would change"}},
     };
-    for (const Case& test : cases) expectFindings(test);
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.what);
+        expectFindings(folder.with("a.log", test.content).string(), test.findings);
+    }
 }
 
 TEST_F(CheckTest, FindsIdentifiersThatComeTwiceAndCodesThatEndBeforeTheyStart) {
@@ -104,34 +107,19 @@ TEST_F(CheckTest, FindsIdentifiersThatComeTwiceAndCodesThatEndBeforeTheyStart) {
             "\"\",\"none\",\"01:00:00:00\",\"\",\"\",\"1\"\n"
             "\"\",\"\",\"\",\"\",\"\",\"x\"\n"
             "\"clip a\",\"\",\"\",\"\",\"\",\"\"\n");
-    const Outcome check = run({"check", file});
-    EXPECT_EQ(check.exitCode, 1);
-    EXPECT_EQ(
-        check.out,
-        file +
-            ":7: column 6 (Tag): the tag \"256\" is no number from 0 to 255; saving the log writes 0 in its "
-            "place\n" +
-            file +
-            ":7: column 3 (End time): 01:00:00:00 is before the start, 01:00:00:01; correct one, unless "
-            "the take passes midnight\n" +
-            file +
-            ":7: column 5 (snd end): 01:59:59;29 is before the start, 02:00:00;00; correct one, unless "
-            "the take passes midnight\n" +
-            file +
-            ":9: column 6 (Tag): the tag \"x\" is no number from 0 to 255; saving the log writes 0 in its "
-            "place\n" +
-            file +
-            ":10: column 1 (Cookie): the identifier is that of line 6 too, and look-ups find only that "
-            "one; give one of the records another\n");
+    expectFindings(file, {":7: column 6 (Tag): the tag \"256\" is no number from 0 to 255",
+                          ":7: column 3 (End time): 01:00:00:00 is before the start, 01:00:00:01; ",
+                          ":7: column 5 (snd end): 01:59:59;29 is before the start, 02:00:00;00; ",
+                          ":9: column 6 (Tag): the tag \"x\" is no number from 0 to 255",
+                          ":10: column 1 (Cookie): the identifier is that of line 6 too, "});
 }
 
 TEST_F(CheckTest, FindsWhatPlainCommaSeparatedFilesLose) {
-    expectFindings({"a clean file", "a,b\n1,\"2,3\"\n1\n", {}}, "a.csv");
-    expectFindings({"no columns", "\na,b\n1,2\n", {":1: the line names no columns; 2 lines"}}, "a.csv");
-    expectFindings({"values behind the last column, a value of two lines",
-                    "a,b\n1,2,3\n1,\"x\ny\"\n",
-                    {":2: 1 value behind the last column", ":3: a double quote", ":4: a double quote"}},
-                   "a.csv");
+    const auto table = [&](const char* content) { return folder.with("a.csv", content).string(); };
+    expectFindings(table("a,b\n1,\"2,3\"\n1\n"), {});
+    expectFindings(table("\na,b\n1,2\n"), {":1: the line names no columns; 2 lines"});
+    expectFindings(table("a,b\n1,2,3\n1,\"x\ny\"\n"),
+                   {":2: 1 value behind the last column", ":3: a double quote", ":4: a double quote"});
 }
 
 TEST_F(CheckTest, UnreadableFilesDoNotKeepTheOthersFromBeingChecked) {
@@ -145,21 +133,15 @@ TEST_F(CheckTest, UnreadableFilesDoNotKeepTheOthersFromBeingChecked) {
 
 TEST_F(CheckTest, ReadingCommandsSayWhatWasNotRead) {
     const std::string file = log("a.log", "\"A\",\"B\"", "\"1\",\"2\"\n\n\"3\",\"4\"\n");
-    for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
+    for (const Arguments& command : std::vector<Arguments>{
              {"show", file}, {"info", file}, {"find", file, "A=1"}, {"export", file, "--format", "csv"}}) {
         const Outcome shown = run(command);
         EXPECT_EQ(shown.exitCode, 1);
         EXPECT_NE(shown.out, "");
         EXPECT_EQ(shown.err.find("kesta: warning: " + file + ":7: a blank line ends the log; 1 line"), 0U);
     }
-    const std::string binary = folder
-                                   .with("binary", std::string("\x7F"
-                                                               "ELF\0\x1B[2J",
-                                                               9))
-                                   .string();
-    const Outcome refused = run({"show", binary});
-    EXPECT_EQ(refused.exitCode, 2);
-    EXPECT_EQ(refused.err.find("kesta: " + binary + ":1: this is no log"), 0U);
+    const std::string binary = folder.with("binary", TestSupport::bytes("\177ELF\0\x1B[2J")).string();
+    expectRefused({{{"show", binary}, 2, "kesta: " + binary + ":1: this is no log"}});
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <initializer_list>
+#include <map>
 #include <optional>
 #include <spawn.h>
 #include <string>
@@ -20,6 +20,14 @@ struct Outcome {
     std::string out;
     std::string err;
 };
+
+using Arguments = std::vector<std::string>;
+
+/// The arguments with further ones behind them.
+inline Arguments operator+(Arguments arguments, const Arguments& further) {
+    arguments.insert(arguments.end(), further.begin(), further.end());
+    return arguments;
+}
 
 /// An environment variable that programs started meanwhile see.
 class EnvironmentSetting {
@@ -46,8 +54,7 @@ class EnvironmentSetting {
 class ProgramTest : public TestSupport::TempFolderTest {
  protected:
     /// Runs the program with these arguments. Standard output goes to a file, or to `output` when given.
-    Outcome run(std::vector<std::string> arguments, const std::string& output = {},
-                const std::string& input = "/dev/null") {
+    Outcome run(Arguments arguments, const std::string& output = {}, const std::string& input = "/dev/null") {
         const std::string out = output.empty() ? path(".out") : output;
         const std::string err = path(".err");
         arguments.insert(arguments.begin(), KESTA_PROGRAM);
@@ -74,6 +81,41 @@ class ProgramTest : public TestSupport::TempFolderTest {
         std::filesystem::remove(err);
         if (output.empty()) std::filesystem::remove(out);
         return result;
+    }
+
+    /// A command line that the program refuses, and what it says then.
+    struct Refused {
+        Arguments arguments;
+        int exitCode;
+        std::string why;
+    };
+
+    /// Each is refused with its reason on standard error, nothing on standard output, and no file touched.
+    void expectRefused(const std::vector<Refused>& cases) {
+        const auto before = files();
+        for (const Refused& refused : cases) {
+            SCOPED_TRACE(testing::PrintToString(refused.arguments));
+            const Outcome outcome = run(refused.arguments);
+            EXPECT_EQ(outcome.exitCode, refused.exitCode);
+            EXPECT_EQ(outcome.out, "");
+            EXPECT_EQ(outcome.err.find("kesta: "), 0U) << outcome.err;
+            EXPECT_NE(outcome.err.find(refused.why), std::string::npos) << refused.why << '\n' << outcome.err;
+            EXPECT_EQ(files(), before);
+        }
+    }
+
+    /// The records of a log, behind the names of the columns.
+    std::string records(const std::string& file, const Arguments& options = {}) {
+        return run(Arguments{"show", file, "--format", "csv"} + options).out;
+    }
+
+    /// All files of the folder with what is in them.
+    std::map<std::string, std::string> files() const {
+        std::map<std::string, std::string> all;
+        for (const std::string& name : folder.names()) {
+            all[name] = std::filesystem::is_regular_file(folder / name) ? content(name) : "";
+        }
+        return all;
     }
 
     std::string path(const std::string& name) const { return (folder / name).string(); }

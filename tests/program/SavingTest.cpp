@@ -3,19 +3,13 @@
 
 namespace {
 
-class SavingTest : public ProgramTest {
- protected:
-    Outcome runWith(std::vector<std::string> arguments, const std::vector<std::string>& further) {
-        arguments.insert(arguments.end(), further.begin(), further.end());
-        return run(arguments);
-    }
-};
+class SavingTest : public ProgramTest {};
 
 TEST_F(SavingTest, EveryCommandThatSavesCanBeQuietRehearsedAndKeepTheOldFile) {
     const std::string table = folder.with("b.csv", "Name,Notes\nb,2\n").string();
     const std::string other = log("b.log", "\"Name\",\"Notes\"", "\"b\",\"2\"\n");
     const std::string file = path("a.log");
-    const std::vector<std::vector<std::string>> commands = {
+    const std::vector<Arguments> commands = {
         {"set", file, "1", "Notes", "new"},
         {"add", file, "Name=new"},
         {"delete", file, "1"},
@@ -29,18 +23,18 @@ TEST_F(SavingTest, EveryCommandThatSavesCanBeQuietRehearsedAndKeepTheOldFile) {
         {"export", other, "--format", "csv", "-o", file, "--force"},
         {"pack", "M0123456789abcdef0123456789abcdef00", "--name", "N", "-o", file, "--force"},
     };
-    for (const std::vector<std::string>& command : commands) {
+    for (const Arguments& command : commands) {
         SCOPED_TRACE(command.front());
         log("a.log", "\"Name\",\"Notes\"", "\"1\",\"x\"\n\"2\",\"y\"\n");
         const std::string before = content("a.log");
-        const Outcome rehearsal = runWith(command, {"--dry-run"});
+        const Outcome rehearsal = run(command + Arguments{"--dry-run"});
         EXPECT_EQ(rehearsal.exitCode, 0);
         EXPECT_NE(rehearsal.out.find("would save " + file + ": "), std::string::npos) << rehearsal.out;
-        EXPECT_EQ(runWith(command, {"-n", "-q"}).out, "");
+        EXPECT_EQ(run(command + Arguments{"-n", "-q"}).out, "");
         EXPECT_EQ(content("a.log"), before);
         EXPECT_FALSE(std::filesystem::exists(path("a.log~")));
 
-        const Outcome real = runWith(command, {"--quiet", "--backup"});
+        const Outcome real = run(command + Arguments{"--quiet", "--backup"});
         EXPECT_EQ(real.exitCode, 0);
         EXPECT_EQ(real.out + real.err, "");
         EXPECT_NE(content("a.log"), before);
@@ -62,23 +56,19 @@ TEST_F(SavingTest, TheNewestOldFileIsKeptAndWithoutItNothingIsSaved) {
     EXPECT_EQ(folder.names(), (std::vector<std::string>{"a.log", "a.log~", "link.log"}));
     std::filesystem::remove(path("a.log~"));
     std::filesystem::create_directory(path("a.log~"));
-    const std::string before = content("a.log");
-    const Outcome refused = run({"add", file, "Name=3", "--backup"});
-    EXPECT_EQ(refused.exitCode, 2);
-    EXPECT_NE(refused.err.find("not saved, because the old file cannot be kept: "), std::string::npos);
-    EXPECT_EQ(content("a.log"), before);
-    EXPECT_EQ(folder.names(), (std::vector<std::string>{"a.log", "a.log~", "link.log"}));
+    expectRefused(
+        {{{"add", file, "Name=3", "--backup"}, 2, "not saved, because the old file cannot be kept: "}});
 }
 
 TEST_F(SavingTest, ARehearsalFailsAsTheRealRunWould) {
     const std::string file = log("a.log", "\"Name\"", "\"1\"\n");
-    const std::vector<std::vector<std::string>> commands = {
+    const std::vector<Arguments> commands = {
         {"find", file, "Name=1", "-o", path("none/x.log")},
         {"export", file, "--format", "ale", "-o", folder.path().string(), "--force"},
         {"find", file, "Name=9", "-o", path("x.log")},
         {"delete", file, "--tagged"}};
-    for (const std::vector<std::string>& command : commands) {
-        const Outcome rehearsal = runWith(command, {"-n"});
+    for (const Arguments& command : commands) {
+        const Outcome rehearsal = run(command + Arguments{"-n"});
         const Outcome real = run(command);
         EXPECT_NE(real.exitCode, 0);
         EXPECT_EQ(rehearsal.exitCode, real.exitCode);
@@ -92,7 +82,7 @@ TEST_F(SavingTest, ADashIsStandardInputAndOutput) {
     const std::string ale = path("a.ale");
     ASSERT_EQ(run({"export", file, "--format", "csv", "-o", table}).exitCode, 0);
     ASSERT_EQ(run({"export", file, "--format", "ale", "-o", ale}).exitCode, 0);
-    for (std::vector<std::string> command : std::vector<std::vector<std::string>>{
+    for (Arguments command : std::vector<Arguments>{
              {"show", file},
              {"find", file, "Name=2"},
              {"find", file, "Name=2", "-o", "-"},
@@ -112,12 +102,10 @@ TEST_F(SavingTest, ADashIsStandardInputAndOutput) {
         EXPECT_EQ(run({"import", "-", "-o", "-"}, {}, source).out, run({"import", source, "-o", "-"}).out);
     }
     EXPECT_EQ(run({"import", "-", "--format", "csv", "-o", "-"}, {}, ale).exitCode, 0);
-    for (const std::vector<std::string>& edit : std::vector<std::vector<std::string>>{
-             {"set", "-", "1", "Name", "x"}, {"param", "-", "a", "b"}, {"columns", "-", "--reset"}}) {
-        const Outcome refused = run(edit, {}, file);
-        EXPECT_EQ(refused.exitCode, 64);
-        EXPECT_EQ(refused.err, "kesta: standard input cannot be changed; name the log's file\n");
-    }
+    const std::string why = "kesta: standard input cannot be changed; name the log's file\n";
+    expectRefused({{{"set", "-", "1", "Name", "x"}, 64, why},
+                   {{"param", "-", "a", "b"}, 64, why},
+                   {{"columns", "-", "--reset"}, 64, why}});
     EXPECT_EQ(run({"export", "-", "--format", "csv", "-o", file, "--force"}, {}, file).exitCode, 2)
         << "the log itself";
     EXPECT_EQ(folder.names(), (std::vector<std::string>{"a.ale", "a.csv", "a.log"}));

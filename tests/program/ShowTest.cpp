@@ -61,12 +61,7 @@ TEST_F(ShowTest, InfoTellsWhatALogIs) {
 
 TEST_F(ShowTest, WrongRequestsNameWhatThereIs) {
     const std::string file = log("a.log", "\"Name\",\"Reel\"", "\"1\",\"2\"\n\"3\",\"4\"\n");
-    struct Wrong {
-        std::vector<std::string> arguments;
-        int exitCode;
-        std::string message;
-    };
-    const std::vector<Wrong> cases = {
+    expectRefused({
         {{"show", file, "--columns", "Real"},
          2,
          "no column \"Real\"; did you mean \"Reel\"? The columns are: Name, Reel"},
@@ -79,21 +74,13 @@ TEST_F(ShowTest, WrongRequestsNameWhatThereIs) {
          "--format: xml not in {table,csv,json}\nkesta: see kesta --help"},
         {{"show"}, 64, "LOG is required\nkesta: see kesta --help"},
         {{}, 64, "A subcommand is required\nkesta: see kesta --help"},
-    };
-    for (const Wrong& wrong : cases) {
-        const Outcome refused = run(wrong.arguments);
-        EXPECT_EQ(refused.exitCode, wrong.exitCode) << wrong.message;
-        EXPECT_EQ(refused.err, "kesta: " + wrong.message + '\n');
-        EXPECT_EQ(refused.out, "");
-    }
+    });
 }
 
 TEST_F(ShowTest, AFullDiskIsNoticed) {
     const std::string file = log("a.log", "\"Name\"", "\"1\"\n");
-    for (const std::vector<std::string>& arguments : {std::vector<std::string>{"show", file},
-                                                      {"info", file},
-                                                      {"--help"},
-                                                      {"export", file, "--format", "csv"}}) {
+    for (const Arguments& arguments :
+         {Arguments{"show", file}, {"info", file}, {"--help"}, {"export", file, "--format", "csv"}}) {
         const Outcome full = run(arguments, "/dev/full");
         EXPECT_EQ(full.exitCode, 2);
         EXPECT_EQ(full.err, "kesta: standard output: No space left on device\n");

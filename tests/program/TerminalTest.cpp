@@ -27,7 +27,7 @@ TEST_F(TerminalTest, NothingThatIsShownSteersIt) {
     const std::string table = folder.with(hostile + ".csv", hostile + ",\n" + hostile + ",\" x\"\n").string();
     const std::string made = path(hostile + ".made");
     const std::string box = path(hostile + ".sg");
-    const std::vector<std::vector<std::string>> commands = {
+    const std::vector<Arguments> commands = {
         {"info", file},
         {"show", file},
         {"show", file, "--columns", hostile + "?"},
@@ -59,7 +59,7 @@ TEST_F(TerminalTest, NothingThatIsShownSteersIt) {
         {"show", file, "--" + hostile},
         {"show", file, "--format", hostile},
     };
-    for (const std::vector<std::string>& command : commands) {
+    for (const Arguments& command : commands) {
         const Outcome shown = run(command);
         EXPECT_FALSE(shown.out.empty() && shown.err.empty()) << command[0];
         EXPECT_TRUE(isHarmless(shown.out)) << command[0] << ": " << testing::PrintToString(shown.out);

@@ -23,10 +23,8 @@ class TimelineTest : public ProgramTest {
         log("a.log", R"("Name","Reel","Start time","End time","Tag","Notes")", lines, params);
     }
 
-    std::string timeline(const std::vector<std::string>& form, const std::vector<std::string>& options) {
-        std::vector<std::string> arguments = {"timeline", path("a.log")};
-        for (const auto& part : {form, options}) arguments.insert(arguments.end(), part.begin(), part.end());
-        return run(arguments).out;
+    std::string timeline(const Arguments& form, const Arguments& options) {
+        return run(Arguments{"timeline", path("a.log")} + form + options).out;
     }
 
     /// The lanes of the text form, without the lines above and below them.
@@ -125,30 +123,19 @@ TEST_F(TimelineTest, TakesOtherColumnsAndRefusesWhatItCannotDraw) {
     expectIn(picture({"--lanes", "scene", "--start", "in", "--end", "out", "--common"}), {"1 lane by Scene"});
     const std::string empty = log("empty.log", "\"Reel\",\"Start time\",\"End time\"", "");
     const std::string unmade = path("x.svg");
-    struct Refused {
-        std::vector<std::string> arguments;
-        int exitCode;
-        std::string why;
-    };
-    const std::vector<Refused> cases = {
-        {{file}, 64, "needs -o FILE or --text"},
-        {{file, "--text", "-o", unmade}, 64, "excludes"},
-        {{file, "--text"}, 2, "no column \"Reel\"; the columns are: Scene, in, out"},
-        {{file, "--text", "--lanes", "Scene"}, 2, "no column \"Start time\""},
-        {{file, "--text", "--lanes", "in", "--start", "in", "--end", "Scene"}, 2, "no record has time codes"},
-        {{empty, "-o", unmade}, 2, "there are no records to show"},
-        {{empty, "--text", "--fps", "50i"}, 64, "\"50i\" is no frame rate"},
-        {{file, "-o", file, "--force"}, 2, "is the log itself"},
-        {{file, "-o", empty}, 2, "is there already; --force replaces it"},
-    };
-    for (Refused refused : cases) {
-        refused.arguments.insert(refused.arguments.begin(), "timeline");
-        const Outcome outcome = run(refused.arguments);
-        EXPECT_EQ(outcome.exitCode, refused.exitCode) << refused.why;
-        expectIn(outcome.err, {refused.why});
-        EXPECT_EQ(outcome.out, "");
-    }
-    EXPECT_FALSE(std::filesystem::exists(unmade));
+    expectRefused({
+        {{"timeline", file}, 64, "needs -o FILE or --text"},
+        {{"timeline", file, "--text", "-o", unmade}, 64, "excludes"},
+        {{"timeline", file, "--text"}, 2, "no column \"Reel\"; the columns are: Scene, in, out"},
+        {{"timeline", file, "--text", "--lanes", "Scene"}, 2, "no column \"Start time\""},
+        {{"timeline", file, "--text", "--lanes", "in", "--start", "in", "--end", "Scene"},
+         2,
+         "no record has time codes"},
+        {{"timeline", empty, "-o", unmade}, 2, "there are no records to show"},
+        {{"timeline", empty, "--text", "--fps", "50i"}, 64, "\"50i\" is no frame rate"},
+        {{"timeline", file, "-o", file, "--force"}, 2, "is the log itself"},
+        {{"timeline", file, "-o", empty}, 2, "is there already; --force replaces it"},
+    });
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>
+#include <type_traits>
 
 #include "tests/TestSupport.h"
 #include "tests/view/ViewModel.h"
@@ -13,8 +14,8 @@ namespace {
 
 using namespace TestSupport;
 
-constexpr unsigned nameField = 0;
-constexpr unsigned valueField = 1;
+constexpr int nameField = 0;
+constexpr int valueField = 1;
 
 class Worlds {
  public:
@@ -22,9 +23,10 @@ class Worlds {
         : m_random(seed),
           m_database(makeTextDatabase({"Name", "Value", "Cookie"})),
           m_model("database", m_expected) {
-        listen(*m_database, "database", [this] { return state(*m_database); });
+        listen(*m_database, "database");
+        m_database->set_sortfield(valueField);
         m_database->add_records(records);
-        m_model.addRecords(records);
+        m_model.add_records(records);
         nameNewRecords();
         dbrecord query(3);
         query.set_field(valueField, "a", false);
@@ -37,11 +39,13 @@ class Worlds {
 
     void step() {
         static constexpr void (Worlds::*steps[])() = {
-            &Worlds::addView,      &Worlds::chainView,        &Worlds::showRows,         &Worlds::showRows,
-            &Worlds::showOthers,   &Worlds::removeRows,       &Worlds::removeRows,       &Worlds::deleteRows,
-            &Worlds::deleteRows,   &Worlds::deleteInDatabase, &Worlds::deleteInDatabase, &Worlds::takeByTag,
-            &Worlds::setTags,      &Worlds::setTags,          &Worlds::insertRecords,    &Worlds::sortView,
-            &Worlds::tagByContent, &Worlds::copyView,         &Worlds::dropSomeView};
+            &Worlds::addView,           &Worlds::chainView,     &Worlds::showRows,
+            &Worlds::showRows,          &Worlds::showRows,      &Worlds::showAll,
+            &Worlds::removeRows,        &Worlds::removeRows,    &Worlds::removeRows,
+            &Worlds::removeByTag,       &Worlds::removeByTag,   &Worlds::deleteInDatabase,
+            &Worlds::deleteInDatabase,  &Worlds::setTags,       &Worlds::setTags,
+            &Worlds::setTagsInDatabase, &Worlds::insertRecords, &Worlds::sortView,
+            &Worlds::tagByContent,      &Worlds::copyView,      &Worlds::dropSomeView};
         (this->*steps[pick(0, static_cast<int>(std::size(steps)) - 1)])();
         nameNewRecords();
     }
@@ -58,46 +62,48 @@ class Worlds {
  private:
     struct Pair {
         KSTView view;
-        ViewModel::View* model;
+        ViewModel::View* model = nullptr;
     };
 
     int pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(m_random); }
     bool chance(int percent) { return pick(1, 100) <= percent; }
-    Pair& anyView() {
+    const Pair& anyView() {
         return m_views[static_cast<std::size_t>(pick(0, static_cast<int>(m_views.size()) - 1))];
     }
     int anyRow(const ViewModel::Source& source) { return pick(-2, source.rows() + 2); }
 
     // --- What is compared ---
 
-    static std::string nameOf(const dbrecord* record) {
-        return record ? str(record->getField(nameField)) : "none";
-    }
-    static std::string state(const kesta& database) {
+    static std::string state(iKST& source) {
         std::string all;
-        for (unsigned row = 0; row < database.get_num_records(); ++row) {
-            const Zr::Ptr<dbrecord> record = database.get_record(row);
-            all += nameOf(record.get()) + (record && record->get_tag() ? "* " : " ");
-        }
-        return all;
-    }
-    static std::string state(KSTViewRep& view) {
-        std::string all;
-        for (int row = 0; row < static_cast<int>(view.get_num_records()); ++row) {
-            all +=
-                nameOf(view[row]) + '@' + std::to_string(view.baseIndex(row)) + (view.tag(row) ? "* " : " ");
+        for (unsigned row = 0; row < source.get_num_records(); ++row) {
+            const Zr::Ptr<dbrecord> record = source.get_record(row);
+            all += record ? str(record->getField(nameField)) : "none";
+            all += '@' + std::to_string(source.baseIndex(static_cast<int>(row)));
+            all += source.get_tag(row) > 0 ? "* " : " ";
         }
         return all;
     }
 
-    template <class State>
-    void listen(Notifier& source, const std::string& name, State stateNow) {
+    template <class Notifying>
+    void listen(Notifying& source, const std::string& name) {
         for (const char* const type : {"recordsDeleted", "recordsChanged"}) {
             m_guards.push_back(source.registerNotification(
-                NotifyMsgTypeDictionary::instance().intern(type), [=](const NotifyMsg& message) {
-                    m_actual.push_back(name + ' ' + type + " [" + str(message.text()) + "] " + stateNow());
+                NotifyMsgTypeDictionary::instance().intern(type), [=, &source](const NotifyMsg& message) {
+                    m_actual.push_back(name + ' ' + type + " [" + str(message.text()) + "] " + state(source));
                     return 0;
                 }));
+        }
+    }
+
+    /// Makes the same call of both, which are to give the same answer.
+    template <class Call>
+    static void both(const Pair& pair, Call call) {
+        if constexpr (std::is_void_v<decltype(call(*pair.model))>) {
+            call(*pair.model);
+            call(*pair.view);
+        } else {
+            ASSERT_EQ(call(*pair.model), call(*pair.view));
         }
     }
 
@@ -105,30 +111,26 @@ class Worlds {
 
     void keep(KSTViewRep* view, ViewModel::View* model) {
         m_views.push_back({KSTView(view), model});
-        listen(*view, model->name, [view] { return state(*view); });
+        listen(*view, model->name);
     }
-    std::string newName() { return "view" + std::to_string(++m_viewsMade); }
+    ViewModel::View* newModel() {
+        return new ViewModel::View("view" + std::to_string(++m_viewsMade), m_expected, m_model);
+    }
+    static void chain(const Pair& pair, const Pair& base) {
+        pair.view->baseView(base.view.rep());
+        pair.model->baseView(base.model);
+    }
 
     void addView() {
         if (m_views.size() >= 5) return;
-        keep(new KSTViewRep(m_database.get()), new ViewModel::View(newName(), m_expected, m_model));
-        Pair& made = m_views.back();
-        if (chance(60)) {
-            Pair& base = anyView();
-            made.view->baseView(base.view.rep());
-            made.model->chain(base.model);
-        }
-        if (chance(80)) {
-            made.view->displayAllRecords();
-            made.model->showAll();
-        }
+        keep(new KSTViewRep(m_database.get()), newModel());
+        const Pair made = m_views.back();
+        if (chance(60)) chain(made, anyView());
+        if (chance(80)) both(made, [](auto& view) { view.displayAllRecords(); });
     }
     void chainView() {
-        Pair& pair = anyView();
-        Pair& base = anyView();
-        const bool unchain = chance(30);
-        pair.view->baseView(unchain ? nullptr : base.view.rep());
-        pair.model->chain(unchain ? nullptr : base.model);
+        const Pair pair = anyView();
+        chain(pair, chance(30) ? Pair{} : anyView());
     }
     void dropView(std::size_t i) {
         ViewModel::View* const model = m_views[i].model;
@@ -140,93 +142,80 @@ class Worlds {
     }
     void copyView() {
         if (m_views.size() >= 5) return;
-        Pair original = anyView();
-        auto* const model = new ViewModel::View(newName(), m_expected, m_model);
+        const Pair original = anyView();
+        ViewModel::View* const model = newModel();
         if (chance(50)) {
             keep(original.view->newTagSubview(), model);
-            model->chain(original.model);
-            model->showTagged(0);
+            model->baseView(original.model);
+            model->displayTaggedRecordsAt(0);
             return;
         }
         keep(original.view->copy(), model);
         if (original.model->base) {
-            model->chain(original.model->base);
-            model->showAll();
+            model->baseView(original.model->base);
+            model->displayAllRecords();
         } else {
-            model->showAllFrom(*original.model, 0);
+            model->displayAllFromAt(original.model, 0);
         }
-        for (int row = 0; row < original.model->rows(); ++row)
-            model->setTag(row, original.model->tag(row) != 0);
+        for (unsigned row = 0; row < original.view->get_num_records(); ++row)
+            model->set_tag(row, original.model->tag(static_cast<int>(row)));
     }
 
     // --- Rows come and go ---
 
     void showRows() {
-        Pair& pair = anyView();
+        const Pair pair = anyView();
         const int at = anyRow(*pair.model);
-        const int rows = pair.model->source().rows();
-        switch (pick(0, 3)) {
-            case 0: {
-                const int first = pick(-1, rows);
-                const int count = pick(0, 1 + rows / 2);
-                ASSERT_EQ(pair.model->show(first, count, at), pair.view->displayRecordsAt(first, count, at));
-                break;
-            }
-            case 1: {
-                const std::string name = "r" + std::to_string(pick(1, m_records));
-                ASSERT_EQ(pair.model->showMatch(name, at),
-                          pair.view->displayMatchAt("Name", name.c_str(), at));
-                break;
-            }
-            case 2: {
-                CookieVec ids;
-                std::vector<std::string> names;
-                for (int i = pick(0, 4); i > 0; --i) {
-                    names.push_back("r" + std::to_string(pick(1, m_records)));
-                    ids.emplace_back(names.back().c_str(), false);
-                }
-                ASSERT_EQ(pair.model->showMatches(names, at), pair.view->displayRecordsAt(ids, at));
-                break;
-            }
+        const int first = pick(-1, pair.model->source().rows());
+        const int count = pick(0, 1 + pair.model->source().rows() / 2);
+        CookieVec ids;
+        std::vector<std::string> names;
+        for (int i = pick(1, 4); i > 0; --i) {
+            names.push_back("r" + std::to_string(pick(1, m_records)));
+            ids.emplace_back(names.back().c_str(), false);
+        }
+        switch (pick(0, 4)) {
+            case 0:
+                return both(pair, [&](auto& view) { return view.displayRecordsAt(first, count, at); });
+            case 1:
+                return both(pair,
+                            [&](auto& view) { return view.displayMatchAt("Name", names[0].c_str(), at); });
+            case 2:
+                ASSERT_EQ(pair.model->displayRecordsAt(names, at), pair.view->displayRecordsAt(ids, at));
+                return;
+            case 3:
+                return both(pair, [&](auto& view) { view.displayTaggedRecordsAt(at); });
             default:
-                pair.model->showTagged(at);
-                pair.view->displayTaggedRecordsAt(at);
+                const Pair other = anyView();
+                ASSERT_EQ(pair.model->displayAllFromAt(other.model, at),
+                          pair.view->displayAllFromAt(other.view.rep(), at));
         }
     }
-    void showOthers() {
-        Pair& pair = anyView();
-        if (chance(20)) {
-            pair.model->showAll();
-            pair.view->displayAllRecords();
-            return;
-        }
-        Pair& other = anyView();
-        const int at = anyRow(*pair.model);
-        ASSERT_EQ(pair.model->showAllFrom(*other.model, at),
-                  pair.view->displayAllFromAt(other.view.rep(), at));
+    void showAll() {
+        both(anyView(), [](auto& view) { view.displayAllRecords(); });
     }
     void removeRows() {
-        Pair& pair = anyView();
-        const int row = anyRow(*pair.model);
-        const int count = pick(0, 4);
-        if (chance(50)) {
-            pair.model->remove(row, count);
-            pair.view->remove(row, count);
-        } else {
-            pair.model->takeFromChain(row, count);
-            pair.view->removeRecordsFromBaseView(row, count);
-        }
-    }
-    void deleteRows() {
-        Pair& pair = anyView();
-        if (chance(40)) {
-            ASSERT_EQ(pair.model->deleteTagged(), pair.view->deleteTagged());
-            return;
-        }
+        const Pair pair = anyView();
         const int row = anyRow(*pair.model);
         const int count = pick(0, 5);
-        pair.model->deleteRecords(row, count);
-        pair.view->deleteRecords(row, count);
+        switch (pick(0, 2)) {
+            case 0:
+                return both(pair, [=](auto& view) { view.remove(row, count); });
+            case 1:
+                return both(pair, [=](auto& view) { view.removeRecordsFromBaseView(row, count); });
+            default:
+                both(pair, [=](auto& view) { view.deleteRecords(row, count); });
+        }
+    }
+    void removeByTag() {
+        switch (pick(0, 3)) {
+            case 0:
+                return both(anyView(), [](auto& view) { return view.removeNonTagged(); });
+            case 1:
+                return both(anyView(), [](auto& view) { return view.removeTagged(); });
+            default:
+                both(anyView(), [](auto& view) { return view.deleteTagged(); });
+        }
     }
     void deleteInDatabase() {
         if (chance(40)) {
@@ -238,72 +227,46 @@ class Worlds {
         m_model.deleteRecords(row, count);
         m_database->delete_records(static_cast<unsigned>(row), static_cast<unsigned>(count));
     }
-    void takeByTag() {
-        Pair& pair = anyView();
-        const bool tagged = chance(70);
-        ASSERT_EQ(pair.model->removeByTag(tagged),
-                  tagged ? pair.view->removeTagged() : pair.view->removeNonTagged());
-    }
     void insertRecords() {
-        Pair& pair = anyView();
+        const Pair pair = anyView();
         const int at = anyRow(*pair.model);
         const int count = pick(0, 3);
-        pair.model->insertRecords(at, count);
-        pair.view->insertBlankRecords(at, count);
-        if (m_model.rows() < 10) {
-            pair.model->addRecords(20);
-            pair.view->add_records(20);
-        }
+        both(pair, [=](auto& view) { view.insertBlankRecords(at, count); });
+        if (m_model.rows() < 10) both(pair, [](auto& view) { view.add_records(20); });
     }
 
     // --- Tags and order ---
 
     void setTags() {
-        if (chance(30)) {
-            for (int row = 0; row < m_model.rows(); ++row) {
-                const bool on = chance(20);
-                m_model.setTag(row, on);
-                m_database->set_tag(static_cast<unsigned>(row), on);
-            }
-            return;
-        }
-        Pair& pair = anyView();
+        const Pair pair = anyView();
         const int percent = pick(0, 60);
-        for (int row = 0; row < pair.model->rows(); ++row) {
-            const bool on = chance(percent);
-            pair.model->setTag(row, on);
-            pair.view->set_tag(static_cast<unsigned>(row), on ? 5 : 0);
+        for (unsigned row = 0; row < pair.view->get_num_records(); ++row) {
+            const int tag = chance(percent) ? 5 : 0;
+            both(pair, [=](auto& view) { view.set_tag(row, tag); });
         }
-        ASSERT_EQ(pair.view->countTags(), pair.view->get_num_tags());
+    }
+    void setTagsInDatabase() {
+        for (unsigned row = 0; row < m_database->get_num_records(); ++row) {
+            const int tag = chance(20);
+            m_model.set_tag(row, tag);
+            m_database->set_tag(row, tag);
+        }
     }
     void sortView() {
-        Pair& pair = anyView();
         const int direction = chance(50) ? 1 : -1;
-        pair.model->sort(direction);
-        pair.view->set_sortfield(valueField);
-        pair.view->sort(direction, 0);
+        both(anyView(), [=](auto& view) { view.sort(direction, 0); });
     }
     void tagByContent() {
-        Pair& pair = anyView();
-        switch (pick(0, 4)) {
-            case 0: {
-                const bool keepTags = chance(50);
-                ASSERT_EQ(pair.model->tagMatches(keepTags), pair.view->tagMatches(keepTags));
-                break;
-            }
+        const int keepTags = chance(50);
+        switch (pick(0, 3)) {
+            case 0:
+                return both(anyView(), [=](auto& view) { return view.tagMatches(keepTags); });
             case 1:
-                ASSERT_EQ(pair.model->tagDuplicatesOrdered(), pair.view->tagDuplicatesOrdered(valueField));
-                break;
+                return both(anyView(), [](auto& view) { return view.tagDuplicatesOrdered(valueField); });
             case 2:
-                ASSERT_EQ(pair.model->tagDuplicates("temporary"), pair.view->tagDuplicates(valueField));
-                break;
-            case 3:
-                pair.model->tagSource();
-                pair.view->tagBaseFromTags();
-                break;
+                return both(anyView(), [](auto& view) { return view.tagDuplicates(valueField); });
             default:
-                pair.model->showAll();
-                pair.view->displayAllRecordsWithBaseTagStatus();  // there is no field "Tag"
+                both(anyView(), [](auto& view) { view.tagBaseFromTags(); });
         }
     }
 
