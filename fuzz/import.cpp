@@ -42,7 +42,9 @@ void checkNothingLost(const kesta& log, const TableSource& table, const Rows& ro
     }
     for (unsigned row = 0; row < rows.size(); ++row) {
         for (unsigned field = 0; field < rows[row].size(); ++field) {
-            Fuzz::promise(log.getField(row, field).view() == Ascii::trimmed(rows[row][field]));
+            const std::string& value = rows[row][field];
+            const std::string_view kept = log.getField(row, field).view();
+            Fuzz::promise(kept == value || kept == Ascii::trimmed(value));
         }
     }
 }
