@@ -57,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ImportOptions options;
     options.file = Fuzz::folder() / (isCSV ? "input.csv" : "input.ale");
     options.log = Fuzz::folder() / "imported.log";
-    options.force = true;
+    options.saving.force = true;
     Fuzz::writeFile(options.file, input.rest());
     std::filesystem::remove(options.log);
     int exitCode = exitDone;
@@ -68,7 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     const kesta log(fromUTF8(options.log.c_str()), std::numeric_limits<int>::max(), true);
-    const auto table = readTable(options.file);
+    const auto table = readTable(options.file, options.format);
     const Rows rows = rowsOf(*table);
     checkLog(log, rows.size());
     if (exitCode == exitDone) checkNothingLost(log, *table, rows);
