@@ -41,7 +41,9 @@ inHead && /^\/\// {
 }
 { inHead = 0 }
 
-/^ *\/\/ --- .* ---$/ {
+/^ *(private|protected):/ { isHidden = 1 }
+/^ *public:/ || /^};/ { isHidden = 0 }
+/^ *\/\/ --- .* ---$/ && !isHidden {
     closeGroup()
     title = $0
     sub(/^ *\/\/ --- /, "", title)
