@@ -29,7 +29,7 @@ FNR == 1 {
         close(FILENAME)
     }
     print ofClass ? "/// \\class " name : "/// \\file"
-    sub(/^\/\/ [A-Za-z_]+: /, isName($2) ? "// " : "&")
+    if (sub(/^\/\/ [A-Za-z_]+: /, "// ")) $0 = "// " toupper(substr($0, 4, 1)) substr($0, 5)
     inHead = 1
 }
 
@@ -41,22 +41,24 @@ inHead && /^\/\// {
 }
 { inHead = 0 }
 
-/^ *\/\/ --- .* ---$/ {
+/^ *(private|protected):/ { isHidden = 1 }
+/^ *public:/ || /^};/ { isHidden = 0 }
+/^ *\/\/ --- .* ---$/ && !isHidden {
     closeGroup()
     title = $0
     sub(/^ *\/\/ --- /, "", title)
     sub(/( \([^()]*\))? ---$/, "", title)
-    print "/// \\name " title
+    print "/** \\name " title
     inTitle = 1
     next
 }
 inTitle && /^ *\/\// {
-    sub(/\/\//, "///")
+    sub(/\/\//, " *")
     print
     next
 }
 inTitle {
-    print "///@{"
+    print " */\n///@{"
     inTitle = 0
     inGroup = 1
 }
@@ -82,7 +84,7 @@ inTitle {
     next
 }
 
-depth == 0 && (/= delete;/ || (!inComment && comment == "" && /^ *(virtual )?(~|[A-Za-z&]+ operator=)[^{}]*;/)) {
+depth == 0 && (/= delete;/ || (!inComment && /^ *(virtual )?(~|[A-Za-z&]+ operator=)[^{}]*;/)) {
     inComment = 0
     next
 }
