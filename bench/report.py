@@ -191,6 +191,8 @@ def main():
             if sys.stderr.isatty():
                 print(f"\r\033[K{done} of {len(groups)}: {operation}, {rows:,} records", end="", file=sys.stderr)
             results += measure(arguments.program, variants, repetitions(arguments, rows), folder)
+            # At once, so that a run which is broken off leaves what it has.
+            (arguments.output / "results.json").write_text(json.dumps(results, indent=1) + "\n")
     if sys.stderr.isatty():
         print("\r\033[K", end="", file=sys.stderr)
 
@@ -199,7 +201,6 @@ def main():
     if len(memory) > 1:
         print()
         show(memory, left={0, 2})
-    (arguments.output / "results.json").write_text(json.dumps(results, indent=1) + "\n")
     if not arguments.smoke:
         plot(results, arguments.output / "plot.svg")
 
