@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(g++ cmake ninja-build libgtest-dev libbenchmark-dev libcli11-dev)
 if [[ ${1:-} == ci ]]; then
     packages+=(clang clang-format clang-tidy gcovr libclang-rt-dev libc6-dbg pkg-config valgrind)
-    packages+=(bash-completion dpkg-dev file fish gdb lintian man-db mandoc python3 zsh)
+    packages+=(bash-completion doxygen dpkg-dev file fish gdb lintian man-db mandoc python3 zsh)
 elif [[ ${1:-} == bench ]]; then
     packages+=(python3 python3-matplotlib)
 fi
