@@ -4,8 +4,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/TestSupport.h"
-#include "view/KSTView.h"
+#include "tests/view/Views.h"
 
 namespace {
 
@@ -26,11 +25,8 @@ TEST(ViewThreads, ReadTheSameWhileNobodyWrites) {
     const auto database = TestSupport::makeTextDatabase({"Name"});
     database->add_records(1000);
     for (unsigned row = 0; row < 1000; ++row) database->set_field(row, 0, static_cast<int>(row));
-    const KSTView base(new KSTViewRep(database.get()));
-    base->displayAllRecords();
-    const KSTView top(new KSTViewRep(database.get()));
-    top->baseView(base.rep());
-    top->displayAllRecords();
+    const KSTView base = viewOfAll(*database);
+    const KSTView top = viewOfAll(*database, base);
     for (unsigned row = 0; row < 1000; row += 9) top->set_tag(row, 1);
     // Scattered deletions leave notes in the row indices, through which the readers look.
     for (unsigned row = 0; row < 900; row += 20) database->delete_records(row, 1);

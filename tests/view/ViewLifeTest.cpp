@@ -6,8 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "tests/TestSupport.h"
-#include "view/KSTView.h"
+#include "tests/view/Views.h"
 
 namespace {
 
@@ -15,18 +14,8 @@ using namespace TestSupport;
 
 Zr::Ptr<kesta> rows(int count) {
     auto database = makeTextDatabase({"Name"});
-    for (int i = 0; i < count; ++i) {
-        const unsigned row = database->add_records(1);
-        database->set_field(row, 0, i);
-    }
+    for (int i = 0; i < count; ++i) database->set_field(database->add_records(1), 0, i);
     return database;
-}
-
-KSTView viewOfAll(kesta& database, const KSTView& base = KSTView()) {
-    KSTView view(new KSTViewRep(&database));
-    view->baseView(base.rep());
-    view->displayAllRecords();
-    return view;
 }
 
 // Says when it goes.
@@ -81,34 +70,17 @@ TEST(ViewLife, ABaseViewHeldOnlyByTheOneItReplacesIsKept) {
     EXPECT_EQ(kept, top->db());
 }
 
-TEST(ViewLife, NoViewStandsOnItself) {
-    const auto database = rows(3);
-    const KSTView bottom = viewOfAll(*database);
-    const KSTView middle = viewOfAll(*database, bottom);
-    const KSTView top = viewOfAll(*database, middle);
-    for (const KSTView& base : {bottom, middle, top}) {
-        bottom->baseView(base.rep());
-        EXPECT_EQ(database.get(), bottom->db());
-    }
-    EXPECT_EQ(3u, top->get_num_records());
-    EXPECT_EQ(2u, bottom->useCount());
-}
-
 TEST(ViewLife, AChainHasAnEnd) {
     const auto database = rows(2);
     KSTView top = viewOfAll(*database);
     for (int i = 0; i < 1200; ++i) {
-        KSTView next(new KSTViewRep(database.get()));
-        next->baseView(top.rep());
-        if (next->db() != top.rep()) break;
-        next->displayRecordsAt(0, 1, 0);
-        top = next;
+        const KSTView next = viewOfAll(*database, top);
+        if (next->db() == top.rep()) top = next;
     }
-    EXPECT_EQ(0, top->baseIndex(0));
-    EXPECT_EQ(0, top->tagDuplicates(0));
     EXPECT_EQ(nullptr, top->newTagSubview()) << "as long as it may be";
+    EXPECT_EQ(0, top->tagDuplicates(0));
     database->delete_records(0, 1);
-    EXPECT_EQ(0u, top->get_num_records());
+    EXPECT_EQ(0u, top->get_num_records()) << "the database and the base view both tell of it";
 }
 
 // Chains that are each short enough are not put under each other without end.
@@ -191,20 +163,24 @@ TEST(ViewLife, ACopiedDatabaseLivesAsLongAsAViewStandsOnIt) {
 
 // --- Listeners that do something to the view ---
 
-Zr::Ptr<Zr::Guard> onDeletion(KSTViewRep& view, std::function<void()> action) {
-    return view.registerNotification(NotifyMsgTypeDictionary::instance().intern("recordsDeleted"),
-                                     [action = std::move(action)](const NotifyMsg&) {
-                                         action();
-                                         return 0;
-                                     });
+Zr::Ptr<Zr::Guard> on(const char* type, Notifier& source, std::function<void()> action) {
+    return source.registerNotification(NotifyMsgTypeDictionary::instance().intern(type),
+                                       [action = std::move(action)](const NotifyMsg&) {
+                                           action();
+                                           return 0;
+                                       });
 }
 
-TEST(ViewLife, AListenerMayRefreshTheViewAtEachLoss) {
-    const auto database = rows(10);
+class ViewListener : public ::testing::Test {
+ protected:
+    const Zr::Ptr<kesta> database = rows(10);
     const KSTView view = viewOfAll(*database);
+};
+
+TEST_F(ViewListener, MayRefreshTheViewAtEachLoss) {
     bool refreshing = false;
     int refreshes = 0;
-    const auto guard = onDeletion(*view, [&] {
+    const auto guard = on("recordsDeleted", *view, [&] {
         if (std::exchange(refreshing, true)) return;
         view->displayAllRecords();
         ++refreshes;
@@ -215,11 +191,9 @@ TEST(ViewLife, AListenerMayRefreshTheViewAtEachLoss) {
     EXPECT_EQ((Fields{"0", "1", "5", "6", "7", "8", "9"}), columnOf(*view, 0));
 }
 
-TEST(ViewLife, AListenerThatShowsLostRowsAgainIsToldOnlySoOften) {
-    const auto database = rows(10);
-    const KSTView view = viewOfAll(*database);
+TEST_F(ViewListener, ThatShowsLostRowsAgainIsToldOnlySoOften) {
     int told = 0;
-    const auto guard = onDeletion(*view, [&] {
+    const auto guard = on("recordsDeleted", *view, [&] {
         ++told;
         view->displayRecordsAt(2, 1, 5);
     });
@@ -228,36 +202,31 @@ TEST(ViewLife, AListenerThatShowsLostRowsAgainIsToldOnlySoOften) {
 }
 
 TEST(ViewLife, ADeletionEndsWhenAListenerAttachesTheChainToAnotherDatabase) {
-    for (const bool deleteTagged : {false, true}) {
+    for (void (*const deletion)(KSTViewRep&) :
+         {+[](KSTViewRep& top) { top.deleteRecords(0, 10); }, +[](KSTViewRep& top) { top.deleteTagged(); }}) {
         const auto database = rows(10);
         const auto other = rows(10);
         const KSTView base = viewOfAll(*database);
         const KSTView top = viewOfAll(*database, base);
         top->sort(-1, 0);
         top->tagAll(true);
-        const auto guard = onDeletion(*base, [&] {
+        top->set_tag(5, 0);
+        const auto guard = on("recordsDeleted", *base, [&] {
             if (base->db() == other.get()) return;
             base->kst(other.get());
             base->displayAllRecords();
         });
-        if (deleteTagged) {
-            top->set_tag(5, 0);
-            top->deleteTagged();
-        } else {
-            top->deleteRecords(0, 10);
-        }
+        deletion(*top);
         EXPECT_GT(10u, database->get_num_records());
         EXPECT_EQ(10u, other->get_num_records());
     }
 }
 
-TEST(ViewLife, AListenerThatShowsAnotherRowDoesNotEndTheDeletion) {
-    const auto database = rows(10);
-    const KSTView view = viewOfAll(*database);
+TEST_F(ViewListener, ThatShowsAnotherRowDoesNotEndTheDeletion) {
     view->remove(5, 5);
     view->sort(-1, 0);
     int more = 2;
-    const auto guard = onDeletion(*view, [&] {
+    const auto guard = on("recordsDeleted", *view, [&] {
         if (more-- > 0) {
             database->add_records(1);
             view->displayRecordsAt(0, 1, 5);
@@ -267,23 +236,17 @@ TEST(ViewLife, AListenerThatShowsAnotherRowDoesNotEndTheDeletion) {
     EXPECT_EQ(8u, database->get_num_records());
 }
 
-TEST(ViewLife, AListenerThatThrowsSilencesNobody) {
-    const auto database = rows(10);
-    const KSTView base = viewOfAll(*database);
-    const auto guard = onDeletion(*base, [] { throw std::runtime_error("first"); });
-    const KSTView top = viewOfAll(*database, base);
-    base->displayRecordsAt(0, 10, 0);
+TEST_F(ViewListener, ThatThrowsSilencesNobody) {
+    const auto guard = on("recordsDeleted", *view, [] { throw std::runtime_error("first"); });
+    const KSTView top = viewOfAll(*database, view);
+    view->displayRecordsAt(0, 10, 0);
     top->displayAllRecords();
     int changed = 0;
-    const auto changes = base->registerNotification(
-        NotifyMsgTypeDictionary::instance().intern("recordsChanged"), [&](const NotifyMsg&) {
-            ++changed;
-            return 0;
-        });
+    const auto changes = on("recordsChanged", *view, [&] { ++changed; });
     EXPECT_THROW(database->delete_records(2, 2), std::runtime_error);
     EXPECT_EQ(1, changed);
     EXPECT_EQ((Fields{"0", "1", "4", "5", "6", "7", "8", "9", "0", "1", "4", "5", "6", "7", "8", "9"}),
-              columnOf(*base, 0));
+              columnOf(*view, 0));
     for (unsigned row = 0; row < top->get_num_records(); ++row) EXPECT_TRUE(top->get_record(row));
 }
 
@@ -308,75 +271,67 @@ TEST(ViewLife, ManyIdentifiersAreFoundOneByOneOrTogether) {
     constexpr int many = 4000;
     const auto database = makeTextDatabase({"Cookie"});
     database->add_records(many);
-    CookieVec ids;
-    int expected = 0;
     const KSTView single(new KSTViewRep(database.get()));
+    const KSTView together(new KSTViewRep(database.get()));
+    CookieVec all;
+    CookieVec some;
+    CookieSet set;
     for (int i = 0; i < many; ++i) {
         const std::string text = "id-" + std::to_string(i);
         database->set_field(static_cast<unsigned>(i), 0, (i % 3 == 0 ? text : "x" + text).c_str());
-        ids.emplace_back(text.c_str(), false);
+        all.emplace_back(text.c_str(), false);
+        if (i % 50 != 0) continue;
+        some.push_back(all.back());
+        set.add(all.back());
     }
-    for (int i = 0; i < many; i += 50) {
-        const auto text = ids[static_cast<std::size_t>(i)].asString(false);
-        expected += single->displayMatchAt("Cookie", text.c_str(), expected);
-    }
-    EXPECT_LT(0, expected);
-    CookieVec some;
-    for (int i = 0; i < many; i += 50) some.push_back(ids[static_cast<std::size_t>(i)]);
-    CookieSet set;
-    for (const Cookie& id : some) set.add(id);
-    const KSTView together(new KSTViewRep(database.get()));
-    EXPECT_EQ(expected, together->displayRecordsAt(some, 0));
+    int found = 0;
+    for (const Cookie& id : some)
+        found += single->displayMatchAt("Cookie", id.asString(false).c_str(), found);
+    EXPECT_LT(0, found);
+    EXPECT_EQ(found, together->displayRecordsAt(some, 0));
     EXPECT_EQ(columnOf(*single, 0), columnOf(*together, 0));
     together->clear();
-    EXPECT_EQ(expected, together->displayRecordsAt(set, 0));
+    EXPECT_EQ(found, together->displayRecordsAt(set, 0));
     EXPECT_EQ(columnOf(*single, 0), columnOf(*together, 0));
-    together->displayRecordsAt(ids, 0);
+    together->displayRecordsAt(all, 0);
 }
 
 // A listener that, at the n-th announcement it hears, ends something: whatever it is and whenever it comes,
 // the deletion goes on with what is left.
 class EndsSomething : public ::testing::TestWithParam<int> {
  protected:
-    EndsSomething() { begin(); }
-
-    void begin() {
-        guards.clear();
-        heard = 0;
+    void deleteEverywhere(const std::function<void()>& end) {
         database = rows(8);
         base = viewOfAll(*database);
         top = viewOfAll(*database, base);
-        for (unsigned row = 0; row < 8; row += 2) top->set_tag(row, 1), database->set_tag(row, 1);
-        for (Notifier* const source : {static_cast<Notifier*>(base.rep()), static_cast<Notifier*>(top.rep()),
-                                       static_cast<Notifier*>(database.get())}) {
+        for (unsigned row = 0; row < 8; row += 2) {
+            top->set_tag(row, 1);
+            database->set_tag(row, 1);
+        }
+        int heard = 0;
+        std::vector<Zr::Ptr<Zr::Guard>> guards;
+        for (Notifier* const source :
+             std::initializer_list<Notifier*>{base.rep(), top.rep(), database.get()}) {
             for (const char* const type : {"recordsDeleted", "recordsChanged"}) {
-                guards.push_back(source->registerNotification(
-                    NotifyMsgTypeDictionary::instance().intern(type), [this](const NotifyMsg&) {
-                        if (++heard == GetParam()) end();
-                        return 0;
-                    }));
+                guards.push_back(on(type, *source, [&] {
+                    if (++heard == GetParam()) end();
+                }));
             }
         }
-    }
-
-    void deleteEverywhere() {
-        const KSTViewRep* const deleting = top.rep();
         top.rep()->deleteTagged();
-        if (top.rep() == deleting && top) top->removeTagged();
+        if (top) top->removeTagged();
         if (database) database->delete_tagged_records();
         if (top) top->displayAllRecords();
         if (base) base->remove(0, 2);
+        EXPECT_LT(0, heard);
     }
 
     Zr::Ptr<kesta> database;
     KSTView base;
     KSTView top;
-    std::vector<Zr::Ptr<Zr::Guard>> guards;
-    int heard = 0;
-    std::function<void()> end;
 };
 
-TEST_P(EndsSomething, AView) {
+TEST_P(EndsSomething, AndTheRestGoesOn) {
     const std::function<void()> ends[] = {[this] { top = KSTView(); },
                                           [this] {
                                               top->baseView(nullptr);
@@ -385,29 +340,19 @@ TEST_P(EndsSomething, AView) {
                                           [this] {
                                               base = KSTView();
                                               top = KSTView();
+                                          },
+                                          [this] { database.reset(); },
+                                          [this] {
+                                              base->remove(0, 8);
+                                              top->displayRecordsAt(0, 3, 1);
+                                              top->sort(-1, 0);
                                           }};
-    for (const auto& which : ends) {
-        begin();
-        end = which;
-        deleteEverywhere();
+    for (const auto& end : ends) {
+        deleteEverywhere(end);
+        if (!database) continue;
         EXPECT_EQ(0, database->get_num_tags());
+        for (unsigned row = 0; top && row < top->get_num_records(); ++row) EXPECT_TRUE(top->get_record(row));
     }
-}
-
-TEST_P(EndsSomething, TheDatabase) {
-    end = [this] { database.reset(); };
-    deleteEverywhere();
-    EXPECT_TRUE(!database || heard < GetParam());
-}
-
-TEST_P(EndsSomething, EveryRowOfTheViews) {
-    end = [this] {
-        base->remove(0, 8);
-        top->displayRecordsAt(0, 3, 1);
-        top->sort(-1, 0);
-    };
-    deleteEverywhere();
-    for (unsigned row = 0; row < top->get_num_records(); ++row) EXPECT_TRUE(top->get_record(row));
 }
 
 INSTANTIATE_TEST_SUITE_P(AtEachAnnouncement, EndsSomething, ::testing::Range(1, 26));

@@ -39,14 +39,13 @@ class Worlds {
 
     void step() {
         static constexpr void (Worlds::*steps[])() = {
-            &Worlds::addView,           &Worlds::chainView,     &Worlds::showRows,
-            &Worlds::showRows,          &Worlds::showRows,      &Worlds::showAll,
-            &Worlds::removeRows,        &Worlds::removeRows,    &Worlds::removeRows,
-            &Worlds::removeByTag,       &Worlds::removeByTag,   &Worlds::deleteInDatabase,
-            &Worlds::deleteInDatabase,  &Worlds::setTags,       &Worlds::setTags,
-            &Worlds::setTagsInDatabase, &Worlds::insertRecords, &Worlds::sortView,
-            &Worlds::tagByContent,      &Worlds::copyView,      &Worlds::dropSomeView};
+            &Worlds::addView,    &Worlds::chainView,         &Worlds::copyView,         &Worlds::dropSomeView,
+            &Worlds::showSome,   &Worlds::deleteInDatabase,  &Worlds::deleteInDatabase, &Worlds::setTags,
+            &Worlds::setTags,    &Worlds::setTagsInDatabase, &Worlds::changeView,       &Worlds::changeView,
+            &Worlds::changeView, &Worlds::changeView,        &Worlds::changeView,       &Worlds::changeView,
+            &Worlds::changeView, &Worlds::changeView,        &Worlds::changeView,       &Worlds::changeView};
         (this->*steps[pick(0, static_cast<int>(std::size(steps)) - 1)])();
+        if (m_model.rows() < 10) both(anyView(), [](auto& view) { view.add_records(20); });
         nameNewRecords();
     }
 
@@ -70,6 +69,7 @@ class Worlds {
     const Pair& anyView() {
         return m_views[static_cast<std::size_t>(pick(0, static_cast<int>(m_views.size()) - 1))];
     }
+    std::string anyName() { return "r" + std::to_string(pick(1, m_records)); }
     int anyRow(const ViewModel::Source& source) { return pick(-2, source.rows() + 2); }
 
     // --- What is compared ---
@@ -105,6 +105,13 @@ class Worlds {
         } else {
             ASSERT_EQ(call(*pair.model), call(*pair.view));
         }
+    }
+
+    /// Makes one of the calls.
+    template <class... Calls>
+    void oneOf(const Pair& pair, Calls... calls) {
+        int before = pick(0, static_cast<int>(sizeof...(calls)) - 1);
+        ((before-- == 0 ? both(pair, calls) : void()), ...);
     }
 
     // --- Views come and go ---
@@ -163,59 +170,22 @@ class Worlds {
 
     // --- Rows come and go ---
 
-    void showRows() {
+    void showSome() {
         const Pair pair = anyView();
+        const Pair other = anyView();
         const int at = anyRow(*pair.model);
-        const int first = pick(-1, pair.model->source().rows());
-        const int count = pick(0, 1 + pair.model->source().rows() / 2);
+        if (chance(50)) {
+            ASSERT_EQ(pair.model->displayAllFromAt(other.model, at),
+                      pair.view->displayAllFromAt(other.view.rep(), at));
+            return;
+        }
         CookieVec ids;
         std::vector<std::string> names;
-        for (int i = pick(1, 4); i > 0; --i) {
-            names.push_back("r" + std::to_string(pick(1, m_records)));
+        for (int i = pick(0, 4); i > 0; --i) {
+            names.push_back(anyName());
             ids.emplace_back(names.back().c_str(), false);
         }
-        switch (pick(0, 4)) {
-            case 0:
-                return both(pair, [&](auto& view) { return view.displayRecordsAt(first, count, at); });
-            case 1:
-                return both(pair,
-                            [&](auto& view) { return view.displayMatchAt("Name", names[0].c_str(), at); });
-            case 2:
-                ASSERT_EQ(pair.model->displayRecordsAt(names, at), pair.view->displayRecordsAt(ids, at));
-                return;
-            case 3:
-                return both(pair, [&](auto& view) { view.displayTaggedRecordsAt(at); });
-            default:
-                const Pair other = anyView();
-                ASSERT_EQ(pair.model->displayAllFromAt(other.model, at),
-                          pair.view->displayAllFromAt(other.view.rep(), at));
-        }
-    }
-    void showAll() {
-        both(anyView(), [](auto& view) { view.displayAllRecords(); });
-    }
-    void removeRows() {
-        const Pair pair = anyView();
-        const int row = anyRow(*pair.model);
-        const int count = pick(0, 5);
-        switch (pick(0, 2)) {
-            case 0:
-                return both(pair, [=](auto& view) { view.remove(row, count); });
-            case 1:
-                return both(pair, [=](auto& view) { view.removeRecordsFromBaseView(row, count); });
-            default:
-                both(pair, [=](auto& view) { view.deleteRecords(row, count); });
-        }
-    }
-    void removeByTag() {
-        switch (pick(0, 3)) {
-            case 0:
-                return both(anyView(), [](auto& view) { return view.removeNonTagged(); });
-            case 1:
-                return both(anyView(), [](auto& view) { return view.removeTagged(); });
-            default:
-                both(anyView(), [](auto& view) { return view.deleteTagged(); });
-        }
+        ASSERT_EQ(pair.model->displayRecordsAt(names, at), pair.view->displayRecordsAt(ids, at));
     }
     void deleteInDatabase() {
         if (chance(40)) {
@@ -227,15 +197,32 @@ class Worlds {
         m_model.deleteRecords(row, count);
         m_database->delete_records(static_cast<unsigned>(row), static_cast<unsigned>(count));
     }
-    void insertRecords() {
+    void changeView() {
         const Pair pair = anyView();
         const int at = anyRow(*pair.model);
-        const int count = pick(0, 3);
-        both(pair, [=](auto& view) { view.insertBlankRecords(at, count); });
-        if (m_model.rows() < 10) both(pair, [](auto& view) { view.add_records(20); });
+        const int count = pick(0, 5);
+        const int first = pick(-1, pair.model->source().rows());
+        const int many = pick(0, 1 + pair.model->source().rows() / 2);
+        const std::string name = anyName();
+        const int on = chance(50);
+        oneOf(
+            pair, [=](auto& view) { return view.displayRecordsAt(first, many, at); },
+            [=](auto& view) { return view.displayMatchAt("Name", name.c_str(), at); },
+            [=](auto& view) { view.displayTaggedRecordsAt(at); },
+            [=](auto& view) { view.displayAllRecords(); },
+            [=](auto& view) { view.insertBlankRecords(at, count); },
+            [=](auto& view) { view.remove(at, count); },
+            [=](auto& view) { view.removeRecordsFromBaseView(at, count); },
+            [=](auto& view) { view.deleteRecords(at, count); },
+            [=](auto& view) { return view.deleteTagged(); },
+            [=](auto& view) { return on ? view.removeTagged() : view.removeNonTagged(); },
+            [=](auto& view) { view.sort(on ? 1 : -1, 0); }, [=](auto& view) { return view.tagMatches(on); },
+            [=](auto& view) { return view.tagDuplicatesOrdered(valueField); },
+            [=](auto& view) { return view.tagDuplicates(valueField); },
+            [=](auto& view) { view.tagBaseFromTags(); });
     }
 
-    // --- Tags and order ---
+    // --- Tags ---
 
     void setTags() {
         const Pair pair = anyView();
@@ -252,24 +239,6 @@ class Worlds {
             m_database->set_tag(row, tag);
         }
     }
-    void sortView() {
-        const int direction = chance(50) ? 1 : -1;
-        both(anyView(), [=](auto& view) { view.sort(direction, 0); });
-    }
-    void tagByContent() {
-        const int keepTags = chance(50);
-        switch (pick(0, 3)) {
-            case 0:
-                return both(anyView(), [=](auto& view) { return view.tagMatches(keepTags); });
-            case 1:
-                return both(anyView(), [](auto& view) { return view.tagDuplicatesOrdered(valueField); });
-            case 2:
-                return both(anyView(), [](auto& view) { return view.tagDuplicates(valueField); });
-            default:
-                both(anyView(), [](auto& view) { view.tagBaseFromTags(); });
-        }
-    }
-
     // Records just made get a name, the same in both worlds, and a value that others may share.
     void nameNewRecords() {
         for (int row = 0; row < m_model.rows(); ++row) {
