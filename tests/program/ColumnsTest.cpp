@@ -17,8 +17,8 @@ class ColumnsTest : public ProgramTest {
 
     /// A log of columns that are named by their numbers.
     std::string manyColumns(int count) const {
-        std::string names = "\"1\"";
-        for (int i = 2; i <= count; ++i) names += ",\"" + std::to_string(i) + '"';
+        std::string names;
+        for (int i = 1; i <= count; ++i) names += (i > 1 ? ",\"" : "\"") + std::to_string(i) + '"';
         return log("many.log", names, "");
     }
 };

@@ -190,7 +190,7 @@ TEST(View, AnnouncesRemovalsOfNothingAndReadsJunkAsRow0) {
     EXPECT_EQ((Fields{"b", "c"}).size(), view->get_num_records());
 }
 
-TEST(View, NumbersOutOfRangeDoNothing) {
+TEST(View, NumbersOutOfRangeAndNullsDoNothing) {
     const auto database = fiveRows();
     const KSTView view = viewOfAll(*database);
     for (const int row : {INT_MIN, -1, 5, INT_MAX}) {
@@ -199,19 +199,14 @@ TEST(View, NumbersOutOfRangeDoNothing) {
             view->deleteRecords(row, count);
             view->removeRecordsFromBaseView(row, count);
             view->delete_records(static_cast<unsigned>(row), static_cast<unsigned>(count));
-            if (count <= 0) {
-                view->remove(0, std::min(count, -1));
-                view->deleteRecords(0, count);
-                view->insertBlankRecords(row, count);
-                EXPECT_EQ(0, view->displayRecordsAt(0, count, row));
-            }
+            view->deleteRecords(0, std::min(count, 0));
+            view->insertBlankRecords(row, std::min(count, 0));
             EXPECT_EQ(0, view->displayRecordsAt(row < 0 ? INT_MIN : 5, count, row));
         }
     }
     EXPECT_EQ(0, view->removeSome(nullptr));
     EXPECT_EQ(0, view->displayAllFromAt(nullptr, 0));
     EXPECT_EQ(0, view->displayMatchAt(nullptr, nullptr, 0));
-    EXPECT_EQ(-1, view->find(nullptr));
     view->set_sortfields(nullptr);
     view->set_query(nullptr);
     view->addParamsFrom(static_cast<kesta*>(nullptr));
@@ -219,7 +214,6 @@ TEST(View, NumbersOutOfRangeDoNothing) {
 
     EXPECT_EQ(5, view->displayRecordsAt(0, INT_MAX, INT_MAX)) << "rows that the source has";
     EXPECT_EQ(2, view->displayRecordsAt(-3, 5, INT_MIN));
-    EXPECT_EQ(0, view->tagDuplicatesOrdered(0));
     EXPECT_EQ(11, view->tagDuplicatesOrdered(9)) << "fields that are not there are all equal";
 }
 
