@@ -22,18 +22,17 @@ inline void record(const dbrecord* record) noexcept {
     __builtin_prefetch(reinterpret_cast<const char*>(record) + sizeof(dbrecord) - 1);
 }
 
-/// The field's string, from a record that has come.
-inline void field(const dbrecord* record, unsigned short i) noexcept {
-    if (record) __builtin_prefetch(&record->getField(i));
+/// The field's string.
+inline void field(const LightweightString<char>& field) noexcept {
+    __builtin_prefetch(&field);
 }
 
 /// The field's characters, from a string that has come.
-inline void text(const dbrecord* record, unsigned short i) noexcept {
-    if (!record) return;
-    // A string's head stands right before its characters, and both may lie across two lines of the cache.
-    constexpr std::uintptr_t head = 12;
-    constexpr std::uintptr_t shortText = 24;
-    const auto characters = reinterpret_cast<std::uintptr_t>(record->getField(i).c_str());
+inline void text(const LightweightString<char>& field) noexcept {
+    // The text's length stands right before its characters, and both may lie across two lines of the cache.
+    constexpr std::uintptr_t head = 8;
+    constexpr std::uintptr_t shortText = 16;
+    const auto characters = reinterpret_cast<std::uintptr_t>(field.c_str());
     __builtin_prefetch(reinterpret_cast<const void*>(characters - head));
     __builtin_prefetch(reinterpret_cast<const void*>(characters + shortText));
 }

@@ -29,6 +29,7 @@ struct Key {
 
 struct Entry {
     Word word;
+    const LightweightString<char>* fields;  // the record's; null when it lacks fields that are keys
     const char* text;
     unsigned length;
     unsigned row;
@@ -83,7 +84,9 @@ class RecordSorter {
     std::vector<unsigned> order() {
         m_entries.reserve(m_records.size());
         for (unsigned row = 0; row < m_records.size(); ++row) {
-            if (m_records[row]) m_entries.push_back({0, nullptr, 0, row});
+            if (const dbrecord* const record = m_records[row]) {
+                m_entries.push_back({0, fieldsOf(*record), nullptr, 0, row});
+            }
         }
         if (m_keys.empty()) {
             moveBlanksBehind(0);
@@ -139,14 +142,13 @@ class RecordSorter {
 
     // One walk over all groups, so that what comes from memory is asked for in time, however small they are.
     void fetchWords() {
-        Scout records(*this, Prefetch::recordAhead);
         Scout fields(*this, Prefetch::fieldAhead);
         Scout texts(*this, Prefetch::textAhead);
         for (Group& group : m_groups) {
             m_withoutText.clear();
             std::size_t kept = group.begin;
             for (std::size_t i = group.begin; i < group.end; ++i) {
-                prefetch(records, fields, texts);
+                prefetch(fields, texts);
                 Entry entry = m_entries[i];
                 if (group.place.beginsKey() && !fetchText(entry, group.place)) {
                     m_withoutText.push_back(entry);
@@ -159,22 +161,31 @@ class RecordSorter {
         }
     }
 
-    void prefetch(Scout& records, Scout& fields, Scout& texts) const noexcept {
-        if (!records.atEnd() && records.group().place.beginsKey()) Prefetch::record(record(records.entry()));
+    void prefetch(Scout& fields, Scout& texts) const noexcept {
         if (!fields.atEnd() && fields.group().place.beginsKey()) {
-            Prefetch::field(record(fields.entry()), field(fields.group().place));
+            Prefetch::field(textOf(fields.entry(), field(fields.group().place)));
         }
         if (!texts.atEnd()) {
             const Place& place = texts.group().place;
             if (place.beginsKey()) {
-                Prefetch::text(record(texts.entry()), field(place));
+                Prefetch::text(textOf(texts.entry(), field(place)));
             } else {
                 __builtin_prefetch(texts.entry().text + place.offset);
             }
         }
-        records.step();
         fields.step();
         texts.step();
+    }
+
+    // Goes round the record, which would have to come from memory for each key again.
+    const LightweightString<char>& textOf(const Entry& entry, unsigned short field) const noexcept {
+        return entry.fields ? entry.fields[field] : record(entry)->getField(field);
+    }
+
+    const LightweightString<char>* fieldsOf(const dbrecord& record) const noexcept {
+        const bool hasAll = std::all_of(m_keys.begin(), m_keys.end(),
+                                        [&](const Key& key) { return key.field < record.get_num_fields(); });
+        return hasAll ? record.fields().data() : nullptr;
     }
 
     const dbrecord* record(const Entry& entry) const noexcept { return m_records[entry.row]; }
@@ -182,7 +193,7 @@ class RecordSorter {
 
     // Gives the entry its text for the key; false when in ascending order it has none.
     bool fetchText(Entry& entry, const Place& place) const noexcept {
-        std::string_view text = record(entry)->getField(field(place)).view();
+        std::string_view text = textOf(entry, field(place)).view();
         if (text.empty() && !m_descending) return false;
         // The comparators see texts that end at a zero character.
         text = text.substr(0, text.find('\0'));

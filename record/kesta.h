@@ -184,6 +184,10 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     Zr::Ptr<dbrecord> get_record(unsigned row) const override;
     const LightweightString<char>& getField(unsigned row, unsigned field) const override;
 
+    /// A hint for walks that jump about in a large database: get_record will be asked for `later` in some
+    /// twenty steps, and for `sooner`, a `later` of before, in some ten. Rows out of range are ignored.
+    void expectRecords(unsigned later, unsigned sooner) const noexcept;
+
     /// A record with this database's number of fields, listed nowhere, contained in this database.
     Zr::Ptr<dbrecord> newRecord();
 

@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "record/Prefetch.h"
 #include "record/RecordsDeleted.h"
 #include "record/kesta.h"
 #include "support/Ascii.h"
@@ -32,6 +33,11 @@ const LightweightString<char>& kesta::getField(unsigned row, unsigned field) con
     static const LightweightString<char> none;
     const Zr::Ptr<dbrecord> record = field <= mostFieldNumber ? get_record(row) : Zr::Ptr<dbrecord>();
     return record ? record->getField(static_cast<unsigned short>(field)) : none;
+}
+
+void kesta::expectRecords(unsigned later, unsigned sooner) const noexcept {
+    if (later < m_records.size()) __builtin_prefetch(&m_records[later]);
+    if (sooner < m_records.size()) Prefetch::record(m_records[sooner].get());
 }
 
 Zr::Ptr<dbrecord> kesta::newRecord() {

@@ -94,8 +94,10 @@ void kesta::prefetchForMatch(std::size_t row) const noexcept {
     if (m_showTagsOnly || m_conditions.empty() || row + Prefetch::recordAhead >= m_records.size()) return;
     const auto field = static_cast<unsigned short>(m_conditions.front());
     Prefetch::record(m_records[row + Prefetch::recordAhead].get());
-    Prefetch::field(m_records[row + Prefetch::fieldAhead].get(), field);
-    Prefetch::text(m_records[row + Prefetch::textAhead].get(), field);
+    const dbrecord* const second = m_records[row + Prefetch::fieldAhead].get();
+    const dbrecord* const first = m_records[row + Prefetch::textAhead].get();
+    if (second) Prefetch::field(second->getField(field));
+    if (first) Prefetch::text(first->getField(field));
 }
 
 int kesta::match_record(int row) const {

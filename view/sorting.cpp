@@ -5,6 +5,14 @@
 #include "view/KSTViewRep.h"
 #include "view/LifeSupport.h"
 
+namespace {
+
+/// How many steps ahead of a walk its database is told of the rows.
+constexpr int later = 24;
+constexpr int sooner = 12;
+
+}  // namespace
+
 void KSTViewRep::sort(int direction, int caseInsensitive) {
     const LifeSupport announced;
     iKST* const source = db();
@@ -12,6 +20,13 @@ void KSTViewRep::sort(int direction, int caseInsensitive) {
     source->sortPrepare(direction, caseInsensitive);
     std::vector<const dbrecord*> records;
     records.reserve(static_cast<std::size_t>(m_index.size()));
-    for (int row = 0; row < m_index.size(); ++row) records.push_back((*this)[row]);
+    const kesta* const base = database();
+    for (int row = 0; row < m_index.size(); ++row) {
+        if (base && row + later < m_index.size()) {
+            base->expectRecords(static_cast<unsigned>(baseIndex(row + later)),
+                                static_cast<unsigned>(baseIndex(row + sooner)));
+        }
+        records.push_back((*this)[row]);
+    }
     m_index.reorder(sortedOrder(records, direction < 0));
 }
