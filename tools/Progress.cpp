@@ -11,7 +11,12 @@
 
 namespace {
 
-constexpr std::size_t mostCells = 60;
+constexpr std::size_t mostCells = 45;
+
+// The bar: a mark that goes to and fro, because nobody knows how much is left.
+constexpr int barCells = 12;
+constexpr int markCells = 4;
+constexpr int stepsPerSecond = 5;
 
 /// Guards standard error, whether a progress line stands there, and the end of the progress.
 std::mutex terminalMutex;
@@ -35,7 +40,7 @@ bool isWanted(const std::string& path) noexcept {
 
 Progress::Progress(const std::string& what, const std::string& path) {
     if (!isWanted(path)) return;
-    m_text = std::string(fitting(what + ' ' + harmless(shownName(path)), mostCells)) + " ... ";
+    m_text = fitting(what + ' ' + harmless(shownName(path)), mostCells);
     try {
         m_thread = std::thread([this] { showUntilEnd(); });
     } catch (const std::system_error&) {
@@ -57,10 +62,15 @@ Progress::~Progress() {
 void Progress::showUntilEnd() {
     std::unique_lock lock(terminalMutex);
     const auto start = std::chrono::steady_clock::now();
-    for (int seconds = 1;; ++seconds) {
-        if (m_end.wait_until(lock, start + std::chrono::seconds(seconds), [this] { return m_ended; })) return;
+    for (int step = stepsPerSecond;; ++step) {
+        const auto due = start + std::chrono::milliseconds(step * 1000 / stepsPerSecond);
+        if (m_end.wait_until(lock, due, [this] { return m_ended; })) return;
+        constexpr int way = barCells - markCells;
+        const int moved = (step - stepsPerSecond) % (2 * way);
+        const int before = moved <= way ? moved : 2 * way - moved;
         // Nothing may be thrown on this thread, so no text is made that needs memory.
-        std::fprintf(stderr, "\r\x1B[K%s%d s", m_text.c_str(), seconds);
+        std::fprintf(stderr, "\r\x1B[K%s [%*s%.*s%*s] %d s", m_text.c_str(), before, "", markCells,
+                     "====", way - before, "", step / stepsPerSecond);
         isShown = true;
     }
 }

@@ -9,10 +9,10 @@
 #include <string_view>
 #include <thread>
 
-/// Shows "reading day1.log ... 3 s" on standard error from the second second of its life on, and takes it
-/// away at its end. Does nothing unless standard error is a terminal, when the program is to be quiet, and
-/// while a user types the file. A thread of its own does the writing, because the library says nothing on its
-/// way; the destructor waits for it.
+/// Shows "reading day1.log [   ====     ] 3 s" on standard error from the second second of its life on, and
+/// takes it away at its end. Does nothing unless standard error is a terminal, when the program is to be
+/// quiet, and while a user types the file. A thread of its own does the writing, because the library says
+/// nothing on its way; the destructor waits for it.
 class Progress {
  public:
     /// As in "reading", "day1.log".

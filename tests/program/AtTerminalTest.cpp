@@ -115,7 +115,7 @@ TEST_F(AtTerminalTest, ALengthyCommandSaysWhatItIsAtAndTakesThatAway) {
     const std::string command =
         "'" KESTA_PROGRAM "' check - <'" + pipe + "' >'" + path("out") + "' 2>'" + terminal.name() + "'";
     std::thread user([&] { EXPECT_EQ(std::system(command.c_str()), 1 << 8); });
-    const std::string progress = "\r\x1B[Kchecking standard input ... 1 s";
+    const std::string progress = "\r\x1B[Kchecking standard input [====        ] 1 s";
     {
         std::ofstream feed(pipe);
         EXPECT_EQ(terminal.shownUpTo(progress), progress);
