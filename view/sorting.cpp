@@ -20,9 +20,9 @@ void KSTViewRep::sort(int direction, int caseInsensitive) {
     source->sortPrepare(direction, caseInsensitive);
     std::vector<const dbrecord*> records;
     records.reserve(static_cast<std::size_t>(m_index.size()));
-    const kesta* const base = database();
     for (int row = 0; row < m_index.size(); ++row) {
-        if (base && row + later < m_index.size()) {
+        const kesta* const base = database();
+        if (base && later < m_index.size() - row) {
             base->expectRecords(static_cast<unsigned>(baseIndex(row + later)),
                                 static_cast<unsigned>(baseIndex(row + sooner)));
         }

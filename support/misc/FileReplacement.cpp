@@ -45,15 +45,21 @@ FileReplacement::FileReplacement(const LightweightString<wchar_t>& name) {
 }
 
 FileReplacement::~FileReplacement() {
-    if (m_temporaryPath.empty()) return;
     const int error = errno;
-    ::unlink(m_temporaryPath.c_str());
+    removeTemporary();
     errno = error;
+}
+
+void FileReplacement::removeTemporary() noexcept {
+    if (m_temporaryPath.empty()) return;
+    ::unlink(m_temporaryPath.c_str());
+    m_temporaryPath.clear();
 }
 
 bool FileReplacement::fail() noexcept {
     if (m_error == 0) m_error = errno;
     m_file.close();
+    removeTemporary();
     errno = m_error;
     return false;
 }

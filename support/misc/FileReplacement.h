@@ -24,12 +24,13 @@ class FileReplacement {
     void write(std::string_view bytes) noexcept;
 
     /// Puts what was written in the file's place. Answers false, with errno set, on any failure up to here;
-    /// then the file is as it was. To be called once.
+    /// then the file is as it was, and the temporary file is gone. To be called once.
     bool commit();
 
  private:
     void open(const LightweightString<wchar_t>& name);
     void openTemporary(mode_t mode);
+    void removeTemporary() noexcept;
     bool fail() noexcept;
 
     LibraryString m_path;

@@ -191,6 +191,16 @@ TEST_F(TextFiles, ASaveThatIsBegunTakesLinesAsTheyComeAndReplacesTheFileAtItsEnd
         const std::string written = readFile(out);
         EXPECT_TRUE(written == saved(whole, style));
         EXPECT_FALSE(begun.save(wide(out), style)) << "once";
+
+        fs::remove(out);
+        TextFile hopeless;
+        hopeless.beginSave(wide(out), style);
+        fill(hopeless, "z");
+        fs::create_directory(out);  // a file cannot take its name now
+        EXPECT_FALSE(hopeless.save(wide(out), style));
+        EXPECT_EQ(folder.names(), (Strings{"out"})) << "the temporary file is gone with the answer";
+        fs::remove(out);
+        writeFile(out, written);
     }
     {
         TextFile abandoned;
