@@ -9,7 +9,7 @@ set(public_headers
     ${support_headers}
     expr/SExpr.h
     record/CookieIndex.h record/DBFieldTypes.h record/GapVector.h record/KSTBase.h record/OnDemand.h record/ParamList.h
-    record/dbrecord.h record/iKST.h record/kesta.h
+    record/FieldList.h record/dbrecord.h record/iKST.h record/kesta.h
     view/KSTView.h view/KSTViewCursor.h view/KSTViewRep.h view/RowIndex.h
     fieldmap/FieldMap.h
     container/ZRContainerFile.h)

@@ -32,7 +32,7 @@ class Strings {
     void step() {
         const std::size_t i = place();
         const std::size_t j = place();
-        switch (m_input.below(8)) {
+        switch (m_input.below(9)) {
             case 0:
                 m_plain[i] = m_input.take(m_input.byte());
                 m_strings[i] = Fuzz::Text(m_plain[i]);
@@ -65,26 +65,28 @@ class Strings {
                 m_plain[i] = (m_plain[j] + m_input.text()).substr(0, m_plain[j].size() + 1);
                 m_strings[i] = Fuzz::Text(m_plain[i]);
                 break;
+            case 7:
+                m_plain[i] = m_plainStock;
+                m_strings[i] = m_stock.copy();
+                m_plainStock = m_plain[j];
+                m_stock = StringStock<char>(m_strings[j]);
+                break;
             default:
-                makeTogether();
+                makeInOneBlock(i, j);
         }
     }
 
-    void makeTogether() {
-        std::vector<std::string> made(m_input.below(6));
-        std::vector<Fuzz::Text::View> views;
-        for (std::string& each : made) {
-            each = m_input.text() + '.';
-            views.push_back(each);
-        }
-        std::vector<std::size_t> places;
-        Fuzz::Text::makeTogether(views.data(), views.data() + views.size(), [&](Fuzz::Text&& string) {
-            const std::size_t at = place();
-            m_plain[at] = made[places.size()];
-            m_strings[at] = std::move(string);
-            places.push_back(at);
-        });
-        Fuzz::promise(places.size() == made.size());
+    void makeInOneBlock(std::size_t i, std::size_t j) {
+        const std::string first = m_input.text() + '.';
+        const std::string second = m_input.text() + '.';
+        const std::size_t sizes[] = {Fuzz::Text::sizeInBlock(first), Fuzz::Text::sizeInBlock(second)};
+        void* const memory = OS()->allocator()->allocate(sizeof(Zr::RefCounter) + sizes[0] + sizes[1]);
+        auto* const block = new (memory) Zr::RefCounter(2);
+        char* const places = reinterpret_cast<char*>(block + 1);
+        m_strings[i] = Fuzz::Text::makeInBlock(block, places, first);
+        m_strings[j] = Fuzz::Text::makeInBlock(block, places + sizes[0], second);
+        m_plain[i] = first;
+        m_plain[j] = second;
     }
 
     void check() const {
@@ -100,6 +102,8 @@ class Strings {
     Fuzz::Input& m_input;
     std::array<Fuzz::Text, 6> m_strings;
     std::array<std::string, 6> m_plain;
+    StringStock<char> m_stock;
+    std::string m_plainStock;
 };
 
 void strings(Fuzz::Input& input) {

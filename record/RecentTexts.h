@@ -2,45 +2,48 @@
 //
 // Logs repeat reels, scenes, names, dates and codes from row to row. For each column this keeps some of the
 // texts that have been seen, by hash, each in the one place its hash names, and hands out the kept string for
-// an equal text. A column whose texts hardly ever come again is left in peace for a while. The new texts of a
-// line are made together, in one block of memory.
+// an equal text. A column whose texts hardly ever come again is left in peace for a while.
 //
 // Thread-safety: one thread at a time.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <memory>
 #include <string_view>
-#include <vector>
 
-#include "support/LightweightString.h"
+#include "record/RecordMemory.h"
 
 class RecentTexts {
  public:
-    using Fields = std::vector<LightweightString<char>>;
+    /// Makes room for as many fields as the line before had, in an empty list.
+    void beginLine(FieldList& fields) { m_memory.reserve(fields, m_fieldsOfLine); }
 
-    /// Makes room for as many fields as the line before had, and forgets what it has left unmade.
-    void beginLine(Fields& fields) {
-        fields.reserve(m_fieldsOfLine);
-        m_noted = 0;
-    }
+    /// Appends a field of that text.
+    void append(FieldList& fields, std::string_view text);
 
-    /// Appends a field of that text. A new text is only noted: the field stays empty, and `text` must stay as
-    /// it is, until makeNoted is called with the same fields.
-    void append(Fields& fields, std::string_view text);
-
-    void makeNoted(Fields& fields);
+    void endLine(const FieldList& fields) noexcept { m_fieldsOfLine = fields.size(); }
 
  private:
     static constexpr std::size_t placesPerColumn = 128;
-    static constexpr std::size_t watchedColumns =
-        256;  // enough for any log; bounds the memory for wild files
+    static constexpr std::size_t watchedColumns = 256;  // enough for any log; wild files may have more
+
+    /// What a text begins and ends with, and its length: all of it, up to sixteen bytes.
+    struct Ends {
+        explicit Ends(std::string_view text) noexcept;
+        Ends() noexcept = default;
+
+        std::uint64_t head = 0;
+        std::uint64_t tail = 0;
+        std::size_t length = 0;
+    };
 
     struct Place {
-        std::uint32_t hash = 0;
-        LightweightString<char> text;
+        Ends ends;
+        StringStock<char> text;
     };
     struct Column {
-        std::vector<Place> places;
+        std::unique_ptr<Place[]> places;
         int patience = fullPatience;
         int rest = 0;
     };
@@ -48,20 +51,13 @@ class RecentTexts {
     static constexpr int worthOfHit = 8;
     static constexpr int longRest = 4096;
 
-    /// Where a noted text goes: a field, and the place where it is kept, which may be null.
-    struct Target {
-        std::size_t field;
-        Place* place;
-    };
+    static std::size_t placeOf(const Ends& ends) noexcept;
+    Column* columnToWatch(std::size_t number);
+    static bool holds(const Place& place, const Ends& ends, std::string_view text) noexcept;
+    void keep(std::string_view text, const Ends& ends, Place& place);
+    static void rest(Column& column) noexcept;
 
-    Column* columnToWatch(std::size_t column);
-    void note(std::string_view text, Target target);
-
-    std::vector<Column> m_columns;
-    // The first m_noted of each are in use. Their elements are assigned rather than appended: it spares each
-    // text two waits for its own store.
-    std::vector<std::string_view> m_notedTexts;
-    std::vector<Target> m_notedTargets;
-    std::size_t m_noted = 0;
+    RecordMemory m_memory;
+    std::array<Column, watchedColumns> m_columns;
     std::size_t m_fieldsOfLine = 0;
 };

@@ -13,23 +13,20 @@
 
 namespace {
 
-/// The first byte in begin .. end that is one of the three; `end` when none is. Sixteen bytes at a time where
+/// The first quote or backslash in begin .. end; `end` when there is none. Sixteen bytes at a time where
 /// possible.
-template <char A, char B, char C>
-const char* findOneOf(const char* begin, const char* end) noexcept {
+const char* findQuoteOrBackslash(const char* begin, const char* end) noexcept {
 #if defined(__SSE2__)
-    const __m128i a = _mm_set1_epi8(A);
-    const __m128i b = _mm_set1_epi8(B);
-    const __m128i c = _mm_set1_epi8(C);
+    const __m128i quote = _mm_set1_epi8('"');
+    const __m128i backslash = _mm_set1_epi8('\\');
     for (; end - begin >= 16; begin += 16) {
         const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(begin));
-        const __m128i hits = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(bytes, a), _mm_cmpeq_epi8(bytes, b)),
-                                          _mm_cmpeq_epi8(bytes, c));
+        const __m128i hits = _mm_or_si128(_mm_cmpeq_epi8(bytes, quote), _mm_cmpeq_epi8(bytes, backslash));
         const int mask = _mm_movemask_epi8(hits);
         if (mask != 0) return begin + __builtin_ctz(static_cast<unsigned>(mask));
     }
 #endif
-    while (begin != end && *begin != A && *begin != B && *begin != C) ++begin;
+    while (begin != end && *begin != '"' && *begin != '\\') ++begin;
     return begin;
 }
 
@@ -111,7 +108,7 @@ std::string_view withoutTrailingSpace(const char* begin, const char* end) noexce
 /// Takes a line apart, field by field.
 class Reader {
  public:
-    Reader(std::string_view line, std::vector<LightweightString<char>>& fields, RecentTexts* recent) noexcept
+    Reader(std::string_view line, FieldList& fields, RecentTexts* recent) noexcept
         : m_at(line.data()), m_end(line.data() + line.size()), m_fields(fields), m_recent(recent) {}
 
     int readAll() {
@@ -119,55 +116,39 @@ class Reader {
         int count = 0;
         while (m_at != m_end) {
             if (count != INT_MAX) ++count;
+            if (*m_at == '"' && readUsualField()) continue;
             if (Ascii::isControl(*m_at)) {
                 ++m_at;  // counts, but is no field: callers see that the line is not as it should be
             } else {
-                readField();
+                readAnyField();
             }
         }
-        if (m_recent) m_recent->makeNoted(m_fields);
+        if (m_recent) m_recent->endLine(m_fields);
         return count;
     }
 
  private:
-    void readField() {
-        const bool quoted = *m_at == '"';
+    // A field as most are: in quotes, with nothing to undo, trim or cut. Otherwise does nothing.
+    bool readUsualField() {
+        const char* const begin = m_at + 1;
+        const char* const stop = findQuoteOrBackslash(begin, m_end);
+        if (stop == m_end || *stop != '"') return false;
+        const bool last = stop + 1 == m_end;
+        if (!last && stop[1] != ',') return false;
+        const auto size = static_cast<std::size_t>(stop - begin);
+        if (size >= RecordLine::longestField) return false;
+        if (size != 0 && (mayBeSpace(*begin) || mayBeSpace(stop[-1]))) return false;
+        append({begin, size});
+        m_at = stop + (last ? 1 : 2);
+        return true;
+    }
+
+    static bool mayBeSpace(char c) noexcept { return static_cast<unsigned char>(c) <= ' '; }
+
+    void readAnyField() {
+        bool quoted = *m_at == '"';
         if (quoted) ++m_at;
         while (m_at != m_end && Ascii::isSpace(*m_at)) ++m_at;
-        if (!(quoted ? readPlainQuoted() : readPlainUnquoted())) readWithEscapes(quoted);
-        if (m_at != m_end) ++m_at;  // the comma, or the byte at which a long field was cut
-    }
-
-    // Text up to a closing quote with nothing but the comma or the end behind it.
-    bool readPlainQuoted() {
-        const char* const stop = findOneOf<'"', '\\', '\\'>(m_at, searchEnd());
-        if (stop == m_end || *stop != '"' || !isShort(stop)) return false;
-        if (stop + 1 != m_end && stop[1] != ',') return false;
-        append(withoutTrailingSpace(m_at, stop));
-        m_at = stop + 1;
-        return true;
-    }
-
-    bool readPlainUnquoted() {
-        const char* const stop = findOneOf<'"', '\\', ','>(m_at, searchEnd());
-        if ((stop != m_end && *stop != ',') || !isShort(stop)) return false;
-        append(withoutTrailingSpace(m_at, stop));
-        m_at = stop;
-        return true;
-    }
-
-    // Text that goes on beyond the greatest length is no plain field: no need to look further.
-    const char* searchEnd() const noexcept {
-        const auto rest = static_cast<std::size_t>(m_end - m_at);
-        return m_at + std::min(rest, RecordLine::longestField);
-    }
-
-    // A field of just the greatest length is cut before its closing quote is seen, so it is no plain one.
-    bool isShort(const char* stop) const noexcept {
-        return static_cast<std::size_t>(stop - m_at) < RecordLine::longestField;
-    }
-
-    void readWithEscapes(bool quoted) {
         char buffer[RecordLine::longestField];
         char* out = buffer;
         const char* const full = buffer + RecordLine::longestField;
@@ -195,39 +176,38 @@ class Reader {
             }
         }
         append(withoutTrailingSpace(buffer, out));
-        if (m_recent) m_recent->makeNoted(m_fields);  // the buffer goes
+        if (m_at != m_end) ++m_at;  // the comma, or the byte at which a long field was cut
     }
 
     void append(std::string_view text) {
         if (m_recent) {
             m_recent->append(m_fields, text);
         } else {
-            m_fields.emplace_back(text);
+            m_fields.push_back(LightweightString<char>(text));
         }
     }
 
     const char* m_at;
     const char* const m_end;
-    std::vector<LightweightString<char>>& m_fields;
+    FieldList& m_fields;
     RecentTexts* const m_recent;
 };
 
 }  // namespace
 
-int RecordLine::read(std::string_view line, std::vector<LightweightString<char>>& fields,
-                     RecentTexts* recent) {
+int RecordLine::read(std::string_view line, FieldList& fields, RecentTexts* recent) {
     return Ascii::trimmed(line).empty() ? 0 : Reader(line, fields, recent).readAll();
 }
 
-std::size_t RecordLine::longestLine(const std::vector<LightweightString<char>>& fields) noexcept {
+std::size_t RecordLine::longestLine(const FieldList& fields) noexcept {
     std::size_t longest = 0;
     for (const auto& field : fields) longest += 2 * std::size_t(field.length()) + 3;
     return longest;
 }
 
-char* RecordLine::write(const std::vector<LightweightString<char>>& fields, char* out) noexcept {
+char* RecordLine::write(const FieldList& fields, char* out) noexcept {
     for (const auto& field : fields) {
-        if (&field != &fields.front()) *out++ = ',';
+        if (&field != fields.begin()) *out++ = ',';
         *out++ = '"';
         const std::string_view text = field.view();
         out = copyIfPlain(text.data(), text.size(), out) ? out + text.size()

@@ -8,9 +8,8 @@
 
 #include <cstddef>
 #include <string_view>
-#include <vector>
 
-#include "support/LightweightString.h"
+#include "record/FieldList.h"
 
 class RecentTexts;
 
@@ -21,12 +20,12 @@ constexpr std::size_t longestField = 4095;
 
 /// Appends the fields of `line` to `fields`, sharing texts through `recent` unless that is null. Answers the
 /// number of fields plus the number of control characters skipped between fields; 0 for a blank line.
-int read(std::string_view line, std::vector<LightweightString<char>>& fields, RecentTexts* recent);
+int read(std::string_view line, FieldList& fields, RecentTexts* recent);
 
 /// The most bytes that the fields can take as a line.
-std::size_t longestLine(const std::vector<LightweightString<char>>& fields) noexcept;
+std::size_t longestLine(const FieldList& fields) noexcept;
 
 /// Writes the line, without an end, to memory that has room for longestLine. Answers where the line ends.
-char* write(const std::vector<LightweightString<char>>& fields, char* out) noexcept;
+char* write(const FieldList& fields, char* out) noexcept;
 
 }  // namespace RecordLine

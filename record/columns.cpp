@@ -185,7 +185,7 @@ unsigned kesta::get_fieldsize(unsigned field) const {
     unsigned widest = 0;
     for (std::size_t row = 0; row < m_records.size(); ++row) {
         if (!m_records[row]) continue;
-        const std::vector<LightweightString<char>>& fields = m_records[row]->fields();
+        const FieldList& fields = m_records[row]->fields();
         if (field < fields.size()) widest = std::max(widest, fields[field].length());
     }
     return widest;
@@ -197,7 +197,7 @@ kesta::MeasuredWidths::MeasuredWidths(const kesta& database)
     : m_database(database), m_widths(database.m_fields.size()), m_outer(measured) {
     for (std::size_t row = 0; row < database.m_records.size(); ++row) {
         if (!database.m_records[row]) continue;
-        const std::vector<LightweightString<char>>& fields = database.m_records[row]->fields();
+        const FieldList& fields = database.m_records[row]->fields();
         const std::size_t count = std::min(fields.size(), m_widths.size());
         for (std::size_t field = 0; field < count; ++field) {
             m_widths[field] = std::max(m_widths[field], fields[field].length());

@@ -139,7 +139,7 @@ void dbrecord::clear() noexcept {
 }
 
 void dbrecord::removeField(unsigned short i) {
-    if (i < get_num_fields()) m_fields.erase(m_fields.begin() + i);
+    if (i < get_num_fields()) m_fields.erase(i);
 }
 
 void dbrecord::resizeRecord(int n, int* fill, bool) {

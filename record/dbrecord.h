@@ -10,8 +10,7 @@
 // Thread-safety: records may be shared between threads for reading; changes need the caller's serialisation.
 #pragma once
 
-#include <vector>
-
+#include "record/FieldList.h"
 #include "support/Export.h"
 #include "support/LifeWatch.h"
 #include "support/LightweightString.h"
@@ -46,7 +45,7 @@ class KESTA_API dbrecord : public iObject {
     unsigned short get_num_fields() const noexcept { return static_cast<unsigned short>(m_fields.size()); }
 
     /// All fields, those past the 65535th among them.
-    const std::vector<LightweightString<char>>& fields() const noexcept { return m_fields; }
+    const FieldList& fields() const noexcept { return m_fields; }
 
     /// The field's text, "" when empty; null when `i` is out of range. Valid until the field changes.
     const char* get_field(unsigned short i) const noexcept;
@@ -125,7 +124,7 @@ class KESTA_API dbrecord : public iObject {
     void markChanged() noexcept;
 
     WatchedPtr<kesta> m_container;
-    std::vector<LightweightString<char>> m_fields;
+    FieldList m_fields;
     mutable unsigned char m_changed = 0;  // writing a line is const, yet clears it
     unsigned char m_tag = 0;
 };

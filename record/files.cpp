@@ -98,26 +98,27 @@ void kesta::loadFromFile(const LightweightString<wchar_t>& fileName, int maxReco
 
 void kesta::loadFromFile(int maxRecords, bool strict) {
     init();
+    // A load that cannot be finished leaves nothing that could be taken for the whole log, and saved over it.
+    const auto undo = [this, before = m_records.size()] {
+        if (m_records.size() > before) m_records.erase(before, m_records.size() - before);
+        init();
+    };
     TextFile file;
-    if (!file.load(m_fileName, lineSeparator, false)) return;
-    const std::size_t before = m_records.size();
     try {
+        if (!file.beginLoad(m_fileName, lineSeparator)) return;
         if (endsWithCSV(m_fileName)) {
             loadCSV(file);
         } else {
             loadLog(file, maxRecords, strict);
         }
     } catch (...) {
-        // A load that cannot be finished leaves nothing that could be taken for the whole log, and saved over
-        // it.
-        if (m_records.size() > before) m_records.erase(before, m_records.size() - before);
-        init();
+        undo();
         throw;
     }
+    if (!file.endLoad()) undo();
 }
 
 void kesta::loadLog(TextFile& file, int maxRecords, bool strict) {
-    file.forgetReadLines();
     dbrecord line(scratchFields);
     read_params(file, &line);
     if (m_params->empty()) return;
@@ -182,9 +183,11 @@ void kesta::takeColumnNames(const dbrecord& names) {
 
 int kesta::load_text(int maxRecords) {
     TextFile file;
-    if (!file.load(m_fileName, lineSeparator, false)) return 0;
-    file.forgetReadLines();
-    return add_text(file, 1, maxRecords);
+    if (!file.beginLoad(m_fileName, lineSeparator)) return 0;
+    const int count = add_text(file, 1, maxRecords);
+    if (file.endLoad()) return count;
+    m_records.erase(m_records.size() - static_cast<std::size_t>(count), static_cast<std::size_t>(count));
+    return 0;
 }
 
 int kesta::add_text(TextFile& file, int skipFirst, int maxRecords) {
@@ -217,14 +220,14 @@ int kesta::add_text(TextFile& file, int skipFirst, int maxRecords) {
     return count;
 }
 
-void kesta::loadCSV(const TextFile& file) {
+void kesta::loadCSV(TextFile& file) {
     m_valid = 1;
     for (const LightweightString<char>& name : splitCSV(file.lineView(0))) {
         m_fields.emplace_back(name, DBFieldTypes::eTextS);
     }
     if (m_fields.empty()) return;
-    for (unsigned line = 1; line < file.size(); ++line) {
-        const std::vector<LightweightString<char>> pieces = splitCSV(file.lineView(line));
+    for (file.setCursor(1); file.cursor() < file.size(); file.setCursor(file.cursor() + 1)) {
+        const std::vector<LightweightString<char>> pieces = splitCSV(file.lineView(file.cursor()));
         if (pieces.empty()) continue;
         const unsigned row = add_records(1);
         for (unsigned field = 0; field < pieces.size() && field < m_fields.size(); ++field) {

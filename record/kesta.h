@@ -369,7 +369,7 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     void readColumns(TextFile& file);
     void takeColumnNames(const dbrecord& names);
     void appendParam(const LightweightString<char>& line);
-    void loadCSV(const TextFile& file);
+    void loadCSV(TextFile& file);
     int saveWithHeader(bool namesOnly);
     void saveWidths(TextFile& file) const;
 

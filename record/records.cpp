@@ -169,6 +169,9 @@ int kesta::findFirst(const char* field, const char* value, int length) {
 
 void kesta::clear_changed() {
     for (std::size_t row = 0; row < m_records.size(); ++row) {
+        if (row + Prefetch::recordAhead < m_records.size()) {
+            Prefetch::record(m_records[row + Prefetch::recordAhead].get());
+        }
         if (m_records[row]) m_records[row]->clear_changed();
     }
     m_changed = 0;

@@ -3,7 +3,7 @@
 // A string is a handle of two words on a counted body. The body is one block: count, length, capacity and the
 // characters, always followed by a zero character. Copying a string shares its body; a writer first makes its
 // own. Empty text needs no body, and a string without one reads exactly like one whose body has length 0.
-// Texts that come together, as those of a record do, may share one block and its count (makeTogether).
+// Texts that come together, as those of a log do, may lie in one block and share its count (makeInBlock).
 //
 // Thread-safety: as a std::string's, and different strings that share a body may be used on different
 // threads. Memory: every body comes from OS()->allocator(). Operations that need room throw
@@ -41,22 +41,16 @@ class LightweightString {
         if (!text.empty()) m_body = Body::make(text, text.size());
     }
 
-    /// Makes strings of texts, none of them empty, in one block of memory, and hands each to `take(string)`
-    /// in order, which must not throw. Cheaper in time and memory than one by one; the block goes with the
-    /// last of its strings.
-    template <class Take>
-    static void makeTogether(const View* begin, const View* end, Take take) {
-        if (begin == end) return;
-        std::size_t size = sizeof(Zr::RefCounter);
-        for (const View* text = begin; text != end; ++text) size += Body::sizeFor(text->size());
-        Zr::RefCounter* const count = makeBlock(size, static_cast<std::int32_t>(end - begin));
-        char* at = reinterpret_cast<char*>(count + 1);
-        for (const View* text = begin; text != end; at += Body::sizeFor(text->size()), ++text) {
-            LightweightString string;
-            string.m_body =
-                BodyPtr::adopt(count, Body::put(at, *text, 0));  // no room: never written in place
-            take(std::move(string));
-        }
+    /// The bytes that the string of a text takes in a block of memory with other things (makeInBlock).
+    static std::size_t sizeInBlock(View text) { return Body::sizeFor(text.size()); }
+
+    /// Makes the string of a text that is not empty at `place`, which has sizeInBlock bytes. It lies in a
+    /// block of OS()->allocator()'s that begins with `count`, the count of what lives in it; the string takes
+    /// over a share that has been counted. The last share gives back the block.
+    static LightweightString makeInBlock(Zr::RefCounter* count, void* place, View text) noexcept {
+        LightweightString string;
+        string.m_body = BodyPtr::adopt(count, Body::put(place, text, 0));  // no room: never written in place
+        return string;
     }
 
     /// The characters, followed by a zero character. Never null; valid until the string changes or dies.
@@ -204,7 +198,59 @@ class LightweightString {
         m_body->characters()[length] = Char();
     }
 
+    template <class>
+    friend class StringStock;
+
     BodyPtr m_body;
+};
+
+/// A string with copies in stock. To hand one out is no atomic step, which would wait until everything that
+/// was written before has reached the memory; the shares are counted by the dozen.
+template <class Char>
+class StringStock {
+ public:
+    using String = LightweightString<Char>;
+
+    StringStock() noexcept = default;
+
+    /// A string for which `stock` further shares have been counted.
+    explicit StringStock(String string, std::int32_t stock = 0) noexcept
+        : m_string(std::move(string)), m_stock(stock) {}
+    StringStock(StringStock&& other) noexcept { swap(other); }
+    StringStock& operator=(StringStock other) noexcept {
+        swap(other);
+        return *this;
+    }
+    ~StringStock() {
+        // The string's own share is still there, so these are not the last.
+        if (m_stock != 0) m_string.m_body.count()->fetch_sub(m_stock, std::memory_order_release);
+    }
+
+    const String& string() const noexcept { return m_string; }
+
+    String copy() noexcept {
+        if (!m_string.m_body) return {};
+        Zr::RefCounter* const count = m_string.m_body.count();
+        if (m_stock == 0) {
+            count->fetch_add(dozens, std::memory_order_relaxed);
+            m_stock = dozens;
+        }
+        --m_stock;
+        String result;
+        result.m_body = String::BodyPtr::adopt(count, m_string.m_body.get());
+        return result;
+    }
+
+    void swap(StringStock& other) noexcept {
+        std::swap(m_string, other.m_string);
+        std::swap(m_stock, other.m_stock);
+    }
+
+ private:
+    static constexpr std::int32_t dozens = 48;
+
+    String m_string;
+    std::int32_t m_stock = 0;
 };
 
 /// Append the number in decimal, with a minus sign when negative.

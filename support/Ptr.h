@@ -127,6 +127,9 @@ class Ptr {
     /// alone: all that earlier holders did to the object has happened.
     std::int32_t useCount() const noexcept { return m_count ? m_count->load(std::memory_order_acquire) : 0; }
 
+    /// Where the shares are counted; null for an empty Ptr.
+    RefCounter* count() const noexcept { return m_count; }
+
     T* get() const noexcept { return m_object; }
     T* operator->() const noexcept { return m_object; }
     T& operator*() const noexcept { return *m_object; }

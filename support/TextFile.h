@@ -1,4 +1,4 @@
-// A text file in memory: a list of lines, read and written in one piece.
+// A text file: a list of lines, read and written in one piece, or taken from front to back in little memory.
 //
 // Lines live one behind the other in large blocks, so a file costs little more than its bytes, and a save
 // writes the blocks as they are.
@@ -31,6 +31,16 @@ class KESTA_API TextFile {
     /// too. A UTF-8 byte order mark is dropped; all other bytes are kept. `flag` is reserved; pass false.
     /// Answers false, with no lines, when the file cannot be read.
     bool load(LightweightString<wchar_t> name, char separator, bool flag);
+
+    /// Begins to load the file for a reader that goes through it once, from front to back: the file is read
+    /// as the cursor moves on, and lines before the cursor may be forgotten, so that a file of any size is
+    /// read in little memory. Beyond the line at the cursor, if there is one, size() need not count. Answers
+    /// as load does; a failure later on ends the lines there, and endLoad tells of it.
+    bool beginLoad(const LightweightString<wchar_t>& name, char separator);
+
+    /// Reads no further; the lines that are there stay. Answers whether there was no failure up to here; if
+    /// not, errno says why. Appending a line ends the reading too.
+    bool endLoad() noexcept;
 
     /// Writes all lines, each ended as `style` says. An existing file is never damaged: the lines go to a
     /// temporary file beside it, which is flushed to disk and renamed over it. Symbolic links are followed,
@@ -72,33 +82,32 @@ class KESTA_API TextFile {
 
     /// Moves the cursor. Readers that go on to the next line do so when they are done with the one they have
     /// read.
-    void setCursor(unsigned line) noexcept {
+    void setCursor(unsigned line) {
         m_cursor = line;
-        if (m_forgetful) forgetRead();
+        if (m_begunLoad && line >= size()) readOn();
     }
-
-    /// From now on lines before the cursor may be forgotten, and their memory given back: for files that are
-    /// read once, from front to back.
-    void forgetReadLines() noexcept { m_forgetful = true; }
 
  private:
     struct Block;
+    struct BegunLoad;
     struct BegunSave;
 
     void clear() noexcept;
     Block& addBlock(std::size_t capacity);
-    bool readBlocks(int file, char separator);
+    bool readPiece();
+    void continueLastBlock();
+    void addLine(std::size_t end);
+    void readOn();
+    void forgetLines() noexcept;
     void writeLines(FileReplacement& file, eEOLStyle style) const;
     void putOut();
-    void forgetRead() noexcept;
 
     // Each line's bytes lie in one block. A block's end line is the number of lines up to and with its last;
-    // lines that have been put out, the first m_forgotten, count nowhere in here.
+    // forgotten lines, the first m_forgotten, count nowhere in here.
     std::vector<Block> m_blocks;
     std::vector<std::string_view> m_lines;
+    std::unique_ptr<BegunLoad> m_begunLoad;
     std::unique_ptr<BegunSave> m_begunSave;
     std::size_t m_forgotten = 0;
-    std::size_t m_firstKeptBlock = 0;
     unsigned m_cursor = 0;
-    bool m_forgetful = false;
 };

@@ -5,6 +5,7 @@
 
 #include "record/kesta.h"
 #include "support/Ascii.h"
+#include "support/TextFile.h"
 
 namespace {
 
@@ -24,13 +25,10 @@ bool sameName(std::string_view a, std::string_view b) noexcept {
                       [](char x, char y) { return Ascii::fold(x) == Ascii::fold(y); });
 }
 
-LineRoundTrip::LineRoundTrip() {
-    m_file.forgetReadLines();
-}
-
 const dbrecord& LineRoundTrip::operator()(const dbrecord& record) {
-    record.write(m_file);
-    m_back.read(m_file);
+    TextFile file;
+    record.write(file);
+    m_back.read(file);
     return m_back;
 }
 

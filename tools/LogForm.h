@@ -8,7 +8,6 @@
 #include <string_view>
 
 #include "record/dbrecord.h"
-#include "support/TextFile.h"
 
 class kesta;
 
@@ -21,8 +20,6 @@ bool sameName(std::string_view a, std::string_view b) noexcept;
 /// Writes records as lines of a log and reads them back.
 class LineRoundTrip {
  public:
-    LineRoundTrip();
-
     /// The record as the log gives it back; valid until the next call. Clears the record's changed mark.
     const dbrecord& operator()(const dbrecord& record);
 
@@ -30,7 +27,6 @@ class LineRoundTrip {
     bool keeps(std::string_view value);
 
  private:
-    TextFile m_file;
     dbrecord m_back{0};
 };
 

@@ -42,6 +42,15 @@ struct TextFile::Block {
     bool written = false;  // made by appending: holds its lines as they are saved, a line feed behind each
 };
 
+/// A file that is being read. The line that has not ended yet begins at lineBegin, in the last block.
+struct TextFile::BegunLoad {
+    SystemFile file;
+    char separator;
+    std::size_t lineBegin = 0;
+    bool atEnd = false;
+    int error = 0;
+};
+
 /// A file that is being saved while lines are still appended.
 struct TextFile::BegunSave {
     BegunSave(const LightweightString<wchar_t>& target, eEOLStyle endings)
@@ -59,11 +68,10 @@ TextFile::~TextFile() = default;
 void TextFile::clear() noexcept {
     m_blocks.clear();
     m_lines.clear();
+    m_begunLoad.reset();
     m_begunSave.reset();
     m_forgotten = 0;
-    m_firstKeptBlock = 0;
     m_cursor = 0;
-    m_forgetful = false;
 }
 
 TextFile::Block& TextFile::addBlock(std::size_t capacity) {
@@ -73,70 +81,119 @@ TextFile::Block& TextFile::addBlock(std::size_t capacity) {
 }
 
 bool TextFile::load(LightweightString<wchar_t> name, char separator, bool) {
+    if (!beginLoad(name, separator)) return false;
+    while (readPiece()) {
+    }
+    if (endLoad()) return true;
     clear();
-    const LibraryString path = systemPath(name);
-    if (path.empty()) return false;
-    const SystemFile file = openStream(path, O_RDONLY);
-    if (file && readBlocks(file.descriptor(), separator)) return true;
-    const int error = errno;
-    clear();
-    errno = error;
     return false;
 }
 
-bool TextFile::readBlocks(int file, char separator) {
+bool TextFile::beginLoad(const LightweightString<wchar_t>& name, char separator) {
+    clear();
+    const LibraryString path = systemPath(name);
+    if (path.empty()) return false;
+    SystemFile file = openStream(path, O_RDONLY);
     struct stat status;
-    if (::fstat(file, &status) != 0) return false;
+    if (!file || ::fstat(file.descriptor(), &status) != 0) return false;
     // One byte more than a small file has, so that its end is met without a second block.
     const std::size_t wanted = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) + 1;
-    Block* block = &addBlock(S_ISREG(status.st_mode) ? std::min(wanted, standardBlock) : standardBlock);
-    std::size_t lineBegin = 0;
+    addBlock(S_ISREG(status.st_mode) ? std::min(wanted, standardBlock) : standardBlock);
+    m_begunLoad = std::make_unique<BegunLoad>(BegunLoad{std::move(file), separator});
+    readOn();
+    if (m_begunLoad->error == 0) return true;
+    errno = m_begunLoad->error;
+    clear();
+    return false;
+}
 
-    const auto addLine = [&](std::size_t end) {
-        m_lines.emplace_back(block->data + lineBegin, end - lineBegin);
-        block->endLine = m_lines.size();
-    };
+bool TextFile::endLoad() noexcept {
+    const int error = m_begunLoad ? m_begunLoad->error : 0;
+    m_begunLoad.reset();
+    if (error != 0) errno = error;
+    return error == 0;
+}
 
-    for (;;) {
-        if (block->size == block->capacity) {
-            // The line that has not ended moves to the next block; one that fills a block gets a larger one.
-            const std::string_view open(block->data + lineBegin, block->size - lineBegin);
-            Block next(std::max(standardBlock, 2 * open.size()));
-            if (!open.empty()) std::memcpy(next.data, open.data(), open.size());
-            next.size = open.size();
-            next.firstLine = next.endLine = m_lines.size();
-            block->size = lineBegin;
-            if (lineBegin == 0) m_blocks.pop_back();
-            m_blocks.push_back(std::move(next));
-            block = &m_blocks.back();
-            lineBegin = 0;
-        }
-        const ssize_t count = ::read(file, block->data + block->size, block->capacity - block->size);
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return false;
-        if (count == 0) break;
+/// While a file is being read, the line at the cursor is there, if the file has it.
+void TextFile::readOn() {
+    do {
+        forgetLines();
+        // The line that has not ended yet goes on behind its begin.
+        Block& block = m_blocks.back();
+        std::size_t& lineBegin = m_begunLoad->lineBegin;
+        block.size -= lineBegin;
+        std::memmove(block.data, block.data + lineBegin, block.size);
+        lineBegin = 0;
+    } while (readPiece() && m_cursor >= size());
+}
 
-        const char* begin = block->data + block->size;
-        block->size += static_cast<std::size_t>(count);
-        const char* const end = block->data + block->size;
-        while (const void* found = std::memchr(begin, separator, static_cast<std::size_t>(end - begin))) {
-            const char* const separatorAt = static_cast<const char*>(found);
-            const auto position = static_cast<std::size_t>(separatorAt - block->data);
-            const bool carriageReturn =
-                separator == '\n' && position > lineBegin && block->data[position - 1] == '\r';
-            addLine(carriageReturn ? position - 1 : position);
-            lineBegin = position + 1;
-            begin = separatorAt + 1;
-        }
+/// Reads as much as the last block has room for, and adds the lines that end there. False when there was
+/// nothing left to read.
+bool TextFile::readPiece() {
+    BegunLoad& load = *m_begunLoad;
+    if (load.atEnd) return false;
+    if (m_blocks.back().size == m_blocks.back().capacity) continueLastBlock();
+    Block& block = m_blocks.back();
+    ssize_t count;
+    do count = ::read(load.file.descriptor(), block.data + block.size, block.capacity - block.size);
+    while (count < 0 && errno == EINTR);
+    if (count <= 0) {
+        load.atEnd = true;
+        if (count < 0) load.error = errno;
+        const bool onlyMark = size() == 0 && std::string_view(block.data, block.size) == byteOrderMark;
+        if (load.lineBegin < block.size && !onlyMark) addLine(block.size);
+        return false;
     }
-    if (lineBegin < block->size) addLine(block->size);
 
-    if (!m_lines.empty() && m_lines[0].substr(0, byteOrderMark.size()) == byteOrderMark) {
-        m_lines[0].remove_prefix(byteOrderMark.size());
-        const bool nothingElse = m_lines.size() == 1 && m_lines[0].empty() && lineBegin == 0;
-        if (nothingElse) clear();
+    const char* begin = block.data + block.size;
+    block.size += static_cast<std::size_t>(count);
+    const char* const end = block.data + block.size;
+    while (const void* found = std::memchr(begin, load.separator, static_cast<std::size_t>(end - begin))) {
+        const char* const separatorAt = static_cast<const char*>(found);
+        const auto position = static_cast<std::size_t>(separatorAt - block.data);
+        const bool carriageReturn =
+            load.separator == '\n' && position > load.lineBegin && block.data[position - 1] == '\r';
+        addLine(carriageReturn ? position - 1 : position);
+        load.lineBegin = position + 1;
+        begin = separatorAt + 1;
     }
     return true;
+}
+
+/// The line that has not ended moves to the next block; one that fills a block gets a larger one.
+void TextFile::continueLastBlock() {
+    Block& full = m_blocks.back();
+    std::size_t& lineBegin = m_begunLoad->lineBegin;
+    const std::string_view open(full.data + lineBegin, full.size - lineBegin);
+    Block next(std::max(standardBlock, 2 * open.size()));
+    if (!open.empty()) std::memcpy(next.data, open.data(), open.size());
+    next.size = open.size();
+    next.firstLine = next.endLine = m_lines.size();
+    full.size = lineBegin;
+    if (lineBegin == 0) m_blocks.pop_back();
+    m_blocks.push_back(std::move(next));
+    lineBegin = 0;
+}
+
+/// The line from lineBegin to `end`, in the last block.
+void TextFile::addLine(std::size_t end) {
+    Block& block = m_blocks.back();
+    std::string_view line(block.data + m_begunLoad->lineBegin, end - m_begunLoad->lineBegin);
+    const bool marked = size() == 0 && line.substr(0, byteOrderMark.size()) == byteOrderMark;
+    if (marked) line.remove_prefix(byteOrderMark.size());
+    m_lines.push_back(line);
+    block.endLine = m_lines.size();
+}
+
+/// What is left is the last block, for whatever comes next.
+void TextFile::forgetLines() noexcept {
+    m_forgotten += m_lines.size();
+    m_lines.clear();
+    if (m_blocks.empty()) return;
+    Block last = std::move(m_blocks.back());
+    last.firstLine = last.endLine = 0;
+    m_blocks.clear();
+    m_blocks.push_back(std::move(last));
 }
 
 void TextFile::appendLine(const LightweightString<char>& text) {
@@ -146,6 +203,7 @@ void TextFile::appendLine(const LightweightString<char>& text) {
 }
 
 char* TextFile::beginLine(std::size_t longest) {
+    m_begunLoad.reset();
     const std::size_t room = longest + 1;
     const auto hasRoom = [&] {
         return !m_blocks.empty() && m_blocks.back().written &&
@@ -171,17 +229,6 @@ void TextFile::endLine(char* end) {
     *end = '\n';
     block.size = static_cast<std::size_t>(end + 1 - block.data);
     block.endLine = m_lines.size();
-}
-
-void TextFile::forgetRead() noexcept {
-    // The last block stays: lines may be appended to it.
-    while (m_firstKeptBlock + 1 < m_blocks.size() &&
-           m_forgotten + m_blocks[m_firstKeptBlock].endLine <= m_cursor) {
-        Block& block = m_blocks[m_firstKeptBlock++];
-        for (std::size_t line = block.firstLine; line < block.endLine; ++line) m_lines[line] = {};
-        block.release();
-        block.size = 0;
-    }
 }
 
 void TextFile::beginSave(const LightweightString<wchar_t>& name, eEOLStyle style) {
@@ -221,16 +268,9 @@ void TextFile::writeLines(FileReplacement& file, eEOLStyle style) const {
     }
 }
 
-/// Writes the lines that there are to the file that is being saved, and keeps the last block for the next
-/// ones.
+/// Writes the lines that there are to the file that is being saved.
 void TextFile::putOut() {
     writeLines(m_begunSave->file, m_begunSave->style);
-    m_forgotten += m_lines.size();
-    m_lines.clear();
-    if (m_blocks.empty()) return;
-    Block kept = std::move(m_blocks.back());
-    kept.size = kept.firstLine = kept.endLine = 0;
-    m_blocks.clear();
-    m_blocks.push_back(std::move(kept));
-    m_firstKeptBlock = 0;
+    forgetLines();
+    if (!m_blocks.empty()) m_blocks.back().size = 0;
 }

@@ -33,6 +33,12 @@ int main() {
     const LightweightString<char> endless(std::string(1000000, 'x'));
     const LightweightString<wchar_t> wide(L"caf\u00e9.log");
 
+    using Text = LightweightString<char>;
+    auto* const block =
+        new (OS()->allocator()->allocate(sizeof(Zr::RefCounter) + Text::sizeInBlock("loaded")))
+            Zr::RefCounter(1);
+    const Text loaded = Text::makeInBlock(block, block + 1, "loaded");
+
     const Zr::Ptr<dbrecord> none;
     const Zr::Ptr<dbrecord> record(new dbrecord(3));
     const Zr::Ptr<dbrecord> shared(record);

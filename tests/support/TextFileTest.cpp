@@ -23,6 +23,20 @@ class TextFiles : public TempFolderTest {
         return file.all();
     }
 
+    // The lines as a reader gets them who goes through the file once.
+    Strings linesByCursor(std::string_view content) {
+        TextFile file;
+        EXPECT_TRUE(file.beginLoad(wide(folder.with("in", content)), '\n'));
+        Strings lines;
+        for (; file.cursor() < file.size(); file.setCursor(file.cursor() + 1)) {
+            lines.emplace_back(file.lineView(file.cursor()));
+        }
+        EXPECT_EQ(file.size(), lines.size());
+        EXPECT_EQ(file.lineView(file.cursor()), "");
+        EXPECT_TRUE(file.endLoad());
+        return lines;
+    }
+
     std::string saved(const TextFile& file, TextFile::eEOLStyle style = TextFile::eLF) {
         EXPECT_TRUE(file.save(wide(folder / "out"), style));
         return readFile(folder / "out");
@@ -54,6 +68,7 @@ TEST_F(TextFiles, LinesEndAtLineFeedsWithOrWithoutCarriageReturns) {
     };
     for (const auto& [content, lines] : cases) {
         EXPECT_EQ(linesOf(content), lines) << testing::PrintToString(content);
+        EXPECT_EQ(linesByCursor(content), lines) << testing::PrintToString(content);
     }
     EXPECT_EQ(linesOf("a;b\r;\nc;;", ';'), (Strings{"a", "b\r", "\nc", ""}));
 }
@@ -73,6 +88,7 @@ TEST_F(TextFiles, LongFilesAndLongLinesComeThroughWhole) {
     Lines loaded;
     ASSERT_TRUE(loaded.load(wide(folder.with("in", content)), '\n', false));
     EXPECT_TRUE(loaded.all() == lines);
+    EXPECT_TRUE(linesByCursor(content) == lines);
     EXPECT_TRUE(saved(loaded, TextFile::eCRLF) == content);
     EXPECT_TRUE(saved(Lines(lines), TextFile::eCRLF) == content);
 
@@ -80,6 +96,7 @@ TEST_F(TextFiles, LongFilesAndLongLinesComeThroughWhole) {
     for (std::size_t length = block - 3; length <= block; ++length) {
         const std::string first(length, 'x');
         EXPECT_TRUE(linesOf(first + "\r\nsecond\r\n") == (Strings{first, "second"})) << length;
+        EXPECT_TRUE(linesByCursor(first + "\r\nsecond\r\n") == (Strings{first, "second"})) << length;
     }
 }
 
@@ -90,6 +107,7 @@ TEST_F(TextFiles, WhatCannotBeReadGivesNoLines) {
         Lines file({"before"});
         file.setCursor(1);
         EXPECT_FALSE(file.load(name, '\n', false)) << toUTF8(name).c_str();
+        EXPECT_FALSE(file.beginLoad(name, '\n')) << toUTF8(name).c_str();
         EXPECT_EQ(file.size(), 0U);
         EXPECT_EQ(file.cursor(), 0U);
     }

@@ -45,7 +45,7 @@ class String:
         if int(body) == 0:
             return None
         length, capacity = int(body["length"]), int(body["capacity"])
-        if length > capacity:
+        if length > capacity > 0:  # 0 in a block with others
             self.damage = "<damaged: length %d, capacity %d>" % (length, capacity)
         return body
 
@@ -114,23 +114,17 @@ class Record:
             return int(self.value[member])
         return int(self.at(offset, "unsigned char").dereference())
 
-    def bounds(self):
-        """The first field and the end of the last one."""
-        if self.is_described():
-            vector = self.value["m_fields"]["_M_impl"]
-            return vector["_M_start"], vector["_M_finish"]
-        text = gdb.lookup_type("LightweightString<char>").pointer()
-        vector = self.at(self.FIELDS, "unsigned long")
-        return vector[0].cast(text), vector[1].cast(text)
-
     def fields(self):
         """The first field and how many there are."""
-        first, end = self.bounds()
-        size = int(end) - int(first)
-        width = first.type.strip_typedefs().target().sizeof
-        if size < 0 or size % width or size // width > self.MOST_FIELDS:
+        if self.is_described():
+            first, count = self.value["m_fields"]["m_fields"], self.value["m_fields"]["m_size"]
+        else:
+            text = gdb.lookup_type("LightweightString<char>").pointer()
+            first = self.at(self.FIELDS, "unsigned long").dereference().cast(text)
+            count = self.at(self.FIELDS + 8, "unsigned int").dereference()
+        if int(count) > self.MOST_FIELDS:
             raise ValueError("no list of fields")
-        return first, size // width
+        return first, int(count)
 
     @guarded
     def to_string(self):

@@ -1,6 +1,7 @@
 // Saves that fail, and savers that are killed, at every file operation: the answer is honest, nothing is left
-// over, and the file is wholly the old one or wholly the new one.
+// over, and the file is wholly the old one or wholly the new one. Loads that fail, likewise: all or nothing.
 #include <chrono>
+#include <climits>
 #include <functional>
 #include <optional>
 #include <random>
@@ -270,4 +271,49 @@ TEST_F(Saves, ASaverKilledAtAnyMomentLeavesOneFileOrTheOther) {
         ASSERT_EQ(folder.names(), std::vector<std::string>{"target"}) << "round " << round;
     }
     EXPECT_EQ(loadDatabase(target)->get_num_records(), manyRows);
+}
+
+TEST_F(Saves, ALoadHasTheWholeLogOrNothingWhicheverOperationFails) {
+    ASSERT_TRUE(subjects().back().save());
+    std::string records;
+    while (records.size() < 200'000) records += "\"x\",\"" + std::string(50, 'y') + "\"\n";
+    const std::filesystem::path csv = folder.with("log.csv", records);
+    const std::filesystem::path rows = folder.with("rows", records);
+
+    using Load = std::function<void(kesta&)>;
+    const Load load = [](kesta& log) { log.loadFromFile(INT_MAX, true); };
+    const Load loadMore = [](kesta& log) { log.load_text(INT_MAX); };
+    const struct {
+        const char* name;
+        std::filesystem::path file;
+        Load load;
+        bool keepsColumns;
+    } subjects[] = {{"log", target, load, false},
+                    {"comma-separated", csv, load, false},
+                    {"more records", rows, loadMore, true}};
+    for (const auto& subject : subjects) {
+        Names reported;
+        for (unsigned at = 1;; ++at) {
+            SCOPED_TRACE(subject.name + (" " + std::to_string(at)));
+            const Zr::Ptr<kesta> log = makeTextDatabase({"Name", "Notes"}, {{"held before"}});
+            log->set_filename(wide(subject.file));
+            const std::ptrdiff_t descriptors = openDescriptors();
+            int reason = 0;
+            {
+                const Armed armed({Kind::error, EIO, at});
+                errno = 0;
+                subject.load(*log);
+                reason = errno;
+            }
+            ASSERT_EQ(openDescriptors(), descriptors);
+            if (!FileFaults::state.struck) break;
+            if (log->get_num_records() >= manyRows) continue;  // overcome
+            ASSERT_EQ(log->get_num_records(), 1U);
+            EXPECT_STREQ(log->getField(0, 0).c_str(), "held before");
+            EXPECT_EQ(log->get_num_fields(), subject.keepsColumns ? 2U : 0U);
+            EXPECT_EQ(reason, EIO);
+            reported.insert(FileFaults::state.struck);
+        }
+        EXPECT_EQ(reported.count("fstat") + reported.count("read"), 2U) << subject.name;
+    }
 }
