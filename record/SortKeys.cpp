@@ -8,8 +8,11 @@
 #include "record/SortKeys.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
+#include <utility>
 
 #include "record/Prefetch.h"
 #include "record/kesta.h"
@@ -27,12 +30,17 @@ struct Key {
     KeyRule rule;
 };
 
+/// What is sorted.
 struct Entry {
     Word word;
-    const LightweightString<char>* fields;  // the record's; null when it lacks fields that are keys
-    const char* text;
-    unsigned length;
+    unsigned length;  // of the text for the key
     unsigned row;
+};
+
+/// Where the words of a row come from.
+struct Source {
+    const LightweightString<char>* fields = nullptr;  // the record's; null when it lacks fields that are keys
+    const char* text = nullptr;
 };
 
 // Where in the words of its key a group stands; equal for all its entries, as their words so far are equal.
@@ -50,15 +58,27 @@ struct Group {
     Place place;
 };
 
+template <class Number>
+Word bigEndian(const char* bytes) noexcept {
+    Number number;
+    std::memcpy(&number, bytes, sizeof number);
+#if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    if constexpr (sizeof number == 8) return __builtin_bswap64(number);
+    if constexpr (sizeof number == 4) return __builtin_bswap32(number);
+#endif
+    return number;
+}
+
 // The first characters of a text as a number that compares as they do; zeros fill what the text lacks.
 Word leadingWord(const char* text, std::size_t length) noexcept {
+    if (length >= wordSize) return bigEndian<std::uint64_t>(text);
+    if (length >= 4) {  // two halves that overlap
+        return bigEndian<std::uint32_t>(text) << 32 |
+               bigEndian<std::uint32_t>(text + length - 4) << 8 * (wordSize - length);
+    }
     Word word = 0;
-    if (length >= wordSize) {
-        for (unsigned i = 0; i < wordSize; ++i) word = word << 8 | static_cast<unsigned char>(text[i]);
-    } else {
-        for (unsigned i = 0; i < length; ++i) {
-            word |= Word(static_cast<unsigned char>(text[i])) << (56 - 8 * i);
-        }
+    for (unsigned i = 0; i < length; ++i) {
+        word |= Word(static_cast<unsigned char>(text[i])) << (56 - 8 * i);
     }
     return word;
 }
@@ -74,6 +94,9 @@ Word folded(Word word) noexcept {
     return word | capitals >> 2;
 }
 
+/// From how many entries on it is cheaper to sort byte by byte than by comparing.
+constexpr std::size_t worthOfBytes = 256;
+
 class RecordSorter {
  public:
     RecordSorter(const std::vector<const dbrecord*>& records, bool descending)
@@ -82,12 +105,7 @@ class RecordSorter {
     }
 
     std::vector<unsigned> order() {
-        m_entries.reserve(m_records.size());
-        for (unsigned row = 0; row < m_records.size(); ++row) {
-            if (const dbrecord* const record = m_records[row]) {
-                m_entries.push_back({0, fieldsOf(*record), nullptr, 0, row});
-            }
-        }
+        listRecords();
         if (m_keys.empty()) {
             moveBlanksBehind(0);
         } else if (!m_entries.empty()) {
@@ -129,6 +147,19 @@ class RecordSorter {
         }
     }
 
+    void listRecords() {
+        m_sources.resize(m_records.size());
+        m_entries.reserve(m_records.size());
+        for (unsigned row = 0; row < m_records.size(); ++row) {
+            if (row + Prefetch::recordAhead < m_records.size()) {
+                Prefetch::record(m_records[row + Prefetch::recordAhead]);
+            }
+            if (!m_records[row]) continue;
+            m_sources[row].fields = fieldsOf(*m_records[row]);
+            m_entries.push_back({0, 0, row});
+        }
+    }
+
     // Sorts each group by its next words and leaves the groups that are level in them.
     void sortRound() {
         fetchWords();
@@ -142,26 +173,29 @@ class RecordSorter {
 
     // One walk over all groups, so that what comes from memory is asked for in time, however small they are.
     void fetchWords() {
+        Scout sources(*this, Prefetch::recordAhead);
         Scout fields(*this, Prefetch::fieldAhead);
         Scout texts(*this, Prefetch::textAhead);
         for (Group& group : m_groups) {
             m_withoutText.clear();
             std::size_t kept = group.begin;
             for (std::size_t i = group.begin; i < group.end; ++i) {
-                prefetch(fields, texts);
-                Entry entry = m_entries[i];
+                prefetch(sources, fields, texts);
+                Entry& entry = m_entries[i];
                 if (group.place.beginsKey() && !fetchText(entry, group.place)) {
                     m_withoutText.push_back(entry);
                     continue;
                 }
                 fetchWord(entry, group.place);
-                m_entries[kept++] = entry;
+                if (kept != i) m_entries[kept] = entry;
+                ++kept;
             }
             if (kept != group.end) moveBehind(group, kept);
         }
     }
 
-    void prefetch(Scout& fields, Scout& texts) const noexcept {
+    void prefetch(Scout& sources, Scout& fields, Scout& texts) const noexcept {
+        if (!sources.atEnd()) __builtin_prefetch(&m_sources[sources.entry().row]);
         if (!fields.atEnd() && fields.group().place.beginsKey()) {
             Prefetch::field(textOf(fields.entry(), field(fields.group().place)));
         }
@@ -170,16 +204,18 @@ class RecordSorter {
             if (place.beginsKey()) {
                 Prefetch::text(textOf(texts.entry(), field(place)));
             } else {
-                __builtin_prefetch(texts.entry().text + place.offset);
+                __builtin_prefetch(m_sources[texts.entry().row].text + place.offset);
             }
         }
+        sources.step();
         fields.step();
         texts.step();
     }
 
     // Goes round the record, which would have to come from memory for each key again.
     const LightweightString<char>& textOf(const Entry& entry, unsigned short field) const noexcept {
-        return entry.fields ? entry.fields[field] : record(entry)->getField(field);
+        const Source& source = m_sources[entry.row];
+        return source.fields ? source.fields[field] : record(entry)->getField(field);
     }
 
     const LightweightString<char>* fieldsOf(const dbrecord& record) const noexcept {
@@ -192,7 +228,7 @@ class RecordSorter {
     unsigned short field(const Place& place) const noexcept { return m_keys[place.key].field; }
 
     // Gives the entry its text for the key; false when in ascending order it has none.
-    bool fetchText(Entry& entry, const Place& place) const noexcept {
+    bool fetchText(Entry& entry, const Place& place) noexcept {
         std::string_view text = textOf(entry, field(place)).view();
         if (text.empty() && !m_descending) return false;
         // The comparators see texts that end at a zero character.
@@ -200,18 +236,18 @@ class RecordSorter {
         if (!m_descending) {
             while (!text.empty() && Ascii::isSpace(text.front())) text.remove_prefix(1);
         }
-        entry.text = text.data();
+        m_sources[entry.row].text = text.data();
         entry.length = static_cast<unsigned>(text.size());
         return true;
     }
 
     void fetchWord(Entry& entry, const Place& place) const noexcept {
-        entry.word = 0;
+        Word word = 0;
         if (place.offset < entry.length) {
-            entry.word = leadingWord(entry.text + place.offset, entry.length - place.offset);
-            if (!place.exact) entry.word = folded(entry.word);
+            word = leadingWord(m_sources[entry.row].text + place.offset, entry.length - place.offset);
+            if (!place.exact) word = folded(word);
         }
-        if (m_descending) entry.word = ~entry.word;
+        entry.word = m_descending ? ~word : word;
     }
 
     // Entries without a text for the key leave the group: they come behind the others, and for them the
@@ -224,14 +260,43 @@ class RecordSorter {
         group.end = kept;
     }
 
+    // Entries that are level stay in the order of their rows.
     void sortByWord(const Group& group) {
-        const auto begin = m_entries.begin() + static_cast<std::ptrdiff_t>(group.begin);
-        const auto end = m_entries.begin() + static_cast<std::ptrdiff_t>(group.end);
+        Entry* const begin = m_entries.data() + group.begin;
+        Entry* const end = m_entries.data() + group.end;
         const auto before = [](const Entry& a, const Entry& b) {
             return a.word != b.word ? a.word < b.word : a.row < b.row;
         };
-        if (!std::is_sorted(begin, end, before)) std::sort(begin, end, before);
+        if (std::is_sorted(begin, end, before)) return;
+        if (group.end - group.begin < worthOfBytes) {
+            std::sort(begin, end, before);
+        } else {
+            sortByBytes(begin, group.end - group.begin);
+        }
     }
+
+    // One byte after the other, from the last; each time what is level stays as it was. A byte that all words
+    // have alike is passed over.
+    void sortByBytes(Entry* entries, std::size_t count) {
+        std::array<std::array<unsigned, 256>, wordSize> counts{};
+        for (std::size_t i = 0; i < count; ++i) {
+            for (unsigned byte = 0; byte < wordSize; ++byte) ++counts[byte][byteOf(entries[i].word, byte)];
+        }
+        m_spare.resize(std::max(m_spare.size(), count));
+        Entry* from = entries;
+        Entry* to = m_spare.data();
+        for (unsigned byte = 0; byte < wordSize; ++byte) {
+            std::array<unsigned, 256>& places = counts[byte];
+            if (places[byteOf(from->word, byte)] == count) continue;
+            unsigned place = 0;
+            for (unsigned& next : places) place += std::exchange(next, place);
+            for (std::size_t i = 0; i < count; ++i) to[places[byteOf(from[i].word, byte)]++] = from[i];
+            std::swap(from, to);
+        }
+        if (from != entries) std::copy(from, from + count, entries);
+    }
+
+    static unsigned byteOf(Word word, unsigned byte) noexcept { return word >> 8 * byte & 0xFF; }
 
     void keepLevelOnes(const Group& group) {
         for (std::size_t begin = group.begin; begin < group.end;) {
@@ -279,8 +344,10 @@ class RecordSorter {
     const std::vector<const dbrecord*>& m_records;
     const bool m_descending;
     std::vector<Key> m_keys;
+    std::vector<Source> m_sources;  // by row
     std::vector<Entry> m_entries;
     std::vector<Entry> m_withoutText;
+    std::vector<Entry> m_spare;
     std::vector<Group> m_groups;  // never an empty one
     std::vector<Group> m_level;
 };
