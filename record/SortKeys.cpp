@@ -73,8 +73,8 @@ Word bigEndian(const char* bytes) noexcept {
 Word leadingWord(const char* text, std::size_t length) noexcept {
     if (length >= wordSize) return bigEndian<std::uint64_t>(text);
     if (length >= 4) {  // two halves that overlap
-        return bigEndian<std::uint32_t>(text) << 32 |
-               bigEndian<std::uint32_t>(text + length - 4) << 8 * (wordSize - length);
+        return bigEndian<std::uint32_t>(text) << 32 | bigEndian<std::uint32_t>(text + length - 4)
+                                                          << 8 * (wordSize - length);
     }
     Word word = 0;
     for (unsigned i = 0; i < length; ++i) {

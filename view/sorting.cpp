@@ -8,8 +8,8 @@
 namespace {
 
 /// How many steps ahead of a walk its database is told of the rows.
-constexpr int later = 24;
-constexpr int sooner = 12;
+constexpr std::size_t later = 24;
+constexpr std::size_t sooner = 12;
 
 }  // namespace
 
@@ -18,13 +18,17 @@ void KSTViewRep::sort(int direction, int caseInsensitive) {
     iKST* const source = db();
     if (!source) return;
     source->sortPrepare(direction, caseInsensitive);
+    std::vector<unsigned> baseRows;
+    baseRows.reserve(static_cast<std::size_t>(m_index.size()));
+    for (int row = 0; row < m_index.size(); ++row) baseRows.push_back(static_cast<unsigned>(baseIndex(row)));
+
     std::vector<const dbrecord*> records;
-    records.reserve(static_cast<std::size_t>(m_index.size()));
+    records.reserve(baseRows.size());
     for (int row = 0; row < m_index.size(); ++row) {
         const kesta* const base = database();
-        if (base && later < m_index.size() - row) {
-            base->expectRecords(static_cast<unsigned>(baseIndex(row + later)),
-                                static_cast<unsigned>(baseIndex(row + sooner)));
+        const auto ahead = static_cast<std::size_t>(row) + later;
+        if (base && ahead < baseRows.size()) {
+            base->expectRecords(baseRows[ahead], baseRows[ahead - later + sooner]);
         }
         records.push_back((*this)[row]);
     }
