@@ -13,20 +13,23 @@
 
 namespace {
 
-/// The first quote or backslash in begin .. end; `end` when there is none. Sixteen bytes at a time where
+/// The first byte in begin .. end that is one of the three; `end` when none is. Sixteen bytes at a time where
 /// possible.
-const char* findQuoteOrBackslash(const char* begin, const char* end) noexcept {
+template <char A, char B, char C>
+const char* findOneOf(const char* begin, const char* end) noexcept {
 #if defined(__SSE2__)
-    const __m128i quote = _mm_set1_epi8('"');
-    const __m128i backslash = _mm_set1_epi8('\\');
+    const __m128i a = _mm_set1_epi8(A);
+    const __m128i b = _mm_set1_epi8(B);
+    const __m128i c = _mm_set1_epi8(C);
     for (; end - begin >= 16; begin += 16) {
         const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(begin));
-        const __m128i hits = _mm_or_si128(_mm_cmpeq_epi8(bytes, quote), _mm_cmpeq_epi8(bytes, backslash));
+        const __m128i hits = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(bytes, a), _mm_cmpeq_epi8(bytes, b)),
+                                          _mm_cmpeq_epi8(bytes, c));
         const int mask = _mm_movemask_epi8(hits);
         if (mask != 0) return begin + __builtin_ctz(static_cast<unsigned>(mask));
     }
 #endif
-    while (begin != end && *begin != '"' && *begin != '\\') ++begin;
+    while (begin != end && *begin != A && *begin != B && *begin != C) ++begin;
     return begin;
 }
 
@@ -116,10 +119,9 @@ class Reader {
         int count = 0;
         while (m_at != m_end) {
             if (count != INT_MAX) ++count;
-            if (*m_at == '"' && readUsualField()) continue;
             if (Ascii::isControl(*m_at)) {
                 ++m_at;  // counts, but is no field: callers see that the line is not as it should be
-            } else {
+            } else if (!(*m_at == '"' ? readUsualQuoted() : readUsualUnquoted())) {
                 readAnyField();
             }
         }
@@ -129,17 +131,26 @@ class Reader {
 
  private:
     // A field as most are: in quotes, with nothing to undo, trim or cut. Otherwise does nothing.
-    bool readUsualField() {
+    bool readUsualQuoted() {
         const char* const begin = m_at + 1;
-        const char* const stop = findQuoteOrBackslash(begin, m_end);
+        const char* const stop = findOneOf<'"', '\\', '\\'>(begin, m_end);
         if (stop == m_end || *stop != '"') return false;
-        const bool last = stop + 1 == m_end;
-        if (!last && stop[1] != ',') return false;
-        const auto size = static_cast<std::size_t>(stop - begin);
+        return (stop + 1 == m_end || stop[1] == ',') && appendUsual(begin, stop, stop + 1);
+    }
+
+    // The same without quotes.
+    bool readUsualUnquoted() {
+        const char* const stop = findOneOf<'"', '\\', ','>(m_at, m_end);
+        return (stop == m_end || *stop == ',') && appendUsual(m_at, stop, stop);
+    }
+
+    // Goes on behind the comma at `next`.
+    bool appendUsual(const char* begin, const char* end, const char* next) {
+        const auto size = static_cast<std::size_t>(end - begin);
         if (size >= RecordLine::longestField) return false;
-        if (size != 0 && (mayBeSpace(*begin) || mayBeSpace(stop[-1]))) return false;
+        if (size != 0 && (mayBeSpace(*begin) || mayBeSpace(end[-1]))) return false;
         append({begin, size});
-        m_at = stop + (last ? 1 : 2);
+        m_at = next == m_end ? next : next + 1;
         return true;
     }
 

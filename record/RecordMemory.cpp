@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::size_t firstBlock = std::size_t(1) << 12;
 constexpr std::size_t largestBlock = std::size_t(1) << 16;
-constexpr std::size_t smallestPiece = 12;
+constexpr std::size_t smallestPiece = 12 + Redzone::size;  // a text of one character
 constexpr std::size_t mostShares = std::size_t(1) << 20;
 
 }  // namespace
@@ -32,7 +32,9 @@ void RecordMemory::nextBlock(std::size_t least) {
 }
 
 void RecordMemory::closeBlock() noexcept {
-    if (m_count && m_count->fetch_sub(m_unusedShares, std::memory_order_acq_rel) == m_unusedShares) {
+    // Without a share of its own the block may be gone.
+    if (m_unusedShares != 0 &&
+        m_count->fetch_sub(m_unusedShares, std::memory_order_acq_rel) == m_unusedShares) {
         OS()->allocator()->release(m_count);
     }
     m_count = nullptr;

@@ -1,5 +1,6 @@
-// Redzone: lets the address sanitizer watch over things that lie side by side in one block of memory, as it
-// does over blocks. In other builds nothing of it is left.
+// Redzone: lets the address sanitizer see who reads or writes past things that lie side by side in one block
+// of memory. What has ended there it does not know of, as long as the block is there. In other builds nothing
+// of it is left.
 #pragma once
 
 #include <cstddef>

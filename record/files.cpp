@@ -3,6 +3,7 @@
 // A file is lines in the record line syntax: parameter lines, the first of them the revision; a marker line;
 // widths, types and names of the columns; then one line for each record.
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdlib>
 
@@ -98,24 +99,40 @@ void kesta::loadFromFile(const LightweightString<wchar_t>& fileName, int maxReco
 
 void kesta::loadFromFile(int maxRecords, bool strict) {
     init();
+    TextFile file;
+    if (!file.beginLoad(m_fileName, lineSeparator)) return;
+    const std::size_t recordsBefore = m_records.size();
+    const int changedBefore = m_changed;
     // A load that cannot be finished leaves nothing that could be taken for the whole log, and saved over it.
-    const auto undo = [this, before = m_records.size()] {
-        if (m_records.size() > before) m_records.erase(before, m_records.size() - before);
+    const auto undo = [&] {
+        takeBack(recordsBefore, changedBefore);
         init();
     };
-    TextFile file;
+    const bool csv = endsWithCSV(m_fileName);
+    bool whole;
     try {
-        if (!file.beginLoad(m_fileName, lineSeparator)) return;
-        if (endsWithCSV(m_fileName)) {
+        if (csv) {
             loadCSV(file);
         } else {
             loadLog(file, maxRecords, strict);
         }
+        whole = file.endLoad();
     } catch (...) {
         undo();
         throw;
     }
-    if (!file.endLoad()) undo();
+    if (!whole) {
+        const int error = errno;
+        undo();
+        errno = error;
+    } else if (!csv && m_valid) {
+        clear_changed();
+    }
+}
+
+void kesta::takeBack(std::size_t recordsBefore, int changedBefore) noexcept {
+    if (m_records.size() > recordsBefore) m_records.erase(recordsBefore, m_records.size() - recordsBefore);
+    m_changed = changedBefore;
 }
 
 void kesta::loadLog(TextFile& file, int maxRecords, bool strict) {
@@ -130,7 +147,6 @@ void kesta::loadLog(TextFile& file, int maxRecords, bool strict) {
     if (!m_valid) return;
     post_init();
     add_text(file, 0, maxRecords);
-    clear_changed();
 }
 
 void kesta::read_params(TextFile& file, dbrecord* line) {
@@ -184,9 +200,18 @@ void kesta::takeColumnNames(const dbrecord& names) {
 int kesta::load_text(int maxRecords) {
     TextFile file;
     if (!file.beginLoad(m_fileName, lineSeparator)) return 0;
-    const int count = add_text(file, 1, maxRecords);
-    if (file.endLoad()) return count;
-    m_records.erase(m_records.size() - static_cast<std::size_t>(count), static_cast<std::size_t>(count));
+    const std::size_t recordsBefore = m_records.size();
+    const int changedBefore = m_changed;
+    try {
+        const int count = add_text(file, 1, maxRecords);
+        if (file.endLoad()) return count;
+    } catch (...) {
+        takeBack(recordsBefore, changedBefore);
+        throw;
+    }
+    const int error = errno;
+    takeBack(recordsBefore, changedBefore);
+    errno = error;
     return 0;
 }
 

@@ -150,7 +150,7 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     void loadFromFile(const LightweightString<wchar_t>& fileName, int maxRecords, bool strict);
 
     /// Appends the records of the database's file, whose first line is dropped; see add_text. Answers how
-    /// many.
+    /// many; 0, with nothing appended, when the file cannot be read.
     int load_text(int maxRecords);
 
     /// Appends records from the file's cursor on, until a blank line, a line with a wrong number of fields,
@@ -365,6 +365,7 @@ class KESTA_API kesta : public KSTBase, public Notifier {
 
     void prefetchForMatch(std::size_t row) const noexcept;
     void fileIdentifiers(CookieIndex& rows) const;
+    void takeBack(std::size_t recordsBefore, int changedBefore) noexcept;
     void loadLog(TextFile& file, int maxRecords, bool strict);
     void readColumns(TextFile& file);
     void takeColumnNames(const dbrecord& names);

@@ -147,7 +147,7 @@ class LightweightString {
 
     struct Body {
         std::uint32_t length;
-        std::uint32_t capacity;  // 0 when there are other bodies in the block
+        std::uint32_t capacity;  // 0 in a block with other things
 
         static constexpr std::size_t largest = std::numeric_limits<std::uint32_t>::max() / sizeof(Char) - 64;
 
@@ -175,14 +175,10 @@ class LightweightString {
             const std::size_t needed = sizeof(Zr::RefCounter) + sizeFor(capacity);
             const std::size_t size = needed <= 24 ? 24 : (needed - 8 + 15) / 16 * 16 + 8;
             const std::size_t room = (size - sizeof(Zr::RefCounter) - sizeof(Body)) / sizeof(Char) - 1;
-            Zr::RefCounter* const count = makeBlock(size, 1);
+            Zr::RefCounter* const count = new (OS()->allocator()->allocate(size)) Zr::RefCounter(1);
             return BodyPtr::adopt(count, put(count + 1, text, room));
         }
     };
-
-    static Zr::RefCounter* makeBlock(std::size_t size, std::int32_t shares) {
-        return new (OS()->allocator()->allocate(size)) Zr::RefCounter(shares);
-    }
 
     using UnsignedChar = std::conditional_t<sizeof(Char) == 1, unsigned char, std::uint32_t>;
     static constexpr UnsignedChar Unsigned(Char c) noexcept { return static_cast<UnsignedChar>(c); }
@@ -204,8 +200,8 @@ class LightweightString {
     BodyPtr m_body;
 };
 
-/// A string with copies in stock. To hand one out is no atomic step, which would wait until everything that
-/// was written before has reached the memory; the shares are counted by the dozen.
+/// A string with copies in stock: their shares are counted some dozens at a time, so that to hand one out is
+/// no atomic step, which would wait for all that was written before.
 template <class Char>
 class StringStock {
  public:
@@ -232,8 +228,8 @@ class StringStock {
         if (!m_string.m_body) return {};
         Zr::RefCounter* const count = m_string.m_body.count();
         if (m_stock == 0) {
-            count->fetch_add(dozens, std::memory_order_relaxed);
-            m_stock = dozens;
+            count->fetch_add(restock, std::memory_order_relaxed);
+            m_stock = restock;
         }
         --m_stock;
         String result;
@@ -247,7 +243,7 @@ class StringStock {
     }
 
  private:
-    static constexpr std::int32_t dozens = 48;
+    static constexpr std::int32_t restock = 48;
 
     String m_string;
     std::int32_t m_stock = 0;

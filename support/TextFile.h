@@ -34,13 +34,14 @@ class KESTA_API TextFile {
 
     /// Begins to load the file for a reader that goes through it once, from front to back: the file is read
     /// as the cursor moves on, and lines before the cursor may be forgotten, so that a file of any size is
-    /// read in little memory. Beyond the line at the cursor, if there is one, size() need not count. Answers
-    /// as load does; a failure later on ends the lines there, and endLoad tells of it.
+    /// read in the memory that its longest line takes. Beyond the line at the cursor, if there is one, size()
+    /// need not count. Answers as load does; a failure later on ends the lines there, and endLoad tells of
+    /// it.
     bool beginLoad(const LightweightString<wchar_t>& name, char separator);
 
-    /// Reads no further; the lines that are there stay. Answers whether there was no failure up to here; if
-    /// not, errno says why. Appending a line ends the reading too.
-    bool endLoad() noexcept;
+    /// Reads the rest of the file, whose lines may be forgotten. Answers whether all of the file could be
+    /// read; if not, errno says why. Appending a line ends the reading too, and nothing is told of a failure.
+    bool endLoad();
 
     /// Writes all lines, each ended as `style` says. An existing file is never damaged: the lines go to a
     /// temporary file beside it, which is flushed to disk and renamed over it. Symbolic links are followed,
@@ -93,6 +94,7 @@ class KESTA_API TextFile {
     struct BegunSave;
 
     void clear() noexcept;
+    bool giveUp(int error) noexcept;
     Block& addBlock(std::size_t capacity);
     bool readPiece();
     void continueLastBlock();

@@ -32,5 +32,7 @@ void KSTViewRep::sort(int direction, int caseInsensitive) {
         }
         records.push_back((*this)[row]);
     }
-    m_index.reorder(sortedOrder(records, direction < 0));
+    const std::vector<unsigned> order = sortedOrder(records, direction < 0);
+    // A source that takes rows away while it is asked for them has had its way.
+    if (order.size() == static_cast<std::size_t>(m_index.size())) m_index.reorder(order);
 }

@@ -31,10 +31,13 @@ class FileReplacement {
     void open(const LightweightString<wchar_t>& name);
     void openTemporary(mode_t mode);
     void removeTemporary() noexcept;
+    void writePending() noexcept;
+    void writeOut(std::string_view bytes) noexcept;
     bool fail() noexcept;
 
     LibraryString m_path;
     LibraryString m_temporaryPath;  // empty when there is no temporary file
     SystemFile m_file;
+    LibraryString m_pending;  // less than a piece
     int m_error = 0;
 };

@@ -85,8 +85,7 @@ bool TextFile::load(LightweightString<wchar_t> name, char separator, bool) {
     while (readPiece()) {
     }
     if (endLoad()) return true;
-    clear();
-    return false;
+    return giveUp(errno);
 }
 
 bool TextFile::beginLoad(const LightweightString<wchar_t>& name, char separator) {
@@ -101,13 +100,17 @@ bool TextFile::beginLoad(const LightweightString<wchar_t>& name, char separator)
     addBlock(S_ISREG(status.st_mode) ? std::min(wanted, standardBlock) : standardBlock);
     m_begunLoad = std::make_unique<BegunLoad>(BegunLoad{std::move(file), separator});
     readOn();
-    if (m_begunLoad->error == 0) return true;
-    errno = m_begunLoad->error;
+    return m_begunLoad->error == 0 || giveUp(m_begunLoad->error);
+}
+
+bool TextFile::giveUp(int error) noexcept {
     clear();
+    errno = error;
     return false;
 }
 
-bool TextFile::endLoad() noexcept {
+bool TextFile::endLoad() {
+    while (m_begunLoad && !m_begunLoad->atEnd) readOn();
     const int error = m_begunLoad ? m_begunLoad->error : 0;
     m_begunLoad.reset();
     if (error != 0) errno = error;
@@ -132,16 +135,18 @@ void TextFile::readOn() {
 bool TextFile::readPiece() {
     BegunLoad& load = *m_begunLoad;
     if (load.atEnd) return false;
+    load.atEnd = true;  // should there be no memory for a line
+    load.error = ENOMEM;
     if (m_blocks.back().size == m_blocks.back().capacity) continueLastBlock();
     Block& block = m_blocks.back();
     ssize_t count;
     do count = ::read(load.file.descriptor(), block.data + block.size, block.capacity - block.size);
     while (count < 0 && errno == EINTR);
     if (count <= 0) {
-        load.atEnd = true;
-        if (count < 0) load.error = errno;
+        const int error = count < 0 ? errno : 0;
         const bool onlyMark = size() == 0 && std::string_view(block.data, block.size) == byteOrderMark;
-        if (load.lineBegin < block.size && !onlyMark) addLine(block.size);
+        if (error == 0 && load.lineBegin < block.size && !onlyMark) addLine(block.size);
+        load.error = error;
         return false;
     }
 
@@ -157,6 +162,8 @@ bool TextFile::readPiece() {
         load.lineBegin = position + 1;
         begin = separatorAt + 1;
     }
+    load.atEnd = false;
+    load.error = 0;
     return true;
 }
 

@@ -312,6 +312,7 @@ TEST_F(Saves, ALoadHasTheWholeLogOrNothingWhicheverOperationFails) {
             EXPECT_STREQ(log->getField(0, 0).c_str(), "held before");
             EXPECT_EQ(log->get_num_fields(), subject.keepsColumns ? 2U : 0U);
             EXPECT_EQ(reason, EIO);
+            EXPECT_FALSE(log->get_changed());
             reported.insert(FileFaults::state.struck);
         }
         EXPECT_EQ(reported.count("fstat") + reported.count("read"), 2U) << subject.name;

@@ -399,6 +399,22 @@ TEST_F(FileLoading, AgreesWithTheSlowReadingOnManyRepetitiveRecords) {
     ASSERT_EQ(rowsOf(*database), expected);
 }
 
+// Texts as short as they come use up a block's shares before its room.
+TEST_F(FileLoading, ARejectedLineGivesItsMemoryBackHoweverManyTextsItHas) {
+    for (unsigned fields = 60; fields < 400; ++fields) {
+        std::string line = "\"100\"";
+        for (unsigned i = 1; i < fields; ++i) line += ",\"" + std::to_string(100 + i) + '"';
+        const WideText name =
+            wide(folder.with("in", "\"KESTA:Rev 1\"\n\"KESTA\"\n\"1\"\n\"text\"\n\"a\"\n" + line));
+        CountingAllocator memory;
+        {
+            const kesta database(name, 10, true);
+            EXPECT_EQ(database.get_num_records(), 0U);
+        }
+        EXPECT_EQ(memory.held(), 0U) << fields;
+    }
+}
+
 TEST_F(FileLoading, MoreColumnsThan16BitsCountDoNoHarm) {
     std::string types;
     std::string names;
