@@ -133,15 +133,21 @@ class Reader {
     // A field as most are: in quotes, with nothing to undo, trim or cut. Otherwise does nothing.
     bool readUsualQuoted() {
         const char* const begin = m_at + 1;
-        const char* const stop = findOneOf<'"', '\\', '\\'>(begin, m_end);
+        const char* const stop = findOneOf<'"', '\\', '\\'>(begin, searchEnd(begin));
         if (stop == m_end || *stop != '"') return false;
         return (stop + 1 == m_end || stop[1] == ',') && appendUsual(begin, stop, stop + 1);
     }
 
     // The same without quotes.
     bool readUsualUnquoted() {
-        const char* const stop = findOneOf<'"', '\\', ','>(m_at, m_end);
+        const char* const stop = findOneOf<'"', '\\', ','>(m_at, searchEnd(m_at));
         return (stop == m_end || *stop == ',') && appendUsual(m_at, stop, stop);
+    }
+
+    // A field that goes on beyond the greatest length is no usual one: no need to look further, which would
+    // be done again for each of the pieces that it is cut into.
+    const char* searchEnd(const char* begin) const noexcept {
+        return begin + std::min(static_cast<std::size_t>(m_end - begin), RecordLine::longestField);
     }
 
     // Goes on behind the comma at `next`.

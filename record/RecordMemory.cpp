@@ -8,7 +8,6 @@ namespace {
 constexpr std::size_t firstBlock = std::size_t(1) << 12;
 constexpr std::size_t largestBlock = std::size_t(1) << 16;
 constexpr std::size_t smallestPiece = 12 + Redzone::size;  // a text of one character
-constexpr std::size_t mostShares = std::size_t(1) << 20;
 
 }  // namespace
 
@@ -23,7 +22,8 @@ void RecordMemory::nextBlock(std::size_t least) {
     const std::size_t size = std::max(wanted, sizeof(Zr::RefCounter) + least);
     char* const block = static_cast<char*>(OS()->allocator()->allocate(size));
     closeBlock();
-    m_unusedShares = static_cast<std::int32_t>(std::min(size / smallestPiece, mostShares));
+    // A larger block is for one piece that is larger.
+    m_unusedShares = static_cast<std::int32_t>(std::min(size, largestBlock) / smallestPiece);
     m_count = new (block) Zr::RefCounter(m_unusedShares);
     m_at = block + sizeof(Zr::RefCounter);
     m_end = block + size;

@@ -1,8 +1,8 @@
 // RecordMemory: memory for the fields and texts of records that are made one after the other, as a load does.
 //
-// They lie one behind the other in blocks of up to 64 KB, which takes less time and memory than blocks of
-// their own. A block counts what lives in it and goes with the last of it. So whatever is left of a log, be
-// it one text that was copied elsewhere, keeps the blocks in which it lies.
+// They lie one behind the other in blocks of 64 KB, smaller ones first, which takes less time and memory than
+// blocks of their own. A block counts what lives in it and goes with the last of it. So whatever is left of a
+// log, be it one text that was copied elsewhere, keeps the blocks in which it lies.
 //
 // Thread-safety: one thread at a time; what has been made may live and end on any.
 #pragma once

@@ -102,10 +102,9 @@ void kesta::loadFromFile(int maxRecords, bool strict) {
     TextFile file;
     if (!file.beginLoad(m_fileName, lineSeparator)) return;
     const std::size_t recordsBefore = m_records.size();
-    const int changedBefore = m_changed;
     // A load that cannot be finished leaves nothing that could be taken for the whole log, and saved over it.
     const auto undo = [&] {
-        takeBack(recordsBefore, changedBefore);
+        takeBackRecords(recordsBefore);
         init();
     };
     const bool csv = endsWithCSV(m_fileName);
@@ -130,9 +129,8 @@ void kesta::loadFromFile(int maxRecords, bool strict) {
     }
 }
 
-void kesta::takeBack(std::size_t recordsBefore, int changedBefore) noexcept {
-    if (m_records.size() > recordsBefore) m_records.erase(recordsBefore, m_records.size() - recordsBefore);
-    m_changed = changedBefore;
+void kesta::takeBackRecords(std::size_t before) noexcept {
+    if (m_records.size() > before) m_records.erase(before, m_records.size() - before);
 }
 
 void kesta::loadLog(TextFile& file, int maxRecords, bool strict) {
@@ -202,15 +200,19 @@ int kesta::load_text(int maxRecords) {
     if (!file.beginLoad(m_fileName, lineSeparator)) return 0;
     const std::size_t recordsBefore = m_records.size();
     const int changedBefore = m_changed;
+    const auto undo = [&] {
+        takeBackRecords(recordsBefore);
+        m_changed = changedBefore;
+    };
     try {
         const int count = add_text(file, 1, maxRecords);
         if (file.endLoad()) return count;
     } catch (...) {
-        takeBack(recordsBefore, changedBefore);
+        undo();
         throw;
     }
     const int error = errno;
-    takeBack(recordsBefore, changedBefore);
+    undo();
     errno = error;
     return 0;
 }

@@ -365,7 +365,7 @@ class KESTA_API kesta : public KSTBase, public Notifier {
 
     void prefetchForMatch(std::size_t row) const noexcept;
     void fileIdentifiers(CookieIndex& rows) const;
-    void takeBack(std::size_t recordsBefore, int changedBefore) noexcept;
+    void takeBackRecords(std::size_t before) noexcept;
     void loadLog(TextFile& file, int maxRecords, bool strict);
     void readColumns(TextFile& file);
     void takeColumnNames(const dbrecord& names);

@@ -64,7 +64,7 @@ class KESTA_API TextFile {
         return LightweightString<char>(lineView(line));
     }
 
-    /// The same without a copy; valid until the lines change.
+    /// The same without a copy; valid until the lines change, the cursor moves or a load ends.
     std::string_view lineView(unsigned line) const noexcept {
         const std::size_t kept = line - m_forgotten;  // huge for a forgotten line
         return kept < m_lines.size() ? m_lines[kept] : std::string_view();
@@ -101,7 +101,7 @@ class KESTA_API TextFile {
     void addLine(std::size_t end);
     void readOn();
     void forgetLines() noexcept;
-    void writeLines(FileReplacement& file, eEOLStyle style) const;
+    void writeLines(FileReplacement& file, eEOLStyle style) const noexcept;
     void putOut();
 
     // Each line's bytes lie in one block. A block's end line is the number of lines up to and with its last;

@@ -26,9 +26,9 @@ void KSTViewRep::sort(int direction, int caseInsensitive) {
     records.reserve(baseRows.size());
     for (int row = 0; row < m_index.size(); ++row) {
         const kesta* const base = database();
-        const auto ahead = static_cast<std::size_t>(row) + later;
-        if (base && ahead < baseRows.size()) {
-            base->expectRecords(baseRows[ahead], baseRows[ahead - later + sooner]);
+        const auto at = static_cast<std::size_t>(row);
+        if (base && at + later < baseRows.size()) {
+            base->expectRecords(baseRows[at + later], baseRows[at + sooner]);
         }
         records.push_back((*this)[row]);
     }

@@ -137,7 +137,10 @@ void FileReplacement::writeOut(std::string_view bytes) noexcept {
 
 bool FileReplacement::commit() {
     writePending();
-    if (!m_file) return fail();
+    if (!m_file) {
+        if (m_error == 0) errno = EINVAL;  // a second commit
+        return fail();
+    }
     if (m_temporaryPath.empty()) return m_file.close() || fail();
     const LibraryString folder = folderOf(m_path);  // after the renaming nothing may fail
     if (::fsync(m_file.descriptor()) != 0 || !m_file.close()) return fail();

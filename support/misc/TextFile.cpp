@@ -30,9 +30,7 @@ struct TextFile::Block {
           written(other.written) {}
     Block(const Block&) = delete;
     Block& operator=(const Block&) = delete;
-    ~Block() { release(); }
-
-    void release() noexcept { OS()->allocator()->release(std::exchange(data, nullptr)); }
+    ~Block() { OS()->allocator()->release(data); }
 
     char* data;
     std::size_t size = 0;
@@ -130,8 +128,8 @@ void TextFile::readOn() {
     } while (readPiece() && m_cursor >= size());
 }
 
-/// Reads as much as the last block has room for, and adds the lines that end there. False when there was
-/// nothing left to read.
+/// Reads as much as the last block has room for, and adds the lines that end there. False when there is
+/// nothing left to read, or it cannot be read.
 bool TextFile::readPiece() {
     BegunLoad& load = *m_begunLoad;
     if (load.atEnd) return false;
@@ -239,6 +237,7 @@ void TextFile::endLine(char* end) {
 }
 
 void TextFile::beginSave(const LightweightString<wchar_t>& name, eEOLStyle style) {
+    m_begunLoad.reset();
     m_begunSave = std::make_unique<BegunSave>(name, style);
 }
 
@@ -251,27 +250,26 @@ bool TextFile::save(LightweightString<wchar_t> name, eEOLStyle style) const {
         writeLines(m_begunSave->file, style);
         return m_begunSave->file.commit();
     }
+    if (m_begunLoad || m_forgotten != 0) {
+        errno = EINVAL;
+        return false;
+    }
     FileReplacement file(name);
     writeLines(file, style);
     return file.commit();
 }
 
-void TextFile::writeLines(FileReplacement& file, eEOLStyle style) const {
+void TextFile::writeLines(FileReplacement& file, eEOLStyle style) const noexcept {
     const std::string_view end = style == eCRLF ? "\r\n" : "\n";
-    LibraryString buffer;
     for (const Block& block : m_blocks) {
         if (block.written && style != eCRLF) {
             file.write(std::string_view(block.data, block.size));
             continue;
         }
         for (std::size_t line = block.firstLine; line < block.endLine; ++line) {
-            buffer.append(m_lines[line]).append(end);
-            if (buffer.size() < standardBlock) continue;
-            file.write(buffer);
-            buffer.clear();
+            file.write(m_lines[line]);
+            file.write(end);
         }
-        file.write(buffer);
-        buffer.clear();
     }
 }
 

@@ -34,6 +34,7 @@ class TextFiles : public TempFolderTest {
         EXPECT_EQ(file.size(), lines.size());
         EXPECT_EQ(file.lineView(file.cursor()), "");
         EXPECT_TRUE(file.endLoad());
+        EXPECT_EQ(file.save(wide(folder / "out"), TextFile::eLF), lines.empty()) << "forgotten lines";
         return lines;
     }
 
