@@ -15,6 +15,7 @@
 #include "support/Export.h"
 #include "support/LightweightString.h"
 
+/// What has no comment is as a std::vector's.
 class KESTA_API FieldList {
  public:
     using Field = LightweightString<char>;
