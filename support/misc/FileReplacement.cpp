@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/random.h>
 #include <sys/stat.h>
@@ -44,8 +45,7 @@ void flushFolder(const LibraryString& folder) noexcept {
 
 }  // namespace
 
-FileReplacement::FileReplacement(const LightweightString<wchar_t>& name) {
-    m_pending.reserve(pieceSize);
+FileReplacement::FileReplacement(const LightweightString<wchar_t>& name) : m_piece(pieceSize) {
     open(name);
     if (!m_file) fail();
 }
@@ -113,22 +113,23 @@ void FileReplacement::openTemporary(mode_t mode) {
 
 void FileReplacement::write(std::string_view bytes) noexcept {
     while (m_file && !bytes.empty()) {
-        const bool whole = m_pending.empty() && bytes.size() >= pieceSize;
-        const std::size_t count = whole ? bytes.size() / pieceSize * pieceSize
-                                        : std::min(bytes.size(), pieceSize - m_pending.size());
+        const bool whole = m_pending == 0 && bytes.size() >= pieceSize;
+        const std::size_t count =
+            whole ? bytes.size() / pieceSize * pieceSize : std::min(bytes.size(), pieceSize - m_pending);
         if (whole) {
-            writeOut(bytes.substr(0, count));
+            writeOut({bytes.data(), count});
         } else {
-            m_pending.append(bytes.data(), count);  // for which there is room
-            if (m_pending.size() == pieceSize) writePending();
+            std::memcpy(m_piece.data() + m_pending, bytes.data(), count);
+            m_pending += count;
+            if (m_pending == pieceSize) writePending();
         }
         bytes.remove_prefix(count);
     }
 }
 
 void FileReplacement::writePending() noexcept {
-    writeOut(m_pending);
-    m_pending.clear();
+    writeOut({m_piece.data(), m_pending});
+    m_pending = 0;
 }
 
 void FileReplacement::writeOut(std::string_view bytes) noexcept {

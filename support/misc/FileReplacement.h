@@ -8,6 +8,7 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 #include "support/misc/SystemFile.h"
 
@@ -38,6 +39,7 @@ class FileReplacement {
     LibraryString m_path;
     LibraryString m_temporaryPath;  // empty when there is no temporary file
     SystemFile m_file;
-    LibraryString m_pending;  // less than a piece
+    std::vector<char> m_piece;
+    std::size_t m_pending = 0;  // the bytes of the piece that are still to be written
     int m_error = 0;
 };
