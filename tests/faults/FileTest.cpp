@@ -29,14 +29,14 @@ constexpr auto ownerOnly = std::filesystem::perms::owner_read | std::filesystem:
 /// Rows of a log or container of some 100 KB.
 constexpr unsigned manyRows = 2000;
 
-class Saves : public TempFolderTest {
+class Files : public TempFolderTest {
  protected:
     struct Subject {
         std::string name;
         std::function<bool()> save;  // answers what the operation says of itself, as far as it does
     };
 
-    Saves() {
+    Files() {
         for (unsigned line = 0; line < manyRows; ++line) {
             m_text.appendLine(text("line " + std::to_string(line) + std::string(50, '.')));
         }
@@ -121,7 +121,7 @@ class Saves : public TempFolderTest {
 
 }  // namespace
 
-TEST_F(Saves, EachFailingOperationIsReportedAndLeavesTheOldFile) {
+TEST_F(Files, EachFailingOperationIsReportedAndLeavesTheOldFile) {
     Names reported;
     Names overcome;
     for (const Subject& subject : subjects()) {
@@ -161,7 +161,7 @@ TEST_F(Saves, EachFailingOperationIsReportedAndLeavesTheOldFile) {
     EXPECT_EQ(overcome, (Names{"close", "fchown", "fsync", "open", "write"}));
 }
 
-TEST_F(Saves, ALinkThatCannotBeReadIsNotReplaced) {
+TEST_F(Files, ALinkThatCannotBeReadIsNotReplaced) {
     const std::filesystem::path real = folder.with("real", oldContent);
     std::filesystem::create_symlink(real, target);
     for (const Subject& subject : subjects()) {
@@ -173,7 +173,7 @@ TEST_F(Saves, ALinkThatCannotBeReadIsNotReplaced) {
     }
 }
 
-TEST_F(Saves, WritesThatFallShortGoOn) {
+TEST_F(Files, WritesThatFallShortGoOn) {
     for (const Subject& subject : subjects()) {
         const std::string fresh = undisturbed(subject.save);
         for (unsigned at = 1;; ++at) {
@@ -186,7 +186,7 @@ TEST_F(Saves, WritesThatFallShortGoOn) {
     }
 }
 
-TEST_F(Saves, AContainerIsTheOldOneOrTheNewOneWhicheverOperationFails) {
+TEST_F(Files, AContainerIsTheOldOneOrTheNewOneWhicheverOperationFails) {
     const std::string fresh = undisturbed([this] { return saveContainer(), true; });
     Names kept;
     for (unsigned at = 1;; ++at) {
@@ -223,12 +223,12 @@ TEST_F(Saves, AContainerIsTheOldOneOrTheNewOneWhicheverOperationFails) {
         EXPECT_EQ(kept.count(name), 1U) << name;
 }
 
-TEST_F(Saves, ASaverKilledAtAnyOperationLeavesTheOldOrTheNewFile) {
+TEST_F(Files, ASaverKilledAtAnyOperationLeavesTheOldOrTheNewFile) {
     for (const Subject& subject : subjects()) EXPECT_GT(killAtEachOperation(subject), 10U) << subject.name;
     EXPECT_GT(killAtEachOperation({"container", [this] { return saveContainer(), true; }}), 15U);
 }
 
-TEST_F(Saves, ASaverKilledAtAnyMomentLeavesOneFileOrTheOther) {
+TEST_F(Files, ASaverKilledAtAnyMomentLeavesOneFileOrTheOther) {
     const auto logOf = [&](const char* note) {
         Zr::Ptr<kesta> log = makeTextDatabase({"Name", "Notes"});
         log->add_param("Title", note);
@@ -273,7 +273,7 @@ TEST_F(Saves, ASaverKilledAtAnyMomentLeavesOneFileOrTheOther) {
     EXPECT_EQ(loadDatabase(target)->get_num_records(), manyRows);
 }
 
-TEST_F(Saves, ALoadHasTheWholeLogOrNothingWhicheverOperationFails) {
+TEST_F(Files, ALoadHasTheWholeLogOrNothingWhicheverOperationFails) {
     ASSERT_TRUE(subjects().back().save());
     std::string records;
     while (records.size() < 200'000) records += "\"x\",\"" + std::string(50, 'y') + "\"\n";
