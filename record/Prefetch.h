@@ -15,10 +15,10 @@ constexpr unsigned recordAhead = 24;
 constexpr unsigned fieldAhead = 16;
 constexpr unsigned textAhead = 8;
 
-/// The record itself, which may lie across two lines of the cache. Null is ignored.
+/// The record's list of fields and its count, which may lie in two lines of the cache. Null is ignored.
 inline void record(const dbrecord* record) noexcept {
     if (!record) return;
-    __builtin_prefetch(record);
+    __builtin_prefetch(&record->fields());
     __builtin_prefetch(reinterpret_cast<const char*>(record) + sizeof(dbrecord) - 1);
 }
 
@@ -35,6 +35,11 @@ inline void text(const LightweightString<char>& field) noexcept {
     const auto characters = reinterpret_cast<std::uintptr_t>(field.c_str());
     __builtin_prefetch(reinterpret_cast<const void*>(characters - head));
     __builtin_prefetch(reinterpret_cast<const void*>(characters + shortText));
+}
+
+/// The characters from `offset` on, whether the text has so many or not.
+inline void characters(const char* text, unsigned offset) noexcept {
+    __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(text) + offset));
 }
 
 }  // namespace Prefetch

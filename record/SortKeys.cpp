@@ -4,7 +4,7 @@
 // comparators compare the texts. The records are sorted by their first words; each group that is still level
 // is sorted by its next ones, and so on. So a text is fetched once for each key, most comparisons are of two
 // numbers that stand side by side, and the cost stays linear in the characters that decide, however alike the
-// texts are.
+// texts are. A time code brings its frames with its first word, and so is sorted at once.
 #include "record/SortKeys.h"
 
 #include <algorithm>
@@ -33,14 +33,25 @@ struct Key {
 /// What is sorted.
 struct Entry {
     Word word;
-    unsigned length;  // of the text for the key
+    std::uint32_t frames;  // with the first word of a time code the four characters from the tenth on, else 0
     unsigned row;
+
+    bool isLevelWith(const Entry& other) const noexcept {
+        return word == other.word && frames == other.frames;
+    }
+
+    friend bool operator<(const Entry& a, const Entry& b) noexcept {
+        return a.word != b.word       ? a.word < b.word
+               : a.frames != b.frames ? a.frames < b.frames
+                                      : a.row < b.row;
+    }
 };
 
 /// Where the words of a row come from.
 struct Source {
     const LightweightString<char>* fields = nullptr;  // the record's; null when it lacks fields that are keys
     const char* text = nullptr;
+    unsigned length = 0;  // of the text
 };
 
 // Where in the words of its key a group stands; equal for all its entries, as their words so far are equal.
@@ -52,9 +63,11 @@ struct Place {
     bool beginsKey() const noexcept { return offset == 0 && !exact; }
 };
 
+/// Entries that are level so far.
 struct Group {
     std::size_t begin;
     std::size_t end;
+    std::size_t rank;  // of its first entry among all records
     Place place;
 };
 
@@ -100,46 +113,22 @@ constexpr std::size_t worthOfBytes = 256;
 class RecordSorter {
  public:
     RecordSorter(const std::vector<const dbrecord*>& records, bool descending)
-        : m_records(records), m_descending(descending) {
+        : m_records(records), m_descending(descending), m_rows(records.size()) {
         takeKeys();
     }
 
     std::vector<unsigned> order() {
         listRecords();
         if (m_keys.empty()) {
-            moveBlanksBehind(0);
+            settleBlanksBehind(m_entries, 0);
         } else if (!m_entries.empty()) {
-            m_groups.push_back({0, m_entries.size(), Place()});
+            m_groups.push_back({0, m_entries.size(), 0, Place()});
         }
         while (!m_groups.empty()) sortRound();
-        return rows();
+        return std::move(m_rows);
     }
 
  private:
-    // Walks the entries of all groups some steps ahead of the round.
-    class Scout {
-     public:
-        Scout(const RecordSorter& sorter, unsigned lead) : m_sorter(sorter) {
-            m_entry = sorter.m_groups.front().begin;
-            for (; lead != 0; --lead) step();
-        }
-
-        void step() noexcept {
-            if (atEnd() || ++m_entry != group().end) return;
-            ++m_group;
-            if (!atEnd()) m_entry = group().begin;
-        }
-
-        bool atEnd() const noexcept { return m_group == m_sorter.m_groups.size(); }
-        const Group& group() const noexcept { return m_sorter.m_groups[m_group]; }
-        const Entry& entry() const noexcept { return m_sorter.m_entries[m_entry]; }
-
-     private:
-        const RecordSorter& m_sorter;
-        std::size_t m_group = 0;
-        std::size_t m_entry;
-    };
-
     void takeKeys() {
         for (const int* field = cmp_fields; field && *field >= 0; ++field) {
             const KeyRule rule = m_descending ? KeyRule::ignoringCase : sortKeys.rule(*field);
@@ -158,58 +147,62 @@ class RecordSorter {
             m_sources[row].fields = fieldsOf(*m_records[row]);
             m_entries.push_back({0, 0, row});
         }
+        std::size_t rank = m_entries.size();
+        for (unsigned row = 0; rank < m_records.size(); ++row) {
+            if (!m_records[row]) m_rows[rank++] = row;
+        }
     }
 
-    // Sorts each group by its next words and leaves the groups that are level in them.
+    // Sorts each group by its next words. Those that are level in them are the groups of the next round,
+    // whose entries close up; the others have found their ranks.
     void sortRound() {
-        fetchWords();
+        for (Group& group : m_groups) fetchWords(group);
         m_level.clear();
+        std::size_t kept = 0;
         for (const Group& group : m_groups) {
             sortByWord(group);
-            keepLevelOnes(group);
+            kept = keepLevelOnes(group, kept);
         }
+        m_entries.resize(kept);
         m_groups.swap(m_level);
     }
 
-    // One walk over all groups, so that what comes from memory is asked for in time, however small they are.
-    void fetchWords() {
-        Scout sources(*this, Prefetch::recordAhead);
-        Scout fields(*this, Prefetch::fieldAhead);
-        Scout texts(*this, Prefetch::textAhead);
-        for (Group& group : m_groups) {
-            m_withoutText.clear();
-            std::size_t kept = group.begin;
-            for (std::size_t i = group.begin; i < group.end; ++i) {
-                prefetch(sources, fields, texts);
-                Entry& entry = m_entries[i];
-                if (group.place.beginsKey() && !fetchText(entry, group.place)) {
-                    m_withoutText.push_back(entry);
-                    continue;
-                }
-                fetchWord(entry, group.place);
-                if (kept != i) m_entries[kept] = entry;
-                ++kept;
+    void fetchWords(Group& group) {
+        const bool beginsKey = group.place.beginsKey();
+        m_withoutText.clear();
+        std::size_t kept = group.begin;
+        for (std::size_t i = group.begin; i < group.end; ++i) {
+            prefetch(i, group.place);
+            Entry& entry = m_entries[i];
+            if (beginsKey && !fetchText(entry, group.place)) {
+                m_withoutText.push_back(entry);
+                continue;
             }
-            if (kept != group.end) moveBehind(group, kept);
+            fetchWord(entry, group.place);
+            if (kept != i) m_entries[kept] = entry;
+            ++kept;
         }
+        if (kept != group.end) settleWithoutText(group, kept);
     }
 
-    void prefetch(Scout& sources, Scout& fields, Scout& texts) const noexcept {
-        if (!sources.atEnd()) __builtin_prefetch(&m_sources[sources.entry().row]);
-        if (!fields.atEnd() && fields.group().place.beginsKey()) {
-            Prefetch::field(textOf(fields.entry(), field(fields.group().place)));
+    // Asks for what entries further on will need. Groups may be small, so these may be the next ones', which
+    // are likely to stand at the same place.
+    void prefetch(std::size_t i, const Place& place) const noexcept {
+        const std::size_t end = m_entries.size();
+        if (i + Prefetch::recordAhead < end) {
+            __builtin_prefetch(&m_sources[m_entries[i + Prefetch::recordAhead].row]);
         }
-        if (!texts.atEnd()) {
-            const Place& place = texts.group().place;
-            if (place.beginsKey()) {
-                Prefetch::text(textOf(texts.entry(), field(place)));
-            } else {
-                __builtin_prefetch(m_sources[texts.entry().row].text + place.offset);
+        if (place.beginsKey()) {
+            const unsigned short key = field(place);
+            if (i + Prefetch::fieldAhead < end) {
+                Prefetch::field(textOf(m_entries[i + Prefetch::fieldAhead], key));
             }
+            if (i + Prefetch::textAhead < end) {
+                Prefetch::text(textOf(m_entries[i + Prefetch::textAhead], key));
+            }
+        } else if (i + Prefetch::textAhead < end) {
+            Prefetch::characters(m_sources[m_entries[i + Prefetch::textAhead].row].text, place.offset);
         }
-        sources.step();
-        fields.step();
-        texts.step();
     }
 
     // Goes round the record, which would have to come from memory for each key again.
@@ -237,46 +230,70 @@ class RecordSorter {
             while (!text.empty() && Ascii::isSpace(text.front())) text.remove_prefix(1);
         }
         m_sources[entry.row].text = text.data();
-        entry.length = static_cast<unsigned>(text.size());
+        m_sources[entry.row].length = static_cast<unsigned>(text.size());
         return true;
     }
 
     void fetchWord(Entry& entry, const Place& place) const noexcept {
+        const Source& source = m_sources[entry.row];
+        entry.word = wordAt(source, place.offset, place.exact);
+        entry.frames =
+            beginsTimecode(place) ? static_cast<std::uint32_t>(wordAt(source, framesAt, false) >> 32) : 0;
+    }
+
+    Word wordAt(const Source& source, unsigned offset, bool exact) const noexcept {
         Word word = 0;
-        if (place.offset < entry.length) {
-            word = leadingWord(m_sources[entry.row].text + place.offset, entry.length - place.offset);
-            if (!place.exact) word = folded(word);
+        if (offset < source.length) {
+            word = leadingWord(source.text + offset, source.length - offset);
+            if (!exact) word = folded(word);
         }
-        entry.word = m_descending ? ~word : word;
+        return m_descending ? ~word : word;
+    }
+
+    // The character before the frames, a separator, is never compared.
+    static constexpr unsigned framesAt = wordSize + 1;
+
+    bool beginsTimecode(const Place& place) const noexcept {
+        return place.offset == 0 && m_keys[place.key].rule == KeyRule::timecode;
     }
 
     // Entries without a text for the key leave the group: they come behind the others, and for them the
     // comparison ends here.
-    void moveBehind(Group& group, std::size_t kept) {
-        std::copy(m_withoutText.begin(), m_withoutText.end(),
-                  m_entries.begin() + static_cast<std::ptrdiff_t>(kept));
+    void settleWithoutText(Group& group, std::size_t kept) {
+        const std::size_t rank = group.rank + (kept - group.begin);
         // A record with text in the first key is not blank, so only the others need looking at.
-        if (group.place.key == 0) moveBlanksBehind(kept);
+        if (group.place.key == 0) {
+            settleBlanksBehind(m_withoutText, rank);
+        } else {
+            settle(m_withoutText, rank);
+        }
         group.end = kept;
     }
 
-    // Entries that are level stay in the order of their rows.
+    void settleBlanksBehind(std::vector<Entry>& entries, std::size_t rank) {
+        if (!m_descending) {
+            std::stable_partition(entries.begin(), entries.end(),
+                                  [this](const Entry& entry) { return !record(entry)->is_blank(); });
+        }
+        settle(entries, rank);
+    }
+
+    void settle(const std::vector<Entry>& entries, std::size_t rank) noexcept {
+        for (const Entry& entry : entries) m_rows[rank++] = entry.row;
+    }
+
+    // Entries that are level stay in the order of their rows, in which they come.
     void sortByWord(const Group& group) {
         Entry* const begin = m_entries.data() + group.begin;
         Entry* const end = m_entries.data() + group.end;
-        const auto before = [](const Entry& a, const Entry& b) {
-            return a.word != b.word ? a.word < b.word : a.row < b.row;
-        };
-        if (std::is_sorted(begin, end, before)) return;
-        if (group.end - group.begin < worthOfBytes) {
-            std::sort(begin, end, before);
-        } else {
-            sortByBytes(begin, group.end - group.begin);
-        }
+        if (std::is_sorted(begin, end)) return;
+        if (group.end - group.begin < worthOfBytes) return std::sort(begin, end);
+        sortByBytes(begin, group.end - group.begin);
+        if (beginsTimecode(group.place)) sortByFrames(begin, end);
     }
 
-    // One byte after the other, from the last; each time what is level stays as it was. A byte that all words
-    // have alike is passed over.
+    // By the words, one byte after the other, from the last; each time what is level stays as it was. A byte
+    // that all words have alike is passed over.
     void sortByBytes(Entry* entries, std::size_t count) {
         std::array<std::array<unsigned, 256>, wordSize> counts{};
         for (std::size_t i = 0; i < count; ++i) {
@@ -298,58 +315,56 @@ class RecordSorter {
 
     static unsigned byteOf(Word word, unsigned byte) noexcept { return word >> 8 * byte & 0xFF; }
 
-    void keepLevelOnes(const Group& group) {
+    // Entries that are in the order of their words.
+    static void sortByFrames(Entry* begin, Entry* end) {
+        while (begin != end) {
+            Entry* const first = begin;
+            while (begin != end && begin->word == first->word) ++begin;
+            std::sort(first, begin);
+        }
+    }
+
+    // Moves those that are level to `kept`, which is not behind them; answers where they end.
+    std::size_t keepLevelOnes(const Group& group, std::size_t kept) {
         for (std::size_t begin = group.begin; begin < group.end;) {
-            const Word word = m_entries[begin].word;
             std::size_t end = begin + 1;
-            while (end < group.end && m_entries[end].word == word) ++end;
-            if (end - begin > 1) {
-                const Place next = following(group.place, m_descending ? ~word : word);
-                if (next.key < m_keys.size()) m_level.push_back({begin, end, next});
+            while (end < group.end && m_entries[end].isLevelWith(m_entries[begin])) ++end;
+            const Place next = following(group.place, m_entries[begin]);
+            const std::size_t rank = group.rank + (begin - group.begin);
+            if (end - begin > 1 && next.key < m_keys.size()) {
+                m_level.push_back({kept, kept + (end - begin), rank, next});
+                for (; begin != end; ++begin) m_entries[kept++] = m_entries[begin];
+            } else {
+                for (std::size_t i = begin; i != end; ++i) m_rows[rank + (i - begin)] = m_entries[i].row;
             }
             begin = end;
         }
+        return kept;
     }
 
-    // Where texts that are level in `word` go on.
-    Place following(Place place, Word word) const noexcept {
-        const KeyRule rule = m_keys[place.key].rule;
-        const bool textEnds = (word & 0xFF) == 0;
+    // Where texts that are level with the entry's go on.
+    Place following(const Place& place, const Entry& entry) const noexcept {
+        const bool timecode = beginsTimecode(place);
+        const Word fetched = timecode ? entry.frames : m_descending ? ~entry.word : entry.word;
+        const bool textEnds = (fetched & 0xFF) == 0;
         if (!textEnds) {
-            // The ninth character of a time code, the separator before the frames, is never compared.
-            const unsigned separator = rule == KeyRule::timecode && place.offset == 0 ? 1 : 0;
-            place.offset += wordSize + separator;
-            return place;
+            const unsigned fetchedTo = timecode ? framesAt + sizeof entry.frames : place.offset + wordSize;
+            return {place.key, fetchedTo, place.exact};
         }
-        if (rule == KeyRule::dictionary && !place.exact) return {place.key, 0, true};
+        if (m_keys[place.key].rule == KeyRule::dictionary && !place.exact) return {place.key, 0, true};
         return {place.key + 1, 0, false};
-    }
-
-    void moveBlanksBehind(std::size_t begin) {
-        if (m_descending) return;
-        std::stable_partition(m_entries.begin() + static_cast<std::ptrdiff_t>(begin), m_entries.end(),
-                              [this](const Entry& entry) { return !record(entry)->is_blank(); });
-    }
-
-    std::vector<unsigned> rows() const {
-        std::vector<unsigned> rows;
-        rows.reserve(m_records.size());
-        for (const Entry& entry : m_entries) rows.push_back(entry.row);
-        for (unsigned row = 0; row < m_records.size(); ++row) {
-            if (!m_records[row]) rows.push_back(row);
-        }
-        return rows;
     }
 
     const std::vector<const dbrecord*>& m_records;
     const bool m_descending;
     std::vector<Key> m_keys;
     std::vector<Source> m_sources;  // by row
-    std::vector<Entry> m_entries;
+    std::vector<Entry> m_entries;   // of all groups, one behind the other
     std::vector<Entry> m_withoutText;
     std::vector<Entry> m_spare;
     std::vector<Group> m_groups;  // never an empty one
     std::vector<Group> m_level;
+    std::vector<unsigned> m_rows;  // by rank
 };
 
 }  // namespace

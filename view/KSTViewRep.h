@@ -352,6 +352,8 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     // --- Rows ---
 
     Zr::Ptr<dbrecord> record(int row) const;
+    std::vector<const dbrecord*> records() const;
+    std::vector<unsigned> bottomSourceRows() const;
     std::optional<unsigned> sourceRow(unsigned row) const noexcept;
     template <class IsTagged>
     void displayAllRecordsTaggedBy(const IsTagged& isTagged);

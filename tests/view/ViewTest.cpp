@@ -234,6 +234,25 @@ TEST(View, RowsThatTheSourceHasNoMoreAreMissingRecords) {
     EXPECT_EQ(5u, view->get_num_records());
 }
 
+TEST(View, RowsThatAViewBetweenHasNoMoreSortAsMissingRecords) {
+    const auto database = fiveRows();
+    auto bottom = std::make_unique<KSTViewRep>(database.get());
+    bottom->displayAllRecords();
+    const KSTView middle(new KSTViewRep(database.get()));
+    middle->baseView(bottom.get());
+    middle->displayAllRecords();
+    const KSTView top = viewOfAll(*database, middle);
+    top->sort(-1, 0);
+    middle->clear();
+    middle->displayRecordsAt(1, 3, 0);
+    top->set_sortfield(0);
+    top->sort(1, 0);
+    EXPECT_EQ((Fields{"b", "c", "d", "", ""}), columnOf(*top, 0));
+    bottom.reset();
+    top->sort(-1, 0);
+    EXPECT_EQ(Fields(5), columnOf(*top, 0));
+}
+
 TEST(View, DeletesWhatThereIsBehindARowThatTheSourceHasNoMore) {
     const auto database = fiveRows();
     const KSTView view(new KSTViewRep(database.get()));
