@@ -4,7 +4,8 @@
 // comparators compare the texts. The records are sorted by their first words; each group that is still level
 // is sorted by its next ones, and so on. So a text is fetched once for each key, most comparisons are of two
 // numbers that stand side by side, and the cost stays linear in the characters that decide, however alike the
-// texts are. A time code brings its frames with its first word, and so is sorted at once.
+// texts are. A time code brings its frames with its first word, and so is sorted at once; texts that differ in
+// case alone are sorted once more, with case.
 #include "record/SortKeys.h"
 
 #include <algorithm>
@@ -33,19 +34,21 @@ struct Key {
 /// What is sorted.
 struct Entry {
     Word word;
-    std::uint32_t frames;  // with the first word of a time code the four characters from the tenth on, else 0
+
+    /// With the first word of a time code the four characters from the tenth on. With a word of the
+    /// dictionary rule's first round which of its characters are capitals; does not count in the order.
+    std::uint32_t extra;
+
     unsigned row;
-
-    bool isLevelWith(const Entry& other) const noexcept {
-        return word == other.word && frames == other.frames;
-    }
-
-    friend bool operator<(const Entry& a, const Entry& b) noexcept {
-        return a.word != b.word       ? a.word < b.word
-               : a.frames != b.frames ? a.frames < b.frames
-                                      : a.row < b.row;
-    }
 };
+
+bool isBefore(const Entry& a, const Entry& b) noexcept {
+    return a.word != b.word ? a.word < b.word : a.row < b.row;
+}
+
+bool isTimecodeBefore(const Entry& a, const Entry& b) noexcept {
+    return a.word != b.word ? a.word < b.word : a.extra != b.extra ? a.extra < b.extra : a.row < b.row;
+}
 
 /// Where the words of a row come from.
 struct Source {
@@ -56,18 +59,19 @@ struct Source {
 
 // Where in the words of its key a group stands; equal for all its entries, as their words so far are equal.
 struct Place {
-    std::size_t key = 0;
+    unsigned key = 0;
     unsigned offset = 0;
-    bool exact = false;  // in the second round of the dictionary rule, which minds case
+    bool exact = false;        // in the second round of the dictionary rule, which minds case
+    bool casesDiffer = false;  // in the first: what is level so far is not the same but for case
 
     bool beginsKey() const noexcept { return offset == 0 && !exact; }
 };
 
 /// Entries that are level so far.
 struct Group {
-    std::size_t begin;
-    std::size_t end;
-    std::size_t rank;  // of its first entry among all records
+    unsigned begin;
+    unsigned end;
+    unsigned rank;  // of its first entry among all records
     Place place;
 };
 
@@ -107,6 +111,12 @@ Word folded(Word word) noexcept {
     return word | capitals >> 2;
 }
 
+// For each of eight characters a bit, set when folding has changed it.
+std::uint32_t capitals(Word word, Word foldedWord) noexcept {
+    constexpr Word gather = 0x0102040810204080;
+    return static_cast<std::uint32_t>((((word ^ foldedWord) >> 5) * gather) >> 56);
+}
+
 /// From how many entries on it is cheaper to sort byte by byte than by comparing.
 constexpr std::size_t worthOfBytes = 256;
 
@@ -122,13 +132,18 @@ class RecordSorter {
         if (m_keys.empty()) {
             settleBlanksBehind(m_entries, 0);
         } else if (!m_entries.empty()) {
-            m_groups.push_back({0, m_entries.size(), 0, Place()});
+            m_groups.push_back({0, count(m_entries), 0, Place()});
         }
         while (!m_groups.empty()) sortRound();
         return std::move(m_rows);
     }
 
  private:
+    // Rows are counted in 32 bits.
+    static unsigned count(const std::vector<Entry>& entries) noexcept {
+        return static_cast<unsigned>(entries.size());
+    }
+
     void takeKeys() {
         for (const int* field = cmp_fields; field && *field >= 0; ++field) {
             const KeyRule rule = m_descending ? KeyRule::ignoringCase : sortKeys.rule(*field);
@@ -147,7 +162,7 @@ class RecordSorter {
             m_sources[row].fields = fieldsOf(*m_records[row]);
             m_entries.push_back({0, 0, row});
         }
-        std::size_t rank = m_entries.size();
+        unsigned rank = count(m_entries);
         for (unsigned row = 0; rank < m_records.size(); ++row) {
             if (!m_records[row]) m_rows[rank++] = row;
         }
@@ -158,7 +173,7 @@ class RecordSorter {
     void sortRound() {
         for (Group& group : m_groups) fetchWords(group);
         m_level.clear();
-        std::size_t kept = 0;
+        unsigned kept = 0;
         for (const Group& group : m_groups) {
             sortByWord(group);
             kept = keepLevelOnes(group, kept);
@@ -170,8 +185,8 @@ class RecordSorter {
     void fetchWords(Group& group) {
         const bool beginsKey = group.place.beginsKey();
         m_withoutText.clear();
-        std::size_t kept = group.begin;
-        for (std::size_t i = group.begin; i < group.end; ++i) {
+        unsigned kept = group.begin;
+        for (unsigned i = group.begin; i < group.end; ++i) {
             prefetch(i, group.place);
             Entry& entry = m_entries[i];
             if (beginsKey && !fetchText(entry, group.place)) {
@@ -236,18 +251,16 @@ class RecordSorter {
 
     void fetchWord(Entry& entry, const Place& place) const noexcept {
         const Source& source = m_sources[entry.row];
-        entry.word = wordAt(source, place.offset, place.exact);
-        entry.frames =
-            beginsTimecode(place) ? static_cast<std::uint32_t>(wordAt(source, framesAt, false) >> 32) : 0;
+        const Word raw = wordAt(source, place.offset);
+        const Word word = place.exact ? raw : folded(raw);
+        entry.word = m_descending ? ~word : word;
+        entry.extra = beginsTimecode(place)
+                          ? static_cast<std::uint32_t>(folded(wordAt(source, framesAt)) >> 32)
+                          : capitals(raw, word);
     }
 
-    Word wordAt(const Source& source, unsigned offset, bool exact) const noexcept {
-        Word word = 0;
-        if (offset < source.length) {
-            word = leadingWord(source.text + offset, source.length - offset);
-            if (!exact) word = folded(word);
-        }
-        return m_descending ? ~word : word;
+    static Word wordAt(const Source& source, unsigned offset) noexcept {
+        return offset < source.length ? leadingWord(source.text + offset, source.length - offset) : 0;
     }
 
     // The character before the frames, a separator, is never compared.
@@ -259,8 +272,8 @@ class RecordSorter {
 
     // Entries without a text for the key leave the group: they come behind the others, and for them the
     // comparison ends here.
-    void settleWithoutText(Group& group, std::size_t kept) {
-        const std::size_t rank = group.rank + (kept - group.begin);
+    void settleWithoutText(Group& group, unsigned kept) {
+        const unsigned rank = group.rank + (kept - group.begin);
         // A record with text in the first key is not blank, so only the others need looking at.
         if (group.place.key == 0) {
             settleBlanksBehind(m_withoutText, rank);
@@ -270,7 +283,7 @@ class RecordSorter {
         group.end = kept;
     }
 
-    void settleBlanksBehind(std::vector<Entry>& entries, std::size_t rank) {
+    void settleBlanksBehind(std::vector<Entry>& entries, unsigned rank) {
         if (!m_descending) {
             std::stable_partition(entries.begin(), entries.end(),
                                   [this](const Entry& entry) { return !record(entry)->is_blank(); });
@@ -278,7 +291,7 @@ class RecordSorter {
         settle(entries, rank);
     }
 
-    void settle(const std::vector<Entry>& entries, std::size_t rank) noexcept {
+    void settle(const std::vector<Entry>& entries, unsigned rank) noexcept {
         for (const Entry& entry : entries) m_rows[rank++] = entry.row;
     }
 
@@ -286,8 +299,9 @@ class RecordSorter {
     void sortByWord(const Group& group) {
         Entry* const begin = m_entries.data() + group.begin;
         Entry* const end = m_entries.data() + group.end;
-        if (std::is_sorted(begin, end)) return;
-        if (group.end - group.begin < worthOfBytes) return std::sort(begin, end);
+        const auto before = beginsTimecode(group.place) ? isTimecodeBefore : isBefore;
+        if (std::is_sorted(begin, end, before)) return;
+        if (group.end - group.begin < worthOfBytes) return std::sort(begin, end, before);
         sortByBytes(begin, group.end - group.begin);
         if (beginsTimecode(group.place)) sortByFrames(begin, end);
     }
@@ -320,22 +334,29 @@ class RecordSorter {
         while (begin != end) {
             Entry* const first = begin;
             while (begin != end && begin->word == first->word) ++begin;
-            std::sort(first, begin);
+            std::sort(first, begin, isTimecodeBefore);
         }
     }
 
     // Moves those that are level to `kept`, which is not behind them; answers where they end.
-    std::size_t keepLevelOnes(const Group& group, std::size_t kept) {
-        for (std::size_t begin = group.begin; begin < group.end;) {
-            std::size_t end = begin + 1;
-            while (end < group.end && m_entries[end].isLevelWith(m_entries[begin])) ++end;
-            const Place next = following(group.place, m_entries[begin]);
-            const std::size_t rank = group.rank + (begin - group.begin);
+    unsigned keepLevelOnes(const Group& group, unsigned kept) {
+        const bool framesCount = beginsTimecode(group.place);
+        for (unsigned begin = group.begin; begin < group.end;) {
+            const Entry& first = m_entries[begin];
+            bool extrasDiffer = false;
+            unsigned end = begin + 1;
+            for (; end < group.end && m_entries[end].word == first.word; ++end) {
+                if (m_entries[end].extra == first.extra) continue;
+                if (framesCount) break;
+                extrasDiffer = true;
+            }
+            const Place next = following(group.place, first, extrasDiffer);
+            const unsigned rank = group.rank + (begin - group.begin);
             if (end - begin > 1 && next.key < m_keys.size()) {
                 m_level.push_back({kept, kept + (end - begin), rank, next});
                 for (; begin != end; ++begin) m_entries[kept++] = m_entries[begin];
             } else {
-                for (std::size_t i = begin; i != end; ++i) m_rows[rank + (i - begin)] = m_entries[i].row;
+                for (unsigned i = begin; i != end; ++i) m_rows[rank + (i - begin)] = m_entries[i].row;
             }
             begin = end;
         }
@@ -343,16 +364,18 @@ class RecordSorter {
     }
 
     // Where texts that are level with the entry's go on.
-    Place following(const Place& place, const Entry& entry) const noexcept {
+    Place following(const Place& place, const Entry& entry, bool capitalsDiffer) const noexcept {
         const bool timecode = beginsTimecode(place);
-        const Word fetched = timecode ? entry.frames : m_descending ? ~entry.word : entry.word;
+        const Word fetched = timecode ? entry.extra : m_descending ? ~entry.word : entry.word;
         const bool textEnds = (fetched & 0xFF) == 0;
+        const bool casesDiffer = place.casesDiffer || capitalsDiffer;
         if (!textEnds) {
-            const unsigned fetchedTo = timecode ? framesAt + sizeof entry.frames : place.offset + wordSize;
-            return {place.key, fetchedTo, place.exact};
+            const unsigned fetchedTo = timecode ? framesAt + 4 : place.offset + wordSize;
+            return {place.key, fetchedTo, place.exact, casesDiffer};
         }
-        if (m_keys[place.key].rule == KeyRule::dictionary && !place.exact) return {place.key, 0, true};
-        return {place.key + 1, 0, false};
+        const bool mindsCase = m_keys[place.key].rule == KeyRule::dictionary;
+        if (mindsCase && !place.exact && casesDiffer) return {place.key, 0, true, false};
+        return {place.key + 1, 0, false, false};
     }
 
     const std::vector<const dbrecord*>& m_records;
