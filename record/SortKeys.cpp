@@ -4,8 +4,8 @@
 // comparators compare the texts. The records are sorted by their first words; each group that is still level
 // is sorted by its next ones, and so on. So a text is fetched once for each key, most comparisons are of two
 // numbers that stand side by side, and the cost stays linear in the characters that decide, however alike the
-// texts are. A time code brings its frames with its first word, and so is sorted at once; texts that differ in
-// case alone are sorted once more, with case.
+// texts are. A time code brings its frames with its first word, and so is sorted at once; texts that differ
+// in case alone are sorted once more, with case.
 #include "record/SortKeys.h"
 
 #include <algorithm>
