@@ -5,7 +5,7 @@
 // is sorted by its next ones, and so on. So a text is fetched once for each key, most comparisons are of two
 // numbers that stand side by side, and the cost stays linear in the characters that decide, however alike the
 // texts are. A time code brings its frames with its first word, and so is sorted at once; texts that differ
-// in case alone are sorted once more, with case.
+// in nothing but case are sorted once more, with case.
 #include "record/SortKeys.h"
 
 #include <algorithm>
@@ -35,20 +35,24 @@ struct Key {
 struct Entry {
     Word word;
 
-    /// With the first word of a time code the four characters from the tenth on. With a word of the
-    /// dictionary rule's first round which of its characters are capitals; does not count in the order.
+    /// With the first word of a time code the four characters from the tenth on. With any other which of its
+    /// characters were capitals, while case does not count; that is no part of the order.
     std::uint32_t extra;
 
     unsigned row;
 };
 
-bool isBefore(const Entry& a, const Entry& b) noexcept {
-    return a.word != b.word ? a.word < b.word : a.row < b.row;
-}
+struct ByWord {
+    bool operator()(const Entry& a, const Entry& b) const noexcept {
+        return a.word != b.word ? a.word < b.word : a.row < b.row;
+    }
+};
 
-bool isTimecodeBefore(const Entry& a, const Entry& b) noexcept {
-    return a.word != b.word ? a.word < b.word : a.extra != b.extra ? a.extra < b.extra : a.row < b.row;
-}
+struct ByTimecode {
+    bool operator()(const Entry& a, const Entry& b) const noexcept {
+        return a.word != b.word ? a.word < b.word : a.extra != b.extra ? a.extra < b.extra : a.row < b.row;
+    }
+};
 
 /// Where the words of a row come from.
 struct Source {
@@ -62,7 +66,7 @@ struct Place {
     unsigned key = 0;
     unsigned offset = 0;
     bool exact = false;        // in the second round of the dictionary rule, which minds case
-    bool casesDiffer = false;  // in the first: what is level so far is not the same but for case
+    bool casesDiffer = false;  // in the first: texts of the group may differ in case so far
 
     bool beginsKey() const noexcept { return offset == 0 && !exact; }
 };
@@ -107,8 +111,8 @@ Word folded(Word word) noexcept {
     const Word low = word & ones * 0x7F;
     const Word fromA = low + ones * (0x80 - 'A');
     const Word pastZ = low + ones * (0x7F - 'Z');
-    const Word capitals = (fromA ^ pastZ) & ~word & ones * 0x80;
-    return word | capitals >> 2;
+    const Word topBits = (fromA ^ pastZ) & ~word & ones * 0x80;  // of capitals
+    return word | topBits >> 2;
 }
 
 // For each of eight characters a bit, set when folding has changed it.
@@ -265,6 +269,7 @@ class RecordSorter {
 
     // The character before the frames, a separator, is never compared.
     static constexpr unsigned framesAt = wordSize + 1;
+    static constexpr unsigned framesEnd = framesAt + sizeof(Entry::extra);
 
     bool beginsTimecode(const Place& place) const noexcept {
         return place.offset == 0 && m_keys[place.key].rule == KeyRule::timecode;
@@ -299,11 +304,24 @@ class RecordSorter {
     void sortByWord(const Group& group) {
         Entry* const begin = m_entries.data() + group.begin;
         Entry* const end = m_entries.data() + group.end;
-        const auto before = beginsTimecode(group.place) ? isTimecodeBefore : isBefore;
-        if (std::is_sorted(begin, end, before)) return;
-        if (group.end - group.begin < worthOfBytes) return std::sort(begin, end, before);
-        sortByBytes(begin, group.end - group.begin);
-        if (beginsTimecode(group.place)) sortByFrames(begin, end);
+        if (!beginsTimecode(group.place)) {
+            sortBy(ByWord(), begin, end);
+        } else if (sortBy(ByTimecode(), begin, end) == Sorted::byWordsAlone) {
+            sortByFrames(begin, end);
+        }
+    }
+
+    enum class Sorted { wholly, byWordsAlone };
+
+    template <class Before>
+    Sorted sortBy(const Before& before, Entry* begin, Entry* end) {
+        if (std::is_sorted(begin, end, before)) return Sorted::wholly;
+        if (static_cast<std::size_t>(end - begin) < worthOfBytes) {
+            std::sort(begin, end, before);
+            return Sorted::wholly;
+        }
+        sortByBytes(begin, static_cast<std::size_t>(end - begin));
+        return Sorted::byWordsAlone;
     }
 
     // By the words, one byte after the other, from the last; each time what is level stays as it was. A byte
@@ -334,7 +352,7 @@ class RecordSorter {
         while (begin != end) {
             Entry* const first = begin;
             while (begin != end && begin->word == first->word) ++begin;
-            std::sort(first, begin, isTimecodeBefore);
+            if (begin - first > 1) std::sort(first, begin, ByTimecode());
         }
     }
 
@@ -351,14 +369,13 @@ class RecordSorter {
                 extrasDiffer = true;
             }
             const Place next = following(group.place, first, extrasDiffer);
-            const unsigned rank = group.rank + (begin - group.begin);
+            unsigned rank = group.rank + (begin - group.begin);
             if (end - begin > 1 && next.key < m_keys.size()) {
                 m_level.push_back({kept, kept + (end - begin), rank, next});
                 for (; begin != end; ++begin) m_entries[kept++] = m_entries[begin];
             } else {
-                for (unsigned i = begin; i != end; ++i) m_rows[rank + (i - begin)] = m_entries[i].row;
+                for (; begin != end; ++begin) m_rows[rank++] = m_entries[begin].row;
             }
-            begin = end;
         }
         return kept;
     }
@@ -370,7 +387,7 @@ class RecordSorter {
         const bool textEnds = (fetched & 0xFF) == 0;
         const bool casesDiffer = place.casesDiffer || capitalsDiffer;
         if (!textEnds) {
-            const unsigned fetchedTo = timecode ? framesAt + 4 : place.offset + wordSize;
+            const unsigned fetchedTo = timecode ? framesEnd : place.offset + wordSize;
             return {place.key, fetchedTo, place.exact, casesDiffer};
         }
         const bool mindsCase = m_keys[place.key].rule == KeyRule::dictionary;
@@ -385,7 +402,7 @@ class RecordSorter {
     std::vector<Entry> m_entries;   // of all groups, one behind the other
     std::vector<Entry> m_withoutText;
     std::vector<Entry> m_spare;
-    std::vector<Group> m_groups;  // never an empty one
+    std::vector<Group> m_groups;  // of the round
     std::vector<Group> m_level;
     std::vector<unsigned> m_rows;  // by rank
 };

@@ -32,6 +32,7 @@
 #include <memory>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "expr/SExpr.h"
 #include "record/KSTBase.h"
@@ -284,7 +285,8 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     void set_sortfields(int* fields) override;
 
     /// Sorts the rows of this view (sorting.cpp): descending when `direction` is negative. Rows that compare
-    /// equal keep their order; missing records come last.
+    /// equal keep their order; missing records come last. The records are the database's get_record's; base
+    /// views are not asked for them.
     void sort(int direction, int caseInsensitive) override;
 
     void set_tag(unsigned row, int value) override;
@@ -353,7 +355,7 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
 
     Zr::Ptr<dbrecord> record(int row) const;
     std::vector<const dbrecord*> records() const;
-    std::vector<unsigned> bottomSourceRows() const;
+    std::vector<unsigned> databaseRows() const;
     std::optional<unsigned> sourceRow(unsigned row) const noexcept;
     template <class IsTagged>
     void displayAllRecordsTaggedBy(const IsTagged& isTagged);

@@ -20,33 +20,40 @@ void KSTViewRep::sort(int direction, int caseInsensitive) {
     iKST* const source = db();
     if (!source) return;
     source->sortPrepare(direction, caseInsensitive);
-    const std::vector<unsigned> order = sortedOrder(records(), direction < 0);
-    // A source that takes rows away while it is asked for them has had its way.
-    if (order.size() == static_cast<std::size_t>(m_index.size())) m_index.reorder(order);
+    const std::vector<const dbrecord*> found = records();
+    // A database that takes rows away while it is asked for them has had its way.
+    if (found.size() == static_cast<std::size_t>(m_index.size())) {
+        m_index.reorder(sortedOrder(found, direction < 0));
+    }
 }
 
 // The records of all rows; null for a row that has none.
 std::vector<const dbrecord*> KSTViewRep::records() const {
-    const std::vector<unsigned> rows = bottomSourceRows();
-    const kesta* const source = bottomView().database();
-    std::vector<const dbrecord*> records(rows.size());
-    for (std::size_t i = 0; source && i < rows.size(); ++i) {
+    const std::vector<unsigned> rows = databaseRows();
+    const WatchedPtr<kesta> watched = bottomView().m_database;
+    std::vector<const dbrecord*> found(rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const kesta* const source = watched.get();  // to ask for a record may end it
+        if (!source || rows[i] == noRow) continue;
         if (i + later < rows.size()) source->expectRecords(rows[i + later], rows[i + sooner]);
-        records[i] = source->get_record(rows[i]).get();
+        found[i] = source->get_record(rows[i]).get();
     }
-    return records;
+    if (!watched.get()) found.assign(rows.size(), nullptr);  // gone, and the records with it
+    return found;
 }
 
-// The rows that the view at the bottom of the chain has for all rows; noRow where a view between has not the
-// row, and for all when one is gone. One view after the other, which is faster than row by row.
-std::vector<unsigned> KSTViewRep::bottomSourceRows() const {
+// The database's row for each row; noRow where a view between has not the row, and for all when one is gone.
+// The rows go through one view after the other, which is faster than to take each row through all of them;
+// only the database is asked for records.
+std::vector<unsigned> KSTViewRep::databaseRows() const {
     std::vector<unsigned> rows(static_cast<std::size_t>(m_index.size()));
     for (std::size_t i = 0; i < rows.size(); ++i) rows[i] = m_index.row(static_cast<int>(i));
-    for (const KSTViewRep* view = this; view && view->m_base.isSet();) {
+    for (const KSTViewRep* view = this; view->m_base.isSet();) {
         view = view->m_base.get();
+        if (!view) return std::vector<unsigned>(rows.size(), noRow);
         for (unsigned& row : rows) {
             const int at = static_cast<int>(row);
-            row = view && view->m_index.contains(at) ? view->m_index.row(at) : noRow;
+            row = view->m_index.contains(at) ? view->m_index.row(at) : noRow;
         }
     }
     return rows;

@@ -253,6 +253,40 @@ TEST(View, RowsThatAViewBetweenHasNoMoreSortAsMissingRecords) {
     EXPECT_EQ(Fields(5), columnOf(*top, 0));
 }
 
+// When it is asked for a record the third time, it answers none and does something to itself.
+class Fickle : public kesta {
+ public:
+    using kesta::get_record;
+    using kesta::kesta;
+
+    Zr::Ptr<dbrecord> get_record(unsigned row) const override {
+        if (!act || ++asked != 3) return kesta::get_record(row);
+        act(*holder);
+        return {};
+    }
+
+    void (*act)(Zr::Ptr<Fickle>&) = nullptr;
+    Zr::Ptr<Fickle>* holder = nullptr;
+    mutable int asked = 0;
+};
+
+TEST(View, SortsNothingWhenTheDatabaseTakesRowsAwayOrEndsMeanwhile) {
+    for (void (*const act)(Zr::Ptr<Fickle>&) : {
+             +[](Zr::Ptr<Fickle>& self) { self->delete_records(0, 2); },
+             +[](Zr::Ptr<Fickle>& self) { self.reset(); },
+         }) {
+        Zr::Ptr<Fickle> database(new Fickle(textColumns({"Name"})));
+        fill(*database, {{"c"}, {"a"}, {"e"}, {"b"}, {"d"}});
+        const KSTView view = viewOfAll(*database);
+        view->set_sortfield(0);
+        database->act = act;
+        database->holder = &database;
+        view->sort(1, 0);
+        const Fields left = database ? Fields{"e", "b", "d"} : Fields(5);
+        EXPECT_EQ(left, columnOf(*view, 0));
+    }
+}
+
 TEST(View, DeletesWhatThereIsBehindARowThatTheSourceHasNoMore) {
     const auto database = fiveRows();
     const KSTView view(new KSTViewRep(database.get()));
