@@ -285,8 +285,7 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     void set_sortfields(int* fields) override;
 
     /// Sorts the rows of this view (sorting.cpp): descending when `direction` is negative. Rows that compare
-    /// equal keep their order; missing records come last. The records are the database's get_record's; base
-    /// views are not asked for them.
+    /// equal keep their order; missing records come last.
     void sort(int direction, int caseInsensitive) override;
 
     void set_tag(unsigned row, int value) override;
@@ -356,6 +355,7 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     Zr::Ptr<dbrecord> record(int row) const;
     std::vector<const dbrecord*> records() const;
     std::vector<unsigned> databaseRows() const;
+    bool hasPlainBases() const noexcept;
     std::optional<unsigned> sourceRow(unsigned row) const noexcept;
     template <class IsTagged>
     void displayAllRecordsTaggedBy(const IsTagged& isTagged);

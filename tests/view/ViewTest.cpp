@@ -253,6 +253,23 @@ TEST(View, RowsThatAViewBetweenHasNoMoreSortAsMissingRecords) {
     EXPECT_EQ(Fields(5), columnOf(*top, 0));
 }
 
+TEST(View, SortsByTheRecordsThatItsSourceAnswers) {
+    class Reversed : public KSTViewRep {
+     public:
+        using KSTViewRep::KSTViewRep;
+        Zr::Ptr<dbrecord> get_record(unsigned row) const override {
+            return KSTViewRep::get_record(get_num_records() - 1 - row);
+        }
+    };
+    const auto database = makeTextDatabase({"Name"}, {{"c"}, {"a"}, {"e"}, {"b"}, {"d"}});
+    const KSTView base(new Reversed(database.get()));
+    base->displayAllRecords();
+    const KSTView top = viewOfAll(*database, base);
+    top->set_sortfield(0);
+    top->sort(1, 0);
+    EXPECT_EQ((Fields{"a", "b", "c", "d", "e"}), columnOf(*top, 0));
+}
+
 // When it is asked for a record the third time, it answers none and does something to itself.
 class Fickle : public kesta {
  public:
