@@ -8,9 +8,11 @@ file(GLOB support_headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PRO
 set(public_headers
     ${support_headers}
     expr/SExpr.h
-    record/CookieIndex.h record/DBFieldTypes.h record/GapVector.h record/KSTBase.h record/OnDemand.h record/ParamList.h
-    record/FieldList.h record/dbrecord.h record/iKST.h record/kesta.h
-    view/KSTView.h view/KSTViewCursor.h view/KSTViewRep.h view/RowIndex.h
+    record/DBFieldTypes.h record/KSTBase.h record/dbrecord.h record/iKST.h record/kesta.h
+    record/parts/CookieIndex.h record/parts/FieldList.h record/parts/GapVector.h record/parts/OnDemand.h
+    record/parts/ParamList.h
+    view/KSTView.h view/KSTViewCursor.h view/KSTViewRep.h
+    view/parts/RowIndex.h
     fieldmap/FieldMap.h
     container/ZRContainerFile.h)
 foreach(header IN LISTS public_headers)

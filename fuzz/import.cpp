@@ -8,7 +8,7 @@
 #include "support/Ascii.h"
 #include "tools/Commands.h"
 #include "tools/Failure.h"
-#include "tools/TableSource.h"
+#include "tools/forms/TableSource.h"
 
 namespace {
 

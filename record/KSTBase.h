@@ -1,8 +1,8 @@
 // KSTBase: a record source with named parameters.
 #pragma once
 
-#include "record/ParamList.h"
 #include "record/iKST.h"
+#include "record/parts/ParamList.h"
 #include "support/LifeWatch.h"
 
 /// Parameters are an ordered list of key/value pairs. Keys compare ignoring case. Copies of a database share

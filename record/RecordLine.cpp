@@ -8,7 +8,7 @@
 #include <emmintrin.h>
 #endif
 
-#include "record/RecentTexts.h"
+#include "record/parts/RecentTexts.h"
 #include "support/Ascii.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "record/FieldList.h"
+#include "record/parts/FieldList.h"
 
 class RecentTexts;
 

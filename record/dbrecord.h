@@ -10,7 +10,7 @@
 // Thread-safety: records may be shared between threads for reading; changes need the caller's serialisation.
 #pragma once
 
-#include "record/FieldList.h"
+#include "record/parts/FieldList.h"
 #include "support/Export.h"
 #include "support/LifeWatch.h"
 #include "support/LightweightString.h"

@@ -7,8 +7,8 @@
 #include <charconv>
 #include <cstdlib>
 
-#include "record/RecentTexts.h"
 #include "record/kesta.h"
+#include "record/parts/RecentTexts.h"
 #include "support/Ascii.h"
 #include "support/Log.h"
 #include "support/Split.h"

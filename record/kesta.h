@@ -18,11 +18,11 @@
 #include <map>
 #include <vector>
 
-#include "record/CookieIndex.h"
-#include "record/GapVector.h"
 #include "record/KSTBase.h"
-#include "record/OnDemand.h"
 #include "record/dbrecord.h"
+#include "record/parts/CookieIndex.h"
+#include "record/parts/GapVector.h"
+#include "record/parts/OnDemand.h"
 #include "support/Notifier.h"
 #include "support/TextSearch.h"
 

@@ -2,9 +2,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "record/Prefetch.h"
 #include "record/RecordsDeleted.h"
 #include "record/kesta.h"
+#include "record/parts/Prefetch.h"
 #include "support/Ascii.h"
 #include "support/StringFunctions.h"
 

@@ -2,8 +2,8 @@
 #include <cstring>
 #include <vector>
 
-#include "record/SortKeys.h"
 #include "record/kesta.h"
+#include "record/parts/SortKeys.h"
 #include "support/Ascii.h"
 #include "support/StringFunctions.h"
 

@@ -5,8 +5,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 # The headers that an installation has.
-mapfile -t named < <(sed -n '/^set(public_headers/,/)/p' cmake/Install.cmake | grep -o '[a-z]*/[A-Za-z]*\.h')
-plumbing=(record/{CookieIndex,FieldList,GapVector,OnDemand,ParamList}.h view/RowIndex.h)
+mapfile -t named < <(sed -n '/^set(public_headers/,/)/p' cmake/Install.cmake | grep -o '[a-z/]*/[A-Za-z]*\.h')
+plumbing=(record/parts/{CookieIndex,FieldList,GapVector,OnDemand,ParamList}.h view/parts/RowIndex.h)
 mapfile -t own < <(printf '%s\n' "${named[@]}" | grep -vxF "$(printf '%s\n' "${plumbing[@]}")")
 
 reference() { # SETTING...

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "record/Prefetch.h"
 #include "record/kesta.h"
+#include "record/parts/Prefetch.h"
 #include "support/Ascii.h"
 
 namespace {

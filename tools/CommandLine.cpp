@@ -6,9 +6,9 @@
 #include "record/kesta.h"
 #include "tools/Commands.h"
 #include "tools/Failure.h"
-#include "tools/Messages.h"
-#include "tools/Output.h"
-#include "tools/Suggestion.h"
+#include "tools/terminal/Messages.h"
+#include "tools/terminal/Output.h"
+#include "tools/terminal/Suggestion.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/Presentation.h"
+#include "tools/terminal/Presentation.h"
 
 namespace CLI {
 class App;

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/Saving.h"
+#include "tools/files/Saving.h"
 
 struct InfoOptions {
     std::vector<std::string> logs;

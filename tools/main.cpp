@@ -4,9 +4,9 @@
 #include <new>
 
 #include "tools/CommandLine.h"
-#include "tools/DisplayText.h"
 #include "tools/Failure.h"
-#include "tools/Messages.h"
+#include "tools/terminal/DisplayText.h"
+#include "tools/terminal/Messages.h"
 
 int main(int argc, char** argv) {
     try {

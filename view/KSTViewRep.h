@@ -40,7 +40,7 @@
 #include "support/CookieContainers.h"
 #include "support/GrowString.h"
 #include "support/Notifier.h"
-#include "view/RowIndex.h"
+#include "view/parts/RowIndex.h"
 
 class KESTA_API KSTViewRep : public KSTBase, public Notifier {
  public:

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "record/RecordsDeleted.h"
-#include "view/CopiedDatabase.h"
 #include "view/KSTViewRep.h"
+#include "view/parts/CopiedDatabase.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // KSTViewRep: copies of a view.
 #include <vector>
 
-#include "view/CopiedDatabase.h"
 #include "view/KSTViewRep.h"
+#include "view/parts/CopiedDatabase.h"
 
 KSTViewRep* KSTViewRep::copy() {
     kesta* const source = database();

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "view/KSTViewRep.h"
-#include "view/LifeSupport.h"
+#include "view/parts/LifeSupport.h"
 
 namespace {
 

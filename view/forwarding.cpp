@@ -1,7 +1,7 @@
 // KSTViewRep: the record-source interface.
 #include <limits>
 
-#include "view/HeldView.h"
+#include "view/parts/HeldView.h"
 
 namespace {
 

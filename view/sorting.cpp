@@ -2,9 +2,9 @@
 #include <typeinfo>
 #include <vector>
 
-#include "record/SortKeys.h"
+#include "record/parts/SortKeys.h"
 #include "view/KSTViewRep.h"
-#include "view/LifeSupport.h"
+#include "view/parts/LifeSupport.h"
 
 namespace {
 

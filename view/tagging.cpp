@@ -1,5 +1,5 @@
 // KSTViewRep: tags.
-#include "view/HeldView.h"
+#include "view/parts/HeldView.h"
 
 bool KSTViewRep::tag(int row) {
     return m_index.contains(row) && m_index.tag(row);

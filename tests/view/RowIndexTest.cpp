@@ -8,7 +8,7 @@
 
 #include "support/Exception.h"
 #include "tests/view/RowIndexModel.h"
-#include "view/RowIndex.h"
+#include "view/parts/RowIndex.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
 // kesta add: a record at the end of a log.
 #include <set>
 
-#include "tools/ColumnArguments.h"
 #include "tools/Commands.h"
 #include "tools/Failure.h"
-#include "tools/LogFile.h"
-#include "tools/LogForm.h"
+#include "tools/logs/ColumnArguments.h"
+#include "tools/logs/LogFile.h"
+#include "tools/logs/LogForm.h"
 
 int Commands::addRecord(const AddOptions& options) {
     LogForEditing log(options.log, options.saving.force);

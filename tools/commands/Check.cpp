@@ -7,13 +7,13 @@
 #include "support/Cookie.h"
 #include "support/time_def.h"
 #include "tools/Commands.h"
-#include "tools/DisplayText.h"
-#include "tools/EveryLog.h"
 #include "tools/Failure.h"
-#include "tools/LogForm.h"
-#include "tools/LogInspector.h"
-#include "tools/Output.h"
-#include "tools/Progress.h"
+#include "tools/logs/EveryLog.h"
+#include "tools/logs/LogForm.h"
+#include "tools/logs/LogInspector.h"
+#include "tools/terminal/DisplayText.h"
+#include "tools/terminal/Output.h"
+#include "tools/terminal/Progress.h"
 
 namespace {
 

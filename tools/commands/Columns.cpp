@@ -1,12 +1,12 @@
 // kesta columns: which columns a log shows, and in which order.
 #include <algorithm>
 
-#include "tools/ColumnMap.h"
 #include "tools/Commands.h"
-#include "tools/DisplayText.h"
 #include "tools/Failure.h"
-#include "tools/LogFile.h"
-#include "tools/Output.h"
+#include "tools/logs/ColumnMap.h"
+#include "tools/logs/LogFile.h"
+#include "tools/terminal/DisplayText.h"
+#include "tools/terminal/Output.h"
 
 namespace {
 

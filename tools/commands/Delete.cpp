@@ -2,12 +2,12 @@
 #include <algorithm>
 
 #include "tools/Commands.h"
-#include "tools/DisplayText.h"
 #include "tools/Failure.h"
-#include "tools/LogFile.h"
-#include "tools/LogView.h"
-#include "tools/Messages.h"
-#include "tools/RowRanges.h"
+#include "tools/logs/LogFile.h"
+#include "tools/logs/LogView.h"
+#include "tools/logs/RowRanges.h"
+#include "tools/terminal/DisplayText.h"
+#include "tools/terminal/Messages.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 // kesta export: a log in the form of another program.
-#include "tools/ColumnMap.h"
 #include "tools/Commands.h"
-#include "tools/DisplayText.h"
-#include "tools/LogFile.h"
-#include "tools/OutputFile.h"
-#include "tools/Writers.h"
+#include "tools/files/OutputFile.h"
+#include "tools/forms/Writers.h"
+#include "tools/logs/ColumnMap.h"
+#include "tools/logs/LogFile.h"
+#include "tools/terminal/DisplayText.h"
 
 namespace {
 

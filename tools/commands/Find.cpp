@@ -5,15 +5,15 @@
 
 #include "support/StringFunctions.h"
 #include "tools/Commands.h"
-#include "tools/DisplayText.h"
-#include "tools/EveryLog.h"
 #include "tools/Failure.h"
-#include "tools/FileClaim.h"
-#include "tools/LogFile.h"
-#include "tools/LogView.h"
-#include "tools/Messages.h"
-#include "tools/ShowView.h"
-#include "tools/StandardStreams.h"
+#include "tools/files/FileClaim.h"
+#include "tools/forms/ShowView.h"
+#include "tools/logs/EveryLog.h"
+#include "tools/logs/LogFile.h"
+#include "tools/logs/LogView.h"
+#include "tools/terminal/DisplayText.h"
+#include "tools/terminal/Messages.h"
+#include "tools/terminal/StandardStreams.h"
 
 namespace {
 

@@ -2,13 +2,13 @@
 #include <algorithm>
 
 #include "tools/Commands.h"
-#include "tools/DisplayText.h"
-#include "tools/EveryLog.h"
 #include "tools/Failure.h"
-#include "tools/Files.h"
-#include "tools/LogFile.h"
-#include "tools/Output.h"
-#include "tools/StandardStreams.h"
+#include "tools/files/Files.h"
+#include "tools/logs/EveryLog.h"
+#include "tools/logs/LogFile.h"
+#include "tools/terminal/DisplayText.h"
+#include "tools/terminal/Output.h"
+#include "tools/terminal/StandardStreams.h"
 
 namespace {
 

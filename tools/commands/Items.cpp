@@ -2,12 +2,12 @@
 #include "container/ZRContainerFile.h"
 #include "support/StringFunctions.h"
 #include "tools/Commands.h"
-#include "tools/DisplayText.h"
 #include "tools/Failure.h"
-#include "tools/LogFile.h"
-#include "tools/StandardStreams.h"
-#include "tools/TablePrinter.h"
-#include "tools/Writers.h"
+#include "tools/forms/TablePrinter.h"
+#include "tools/forms/Writers.h"
+#include "tools/logs/LogFile.h"
+#include "tools/terminal/DisplayText.h"
+#include "tools/terminal/StandardStreams.h"
 
 namespace {
 

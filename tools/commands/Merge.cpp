@@ -1,11 +1,11 @@
 // kesta merge: the records of logs appended to another one.
 #include "tools/Commands.h"
-#include "tools/DisplayText.h"
 #include "tools/Failure.h"
-#include "tools/Files.h"
-#include "tools/LogFile.h"
-#include "tools/LogForm.h"
-#include "tools/StandardStreams.h"
+#include "tools/files/Files.h"
+#include "tools/logs/LogFile.h"
+#include "tools/logs/LogForm.h"
+#include "tools/terminal/DisplayText.h"
+#include "tools/terminal/StandardStreams.h"
 
 namespace {
 

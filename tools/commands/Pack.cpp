@@ -7,14 +7,14 @@
 #include "support/Ascii.h"
 #include "support/StringFunctions.h"
 #include "tools/Commands.h"
-#include "tools/DisplayText.h"
 #include "tools/Failure.h"
-#include "tools/FileClaim.h"
-#include "tools/Files.h"
-#include "tools/LogForm.h"
-#include "tools/LogInspector.h"
-#include "tools/Messages.h"
-#include "tools/StandardStreams.h"
+#include "tools/files/FileClaim.h"
+#include "tools/files/Files.h"
+#include "tools/logs/LogForm.h"
+#include "tools/logs/LogInspector.h"
+#include "tools/terminal/DisplayText.h"
+#include "tools/terminal/Messages.h"
+#include "tools/terminal/StandardStreams.h"
 
 namespace {
 

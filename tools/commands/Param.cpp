@@ -1,12 +1,12 @@
 // kesta param: the parameters of a log.
 #include "tools/Commands.h"
-#include "tools/DisplayText.h"
 #include "tools/Failure.h"
-#include "tools/LogFile.h"
-#include "tools/LogForm.h"
-#include "tools/Messages.h"
-#include "tools/Output.h"
-#include "tools/Suggestion.h"
+#include "tools/logs/LogFile.h"
+#include "tools/logs/LogForm.h"
+#include "tools/terminal/DisplayText.h"
+#include "tools/terminal/Messages.h"
+#include "tools/terminal/Output.h"
+#include "tools/terminal/Suggestion.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // kesta set: one value of a log.
 #include "tools/Commands.h"
 #include "tools/Failure.h"
-#include "tools/LogFile.h"
-#include "tools/LogForm.h"
-#include "tools/RowRanges.h"
+#include "tools/logs/LogFile.h"
+#include "tools/logs/LogForm.h"
+#include "tools/logs/RowRanges.h"
 
 int Commands::setValue(const SetOptions& options) {
     LogForEditing log(options.log, options.saving.force);

@@ -1,12 +1,12 @@
 // kesta show: the records of logs.
 #include "tools/Commands.h"
-#include "tools/EveryLog.h"
 #include "tools/Failure.h"
-#include "tools/LogFile.h"
-#include "tools/LogView.h"
-#include "tools/Messages.h"
-#include "tools/ShowView.h"
-#include "tools/StandardStreams.h"
+#include "tools/forms/ShowView.h"
+#include "tools/logs/EveryLog.h"
+#include "tools/logs/LogFile.h"
+#include "tools/logs/LogView.h"
+#include "tools/terminal/Messages.h"
+#include "tools/terminal/StandardStreams.h"
 
 int Commands::showRecords(const ShowOptions& options) {
     ShownViews shown(options.table, options.logs.size());

@@ -1,9 +1,9 @@
 // kesta sort: the records of a log in another order.
-#include "tools/ColumnArguments.h"
 #include "tools/Commands.h"
 #include "tools/Failure.h"
-#include "tools/LogFile.h"
-#include "tools/Progress.h"
+#include "tools/logs/ColumnArguments.h"
+#include "tools/logs/LogFile.h"
+#include "tools/terminal/Progress.h"
 
 int Commands::sortRecords(const SortOptions& options) {
     LogForEditing log(options.log, options.saving.force);

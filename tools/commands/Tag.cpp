@@ -4,13 +4,13 @@
 #include "support/Ascii.h"
 #include "tools/Commands.h"
 #include "tools/Failure.h"
-#include "tools/LogFile.h"
-#include "tools/LogForm.h"
-#include "tools/LogView.h"
-#include "tools/Messages.h"
-#include "tools/Output.h"
-#include "tools/ShowView.h"
-#include "tools/Writers.h"
+#include "tools/forms/ShowView.h"
+#include "tools/forms/Writers.h"
+#include "tools/logs/LogFile.h"
+#include "tools/logs/LogForm.h"
+#include "tools/logs/LogView.h"
+#include "tools/terminal/Messages.h"
+#include "tools/terminal/Output.h"
 
 namespace {
 
