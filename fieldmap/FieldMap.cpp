@@ -187,7 +187,7 @@ void FieldMap::appendFrom(const LightweightString<char>& text) {
 }
 
 void FieldMap::fillFromSource() {
-    std::set<LightweightString<char>, kesta::IgnoringCase> known;
+    std::set<LightweightString<char>, IgnoringCase> known;
     for (unsigned field = 0; field < m_source->get_num_fields(); ++field) {
         const LightweightString<char> name(m_source->get_fieldname(field));
         if (known.insert(name).second) add(name, true);

@@ -33,14 +33,6 @@ KESTA_API const char* kestaDllVersionStr();
 
 class KESTA_API kesta : public KSTBase, public Notifier {
  public:
-    /// The order of column names.
-    struct IgnoringCase {
-        /// Whether `a` comes before `b`.
-        bool operator()(const LightweightString<char>& a, const LightweightString<char>& b) const noexcept {
-            return a.icompare(b.c_str()) < 0;
-        }
-    };
-
     /// Columns by name, of several of one name the first.
     using FieldNameIndex = std::map<LightweightString<char>, unsigned short, IgnoringCase>;
 

@@ -2,7 +2,9 @@
 // letter, digit nor control.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace Ascii {
@@ -40,9 +42,21 @@ constexpr bool isLetter(Char c) noexcept {
     return fold(c) >= Char('a') && fold(c) <= Char('z');
 }
 
+/// The text from its first byte that is not white space on.
+constexpr std::string_view withoutLeadingSpace(std::string_view text) noexcept {
+    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
+    return text;
+}
+
+/// The same for a zero-terminated text.
+constexpr const char* skipSpace(const char* text) noexcept {
+    while (isSpace(*text)) ++text;
+    return text;
+}
+
 /// The text without the white space around it.
 constexpr std::string_view trimmed(std::string_view text) noexcept {
-    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
+    text = withoutLeadingSpace(text);
     while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
     return text;
 }
@@ -57,6 +71,19 @@ inline int compareFolded(const char* a, const char* b,
         if (x != y || x == 0) return x - y;
     }
     return 0;
+}
+
+/// Whether two texts are equal but for the case of their letters.
+inline bool equalFolded(std::string_view a, std::string_view b) noexcept {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char x, char y) { return fold(x) == fold(y); });
+}
+
+/// The text with its letters folded.
+inline std::string folded(std::string_view text) {
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(), fold<char>);
+    return result;
 }
 
 }  // namespace Ascii

@@ -16,6 +16,7 @@
 #include "support/Export.h"
 #include "support/GrowString.h"
 #include "support/LibraryAllocator.h"
+#include "support/NotFound.h"
 #include "support/iObject.h"
 
 using CookieVec = LightweightVector<Cookie>;
@@ -31,7 +32,7 @@ using ArrayRec = Cookie;
 /// datum by address and copy it; a null datum changes nothing.
 class KESTA_API Array {
  public:
-    static constexpr unsigned notFound = static_cast<unsigned>(-1);
+    static constexpr unsigned notFound = Zr::notFound;
 
     Array();
     Array(const Array&);

@@ -249,6 +249,14 @@ class StringStock {
     std::int32_t m_stock = 0;
 };
 
+/// An order of texts that ignores ASCII case, for maps and sets.
+struct IgnoringCase {
+    /// Whether `a` comes before `b`.
+    bool operator()(const LightweightString<char>& a, const LightweightString<char>& b) const noexcept {
+        return a.icompare(b.c_str()) < 0;
+    }
+};
+
 /// Append the number in decimal, with a minus sign when negative.
 KESTA_API LightweightString<char>& operator+=(LightweightString<char>& text, int number);
 KESTA_API LightweightString<char>& operator+=(LightweightString<char>& text, unsigned number);

@@ -28,9 +28,16 @@ KESTA_API LightweightString<wchar_t> WStringFromAscii(const char* text);
 
 }  // namespace Zr
 
-/// Decodes UTF-8. A byte that is no part of a well-formed sequence becomes one character of its own (U+DC80
-/// plus the byte's low seven bits), which toUTF8 turns back, so every byte sequence survives the way there
-/// and back.
+/// The characters that stand for bytes 0x80 to 0xFF that are no part of well-formed UTF-8: surrogates that no
+/// well-formed text has.
+constexpr wchar_t firstStrayByte = 0xDC80;
+constexpr wchar_t lastStrayByte = 0xDCFF;
+constexpr bool isStrayByte(wchar_t c) noexcept {
+    return c >= firstStrayByte && c <= lastStrayByte;
+}
+
+/// Decodes UTF-8. A byte that is no part of a well-formed sequence becomes a stray byte's character, which
+/// toUTF8 turns back, so every byte sequence survives the way there and back.
 KESTA_API LightweightString<wchar_t> fromUTF8(const LightweightString<char>& text);
 
 /// Encodes as UTF-8. Characters that Unicode does not have become U+FFFD.

@@ -45,12 +45,6 @@ class ParamList {
     }
 
  private:
-    struct IgnoringCase {
-        bool operator()(const LightweightString<char>& a, const LightweightString<char>& b) const noexcept {
-            return a.icompare(b.c_str()) < 0;
-        }
-    };
-
     Pairs m_pairs;
     std::map<LightweightString<char>, std::size_t, IgnoringCase> m_firstOfKey;
 };

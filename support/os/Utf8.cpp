@@ -6,10 +6,6 @@
 
 namespace {
 
-// A byte that is no part of a well-formed sequence stands as U+DC80 .. U+DCFF: surrogates that no
-// well-formed text has.
-constexpr wchar_t firstStrayByte = 0xDC80;
-constexpr wchar_t lastStrayByte = 0xDCFF;
 constexpr wchar_t replacement = 0xFFFD;
 
 constexpr bool isUnicode(wchar_t c) noexcept {

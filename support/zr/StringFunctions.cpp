@@ -23,15 +23,10 @@ class Decimal {
     std::size_t m_length;
 };
 
-bool equalFolded(std::string_view a, std::string_view b) noexcept {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return Ascii::fold(x) == Ascii::fold(y); });
-}
-
 template <std::size_t Count>
 bool isOneOf(std::string_view text, const std::array<std::string_view, Count>& words) noexcept {
     return std::any_of(words.begin(), words.end(),
-                       [text](std::string_view word) { return equalFolded(text, word); });
+                       [text](std::string_view word) { return Ascii::equalFolded(text, word); });
 }
 
 }  // namespace

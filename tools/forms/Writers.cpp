@@ -51,12 +51,11 @@ class JsonText {
     bool replaced() const noexcept { return m_replaced; }
 
  private:
-    // Decoding gives each byte that is no UTF-8 as one character from U+DC80 on.
     std::string_view asUtf8(std::string_view value) {
         LightweightString<wchar_t> decoded = fromUTF8(libraryText(value));
         wchar_t* const characters = decoded.writableText();
         for (unsigned i = 0; i < decoded.length(); ++i) {
-            if (characters[i] < 0xDC80 || characters[i] > 0xDCFF) continue;
+            if (!isStrayByte(characters[i])) continue;
             characters[i] = 0xFFFD;
             m_replaced = true;
         }

@@ -22,11 +22,6 @@ LightweightString<wchar_t> decoded(std::string_view text) {
     return fromUTF8(LightweightString<char>(text));
 }
 
-/// Decoding gives a byte that is no UTF-8 as one of these.
-bool isStrayByte(wchar_t c) noexcept {
-    return c >= 0xDC80 && c <= 0xDCFF;
-}
-
 /// Line and paragraph separators, and what turns the direction of the text: a terminal that obeys them shows
 /// another text than the log holds.
 bool isInvisibleControl(wchar_t c) noexcept {
@@ -46,7 +41,7 @@ std::string shownForm(wchar_t c) {
     if (c == '\t') return "\\t";
     if (c == '\r') return "\\r";
     if (c < ' ' || c == 0x7F) return formatted("\\x%02x", static_cast<unsigned>(c));
-    if (isStrayByte(c)) return formatted("\\x%02x", static_cast<unsigned>(c - 0xDC80 + 0x80));
+    if (isStrayByte(c)) return formatted("\\x%02x", static_cast<unsigned>(c - firstStrayByte + 0x80));
     if (isInvisibleControl(c)) return formatted("\\u%04x", static_cast<unsigned>(c));
     const std::wstring_view one(&c, 1);
     return std::string(toUTF8(LightweightString<wchar_t>(one)).view());
