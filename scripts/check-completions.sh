@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Asks each shell what it completes behind the program: tests/completion/cases in bash, zsh and fish, with the program and
+# Asks each shell what it completes after the program's name: tests/completion/cases in bash, zsh and fish, with the program and
 # the completions of a build: scripts/check-completions.sh [PRESET], release when not said. A shell that is not there is
 # left out, unless this is a machine for checks (CI is set).
 set -euo pipefail

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Compares what applications are built against with the lists of tests/interface/: the symbols that the shared libraries
 # export, one a line without the compiler's helpers (thunks, names of types, tables of construction), and the slots of
-# iKST's virtual table. When a difference is a decision, scripts/check-interface.sh --accept writes the lists anew.
+# iKST's virtual table. When a difference is a decision, scripts/check-interface.sh --accept writes the lists again.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 export LC_ALL=C

@@ -25,7 +25,14 @@ done
 
 as_root=(env DEBIAN_FRONTEND=noninteractive)
 [[ $(id -u) == 0 ]] || as_root=(sudo "${as_root[@]}")
-echo "setup: installing ${missing[*]}"
-"${as_root[@]}" apt-get update -qq -o DPkg::Lock::Timeout=300 </dev/null
-"${as_root[@]}" apt-get install -y -qq --no-install-recommends -o DPkg::Lock::Timeout=300 "${missing[@]}" \
-    </dev/null >/dev/null
+# What apt and the packages have to say is of interest only when they fail.
+quietly() {
+    local said
+    said=$("${as_root[@]}" apt-get -qq -o DPkg::Lock::Timeout=300 "$@" </dev/null 2>&1) && return
+    printf '%s\n' "$said" >&2
+    return 1
+}
+echo "setup: fetching the lists of packages"
+quietly update
+echo "setup: installing ${missing[*]}; this can take some minutes"
+quietly install -y --no-install-recommends "${missing[@]}"
