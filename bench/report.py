@@ -4,6 +4,8 @@
 Every benchmark runs in a process of its own, so that none finds the memory of another, kesta and its baselines
 taking turns. Times are medians over the processes; the JSON has their least and greatest too. A ratio is the
 median over the turns of kesta's time divided by the baseline's.
+
+With --against it compares two builds of kesta instead: each operation in pairs of processes, one of either build.
 """
 
 import argparse
@@ -76,6 +78,15 @@ def measure(program, variants, repetitions, folder):
                 for other in variants if other.variant != KESTA}
         results.append(result)
     return results
+
+
+def pair(program, other, benchmark, pairs, folder):
+    """A line of the comparison of two builds: the median of the pairs' ratios, with the least and the greatest."""
+    turns = [[run(each, benchmark, folder)["cpu_ms"] for each in (program, other)] for _ in range(pairs)]
+    own, theirs = (statistics.median(times) for times in zip(*turns))
+    ratio = summary([mine / its for mine, its in turns])
+    return (benchmark.operation, f"{benchmark.rows:,}", time_text(own), time_text(theirs),
+            *(f"{ratio[key]:.3f}" for key in ("median", "min", "max")))
 
 
 def time_text(milliseconds):
@@ -171,6 +182,8 @@ def main():
                         help="a regular expression: only operations in whose name it is found")
     parser.add_argument("--program", default="build/release/bin/kesta_bench")
     parser.add_argument("--output", type=pathlib.Path, default="build/bench", help="the folder of what is written")
+    parser.add_argument("--against", metavar="PROGRAM", help="the kesta_bench of another build, to compare with it")
+    parser.add_argument("--pairs", type=int, default=9, help="with --against, how often each operation is run")
     size = parser.add_mutually_exclusive_group()
     size.add_argument("--quick", action="store_true", help=f"at most {QUICK:,} records, fewer repetitions")
     size.add_argument("--smoke", action="store_true", help=f"{SMALL:,} records, once, no plot: does it work?")
@@ -185,6 +198,15 @@ def main():
         sys.exit(f"report: no operation has {arguments.filter} in its name")
 
     arguments.output.mkdir(parents=True, exist_ok=True)
+    if arguments.against:
+        lines = [("operation", "rows", "time", "other's", "ratio", "least", "greatest")]
+        known = {benchmark.name for benchmark in benchmarks(arguments.against)}
+        with tempfile.TemporaryDirectory(dir=arguments.output) as folder:
+            lines += [pair(arguments.program, arguments.against, benchmark, arguments.pairs, folder)
+                      for variants in groups.values() for benchmark in variants
+                      if benchmark.variant == KESTA and benchmark.name in known]
+        return show(lines, left={0})
+
     results = []
     with tempfile.TemporaryDirectory(dir=arguments.output) as folder:
         for done, ((operation, rows), variants) in enumerate(groups.items()):
