@@ -42,7 +42,7 @@ inline unsigned rows(const benchmark::State& state) {
 double memoryNow();
 double memoryAtPeak();
 
-/// Measures work(prepare(log)) with a log of its own for every round. What prepare answers lives as long as
+/// Measures work(prepare(log)) with a log of its own for every round. What prepare returns lives as long as
 /// the round. The last round gets the log itself, so that a single one finds no second log in memory.
 template <class Log, class Prepare, class Work>
 void change(benchmark::State& state, Log log, Prepare prepare, Work work) {

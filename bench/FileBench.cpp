@@ -3,7 +3,7 @@
 //
 // A load is measured cold, as the first that a process does: its memory comes from the system; and warm, with
 // the heap of a load before. The cold load also says how much memory it takes. Files are in the system's
-// cache. The library's save has the bytes on the disk when it answers, so the plain writer flushes them too.
+// cache. The library's save has the bytes on the disk when it returns, so the plain writer flushes them too.
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>

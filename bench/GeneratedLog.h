@@ -51,7 +51,7 @@ class GeneratedLog {
     const Row& next();
 
     /// Writes the first records of the log as a log file; and records whose every text is that of one of the
-    /// log's first twenty, drawn at random. Both answer whether the file could be written.
+    /// log's first twenty, drawn at random. Both return whether the file could be written.
     static bool write(const std::string& fileName, unsigned rows);
     static bool writeRepeating(const std::string& fileName, unsigned rows);
 

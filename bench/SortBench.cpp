@@ -11,17 +11,11 @@
 
 namespace {
 
-const char* skipSpace(const std::string& text) {
-    const char* begin = text.c_str();
-    while (Ascii::isSpace(*begin)) ++begin;
-    return begin;
-}
-
 int compareKey(const std::string& a, const std::string& b, bool timecode) {
     if (a.empty()) return b.empty() ? 0 : 1;
     if (b.empty()) return -1;
-    const char* const textA = skipSpace(a);
-    const char* const textB = skipSpace(b);
+    const char* const textA = Ascii::skipSpace(a.c_str());
+    const char* const textB = Ascii::skipSpace(b.c_str());
     if (!timecode) return strxcmp(textA, textB);
     if (const int result = strncasecmp(textA, textB, 8)) return result;
     const auto frames = [](const char* text) { return strnlen(text, 9) == 9 ? text + 9 : ""; };

@@ -1,6 +1,6 @@
 # What `cmake --install` puts under a prefix: the libraries, their public headers, the program with its manual page and
-# the shells' completions, the CMake package kesta and the pkg-config file. The whole may be moved afterwards: each part finds the others from its own place.
-# The components are the packages of cmake/Packages.cmake.
+# the shells' completions, the CMake package kesta and the pkg-config file. The whole may be moved afterwards: each part
+# finds the others from its own place. The components are the packages of cmake/Packages.cmake.
 include(CMakePackageConfigHelpers)
 
 # Public headers keep their folders. All of support/ is public; every other folder names what it shows.

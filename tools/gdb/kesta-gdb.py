@@ -16,7 +16,7 @@ def unreadable(problem):
 
 
 def guarded(show):
-    """The text that show answers, or why there is none."""
+    """The text that show returns, or why there is none."""
 
     def guard(self):
         try:
@@ -28,7 +28,7 @@ def guarded(show):
 
 
 class String:
-    """LightweightString: a pointer to a body, behind which the characters stand."""
+    """LightweightString: a pointer to a body, after which the characters stand."""
 
     def __init__(self, value):
         self.value = value
@@ -144,7 +144,7 @@ class Record:
 
 
 class Identifier:
-    """Cookie: the text that Cookie::asString(false) answers."""
+    """Cookie: the text that Cookie::asString(false) returns."""
 
     def __init__(self, value):
         self.value = value
