@@ -150,7 +150,7 @@ void files(Fuzz::Input& input) {
         append(begun, line, !inHalves);
         lines.push_back(line);
         expected += line + (style == TextFile::eLF ? "\n" : "\r\n");
-        Fuzz::promise(begun.size() == lines.size() && begun.lineView(begun.size() - 1) == line);
+        Fuzz::promise(begun.size() == lines.size() && file.lineView(file.size() - 1) == line);
     }
     Fuzz::promise(file.save(whole, style) && Fuzz::readFile(Fuzz::folder() / "whole") == expected);
     Fuzz::promise(begun.save(early, style) && Fuzz::readFile(Fuzz::folder() / "early") == expected);

@@ -160,7 +160,7 @@ int dbrecord::readLine(TextFile& file, RecentTexts* recent) {
     m_fields.clear();
     const unsigned line = file.cursor();
     const int count = RecordLine::read(file.lineView(line), m_fields, recent);
-    file.setCursor(line + 1);
+    file.nextLine();
     if (count != 0) markChanged();
     return count;
 }

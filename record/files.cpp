@@ -253,7 +253,7 @@ void kesta::loadCSV(TextFile& file) {
         m_fields.emplace_back(name, DBFieldTypes::eTextS);
     }
     if (m_fields.empty()) return;
-    for (file.setCursor(1); file.cursor() < file.size(); file.setCursor(file.cursor() + 1)) {
+    for (file.nextLine(); file.cursor() < file.size(); file.nextLine()) {
         const std::vector<LightweightString<char>> pieces = splitCSV(file.lineView(file.cursor()));
         if (pieces.empty()) continue;
         const unsigned row = add_records(1);

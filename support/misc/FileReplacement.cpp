@@ -1,3 +1,4 @@
+// FileReplacement: gives a file a new content, wholly or not at all.
 #include "support/misc/FileReplacement.h"
 
 #include <algorithm>
@@ -6,6 +7,8 @@
 #include <fcntl.h>
 #include <sys/random.h>
 #include <sys/stat.h>
+
+#include "support/misc/OpenStream.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "support/misc/SystemFile.h"
+#include "support/SystemFile.h"
 
 class FileReplacement {
  public:

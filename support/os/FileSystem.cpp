@@ -1,27 +1,19 @@
+// The file operations of the operating-system object, by the C library.
 #include "support/os/FileSystem.h"
 
 #include <cstdio>
 #include <unistd.h>
 
-#include "support/StringFunctions.h"
-
-namespace {
-
-// The system would cut the name at a zero character and take another file for it.
-bool canNameFile(const LightweightString<char>& path) noexcept {
-    return !path.empty() && path.view().find('\0') == std::string_view::npos;
-}
-
-}  // namespace
+#include "support/SystemFile.h"
 
 bool FileSystem::move(const LightweightString<wchar_t>& from, const LightweightString<wchar_t>& to,
                       int /*flags*/) {
-    const LightweightString<char> source = toUTF8(from);
-    const LightweightString<char> target = toUTF8(to);
-    return canNameFile(source) && canNameFile(target) && std::rename(source.c_str(), target.c_str()) == 0;
+    const LibraryString source = systemPath(from);
+    const LibraryString target = systemPath(to);
+    return !source.empty() && !target.empty() && std::rename(source.c_str(), target.c_str()) == 0;
 }
 
 bool fileExists(const LightweightString<wchar_t>& fileName) {
-    const LightweightString<char> path = toUTF8(fileName);
-    return canNameFile(path) && access(path.c_str(), F_OK) == 0;
+    const LibraryString path = systemPath(fileName);
+    return !path.empty() && access(path.c_str(), F_OK) == 0;
 }

@@ -28,13 +28,14 @@ class TextFiles : public TempFolderTest {
         TextFile file;
         EXPECT_TRUE(file.beginLoad(wide(folder.with("in", content)), '\n'));
         Strings lines;
-        for (; file.cursor() < file.size(); file.setCursor(file.cursor() + 1)) {
+        for (; file.cursor() < file.size(); file.nextLine()) {
             lines.emplace_back(file.lineView(file.cursor()));
         }
         EXPECT_EQ(file.size(), lines.size());
         EXPECT_EQ(file.lineView(file.cursor()), "");
+        EXPECT_FALSE(file.save(wide(folder / "out"), TextFile::eLF)) << "its lines are not there";
         EXPECT_TRUE(file.endLoad());
-        EXPECT_EQ(file.save(wide(folder / "out"), TextFile::eLF), lines.empty()) << "forgotten lines";
+        EXPECT_EQ(file.size(), 0U);
         return lines;
     }
 
@@ -202,8 +203,7 @@ TEST_F(TextFiles, ASaveThatIsBegunTakesLinesAsTheyComeAndReplacesTheFileAtItsEnd
         fill(whole, std::string(1000, 'x'));
         fill(begun, std::string(1000, 'x'));
         EXPECT_EQ(begun.size(), whole.size());
-        EXPECT_TRUE(begun[0].empty()) << "what has been written is forgotten";
-        EXPECT_EQ(begun[begun.size() - 1], whole[whole.size() - 1]);
+        EXPECT_TRUE(begun[0].empty() && begun[begun.size() - 1].empty()) << "its lines are forgotten";
         EXPECT_EQ(readFile(out), before);
         EXPECT_FALSE(begun.save(wide(folder / "other"), style)) << "begun under another name";
         EXPECT_TRUE(begun.save(wide(out), style));

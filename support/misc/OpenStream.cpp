@@ -1,10 +1,9 @@
-#include "support/misc/SystemFile.h"
+// Opening files that are read or written from the beginning to the end.
+#include "support/misc/OpenStream.h"
 
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
-
-#include "support/StringFunctions.h"
 
 namespace {
 
@@ -19,25 +18,6 @@ bool hasEnd(int file, int access) noexcept {
 }
 
 }  // namespace
-
-bool SystemFile::write(std::string_view bytes) const noexcept {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(m_descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) return false;
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
-}
-
-LibraryString systemPath(const LightweightString<wchar_t>& name) {
-    const LightweightString<char> path = toUTF8(name);
-    if (path.empty() || path.view().find('\0') != std::string_view::npos) {
-        errno = path.empty() ? ENOENT : EINVAL;
-        return {};
-    }
-    return LibraryString(path.view());
-}
 
 SystemFile openStream(const LibraryString& path, int access) noexcept {
     SystemFile file(::open(path.c_str(), access | O_CLOEXEC | O_NONBLOCK));
