@@ -6,7 +6,7 @@
 #include "fuzz/Fuzz.h"
 #include "record/kesta.h"
 #include "support/Ascii.h"
-#include "tools/Commands.h"
+#include "tools/CommandLine.h"
 #include "tools/Failure.h"
 #include "tools/forms/TableSource.h"
 
@@ -35,7 +35,7 @@ void checkLog(const kesta& log, std::size_t rows) {
 
 // What was imported without a loss is there, but for white space around it.
 void checkNothingLost(const kesta& log, const TableSource& table, const Rows& rows) {
-    std::size_t i = 1;  // behind the revision
+    std::size_t i = 1;  // after the revision
     Fuzz::promise(log.params().size() == table.parameters().size() + 1);
     for (const TableSource::Parameter& parameter : table.parameters()) {
         Fuzz::promise(log.params()[i++].value().view() == parameter.value);
@@ -52,23 +52,25 @@ void checkNothingLost(const kesta& log, const TableSource& table, const Rows& ro
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static CommandLine program;
     Fuzz::Input input(data, size);
     const bool isCSV = input.below(2) == 1;
-    ImportOptions options;
-    options.file = Fuzz::folder() / (isCSV ? "input.csv" : "input.ale");
-    options.log = Fuzz::folder() / "imported.log";
-    options.saving.force = true;
-    Fuzz::writeFile(options.file, input.rest());
-    std::filesystem::remove(options.log);
+    const std::string file = Fuzz::folder() / (isCSV ? "input.csv" : "input.ale");
+    const std::string made = Fuzz::folder() / "imported.log";
+    Fuzz::writeFile(file, input.rest());
+    std::filesystem::remove(made);
     int exitCode = exitDone;
     try {
-        exitCode = Commands::importFile(options);
+        std::vector<std::string> words = {"kesta", "import", file, "-o", made, "--quiet"};
+        std::vector<char*> arguments;
+        for (std::string& word : words) arguments.push_back(word.data());
+        exitCode = program.run(static_cast<int>(arguments.size()), arguments.data());
     } catch (const Failure& failure) {
-        Fuzz::promise(*failure.what() != '\0' && !std::filesystem::exists(options.log));
+        Fuzz::promise(*failure.what() != '\0' && !std::filesystem::exists(made));
         return 0;
     }
-    const kesta log(fromUTF8(options.log.c_str()), std::numeric_limits<int>::max(), true);
-    const auto table = readTable(options.file, options.format);
+    const kesta log(fromUTF8(made.c_str()), std::numeric_limits<int>::max(), true);
+    const auto table = readTable(file, {});
     const Rows rows = rowsOf(*table);
     checkLog(log, rows.size());
     if (exitCode == exitDone) checkNothingLost(log, *table, rows);

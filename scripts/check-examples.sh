@@ -3,7 +3,8 @@
 #  - each ```console block shows what its "$ " lines print, standard error included. The blocks of a document are one
 #    session in a temporary folder with examples/sample.ale;
 #  - each ```cpp block stands, as it is or indented, in the last examples/*.cpp that the document names before it;
-#  - links to files lead somewhere.
+#  - links to files lead somewhere;
+#  - README.md's table of commands has each command of the program, and no other.
 # Usage: check-examples.sh [--update] [PROGRAM]
 # PROGRAM is build/release/bin/kesta when it is left out. --update writes what the commands print into the documents.
 set -euo pipefail
@@ -103,6 +104,13 @@ check_links() {
     done < <(awk '/^```/ {code = !code} !code' "$document" | grep -o '](\([^)#]*\)' | sed 's/^](//' | grep . || true)
 }
 
+check_commands() {
+    diff --label "README.md" --label "kesta --help" -u <(sed -n 's/^| `kesta \([a-z]*\).*/\1/p' README.md | sort) \
+        <("$program" --help | awk '/^Subcommands:/ {inside = 1; next} /^$/ {inside = 0} inside {print $1}' | sort) ||
+        fail "README.md's table of commands is not that of the program"
+}
+
+check_commands
 for document in *.md docs/*.md; do
     check_sessions "$document"
     check_code "$document"

@@ -1,4 +1,4 @@
-// The command line: which commands there are and what they take.
+// The command line: chooses the command that it names and runs it.
 //
 // Thread-safety: one thread at a time.
 #pragma once
@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tools/terminal/Presentation.h"
@@ -29,25 +30,10 @@ class CommandLine {
     int run(int argc, char** argv);
 
  private:
-    struct Command {
-        CLI::App* app;
-        std::function<int()> run;
-    };
-
-    template <class Options, class Declare>
-    void add(const char* name, const char* what, const std::string& example, int (*work)(const Options&),
-             Declare declare);
-    void addReadingCommands();
-    void addExchangeCommands();
-    void addEditingCommands();
-    void addBulkCommands();
-    void addTimelineCommand();
-    void addContainerCommands();
-
-    int answer(const CLI::ParseError& end, const std::vector<std::string>& arguments) const;
+    int explain(const CLI::ParseError& end, const std::vector<std::string>& arguments) const;
     void requireKnownCommand(const std::vector<std::string>& arguments) const;
 
     std::unique_ptr<CLI::App> m_app;
-    std::vector<Command> m_commands;
+    std::vector<std::pair<const CLI::App*, std::function<int()>>> m_works;  // of the commands
     Presentation m_presentation;
 };

@@ -6,8 +6,9 @@
 #include "support/Ascii.h"
 #include "support/Cookie.h"
 #include "support/time_def.h"
-#include "tools/Commands.h"
 #include "tools/Failure.h"
+#include "tools/commands/Arguments.h"
+#include "tools/commands/Commands.h"
 #include "tools/logs/EveryLog.h"
 #include "tools/logs/LogForm.h"
 #include "tools/logs/LogInspector.h"
@@ -16,6 +17,10 @@
 #include "tools/terminal/Progress.h"
 
 namespace {
+
+struct Options {
+    std::vector<std::string> logs;
+};
 
 constexpr const char* codePairs[][2] = {{"Start time", "End time"},
                                         {"snd start", "snd end"},
@@ -117,9 +122,7 @@ Inspection inspected(const std::string& path) {
     return inspectLog(path, &checks);
 }
 
-}  // namespace
-
-int Commands::checkLogs(const CheckOptions& options) {
+int run(const Options& options) {
     const auto output = standardOutput();
     const int exitCode = forEveryLog(options.logs, [&](const std::string& path) -> int {
         const Inspection inspection = inspected(path);
@@ -128,4 +131,15 @@ int Commands::checkLogs(const CheckOptions& options) {
     });
     output->finish();
     return exitCode;
+}
+
+void declare(CLI::App& app, Options& options) {
+    Arguments::addSources(app, options.logs);
+}
+
+}  // namespace
+
+Command Commands::check() {
+    return makeCommand("check", "Say what is wrong with logs, and where", "kesta check day1.log day2.log",
+                       declare, run);
 }

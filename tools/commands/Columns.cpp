@@ -1,14 +1,25 @@
 // kesta columns: which columns a log shows, and in which order.
 #include <algorithm>
 
-#include "tools/Commands.h"
 #include "tools/Failure.h"
+#include "tools/commands/Arguments.h"
+#include "tools/commands/Commands.h"
 #include "tools/logs/ColumnMap.h"
 #include "tools/logs/LogFile.h"
 #include "tools/terminal/DisplayText.h"
 #include "tools/terminal/Output.h"
 
 namespace {
+
+struct Options {
+    std::string log;
+    std::vector<std::string> show;
+    std::vector<std::string> hide;
+    std::vector<std::string> order;  // the columns to come first
+    bool reset = false;              // before anything else, back to all columns in the log's own order
+    bool names = false;              // list only the names of all columns
+    Saving saving;
+};
 
 /// The columns that an option names, each once.
 std::vector<unsigned> distinctColumns(const kesta& log, const std::vector<std::string>& lists) {
@@ -47,7 +58,7 @@ void putFirst(FieldMap& map, const kesta& log, const std::vector<unsigned>& colu
     }
 }
 
-void change(kesta& log, const ColumnsOptions& options) {
+void change(kesta& log, const Options& options) {
     const std::vector<unsigned> show = distinctColumns(log, options.show);
     const std::vector<unsigned> hide = distinctColumns(log, options.hide);
     const std::vector<unsigned> order = distinctColumns(log, options.order);
@@ -87,9 +98,7 @@ void listNames(const kesta& log) {
     output->finish();
 }
 
-}  // namespace
-
-int Commands::columns(const ColumnsOptions& options) {
+int run(const Options& options) {
     if (options.names) {
         listNames(*openLog(options.log).log);
         return exitDone;
@@ -104,4 +113,26 @@ int Commands::columns(const ColumnsOptions& options) {
     change(*log, options);
     log.save(options.saving);
     return exitDone;
+}
+
+void declare(CLI::App& app, Options& options) {
+    Arguments::addEdit(app, options.log, options.saving);
+    Arguments::addColumnList(app, "--show", options.show, "columns to show");
+    Arguments::addColumnList(app, "--hide", options.hide, "columns to hide");
+    Arguments::addColumnList(app, "--order", options.order,
+                             "the columns to come first, in this order; hidden ones stay hidden");
+    app.add_flag("--reset", options.reset, "first go back to all columns in the log's own order");
+    app.add_flag("--names", options.names,
+                 "list nothing but the names of all columns, in the log's own order")
+        ->excludes("--show")
+        ->excludes("--hide")
+        ->excludes("--order")
+        ->excludes("--reset");
+}
+
+}  // namespace
+
+Command Commands::columns() {
+    return makeCommand("columns", "List the columns that a log shows, or choose and order them",
+                       "kesta columns day1.log --hide Notes --order Reel,Name", declare, run);
 }

@@ -6,8 +6,9 @@
 #include "record/kesta.h"
 #include "support/Ascii.h"
 #include "support/StringFunctions.h"
-#include "tools/Commands.h"
 #include "tools/Failure.h"
+#include "tools/commands/Arguments.h"
+#include "tools/commands/Commands.h"
 #include "tools/files/FileClaim.h"
 #include "tools/forms/TableSource.h"
 #include "tools/logs/LogFile.h"
@@ -19,6 +20,14 @@
 #include "tools/terminal/StandardStreams.h"
 
 namespace {
+
+struct Options {
+    std::string file;
+    std::string format;  // empty for what the file is
+    std::string log;
+    bool allWarnings = false;
+    Saving saving;
+};
 
 constexpr std::size_t mostColumns = 65535;
 
@@ -33,7 +42,7 @@ std::string becoming(const std::string& before, std::string_view after) {
 /// of.
 class Importer {
  public:
-    Importer(const ImportOptions& options, const TableSource& source, FileClaim* claim)
+    Importer(const Options& options, const TableSource& source, FileClaim* claim)
         : m_options(options), m_source(source), m_claim(claim), m_warnings(options.allWarnings) {}
 
     /// Answers the exit code.
@@ -63,7 +72,7 @@ class Importer {
     // "Tag" holds what a log keeps there.
     void survey() {
         const auto& names = m_source.columns();
-        const auto isTag = [](const std::string& name) { return sameName(name, "Tag"); };
+        const auto isTag = [](const std::string& name) { return Ascii::equalFolded(name, "Tag"); };
         const auto tagColumn =
             static_cast<std::size_t>(std::find_if(names.begin(), names.end(), isTag) - names.begin());
         m_source.forEachRow([&](unsigned, const std::vector<std::string>& values) {
@@ -93,7 +102,8 @@ class Importer {
 
     void warnOfRenaming(std::size_t column, const std::string& name, std::string_view stored) {
         const StandardColumn* const standard = standardColumnFor(name);
-        if (sameName(name, stored) || (standard && sameName(standard->name, stored))) return;
+        if (Ascii::equalFolded(name, stored) || (standard && Ascii::equalFolded(standard->name, stored)))
+            return;
         m_warnings.add(atLine(m_source.columnLine()) + "column " + std::to_string(column + 1) +
                        ": the name " + becoming(name, stored));
     }
@@ -118,9 +128,7 @@ class Importer {
     // Counts on from the last number that the key was given, for files that repeat one often.
     std::string freeKey(const std::string& key) {
         std::string candidate = key;
-        std::string folded = key;
-        for (char& c : folded) c = Ascii::fold(c);
-        unsigned& number = m_lastKeyNumber.emplace(std::move(folded), 1).first->second;
+        unsigned& number = m_lastKeyNumber.emplace(Ascii::folded(key), 1).first->second;
         while (m_log.findParamIndex(libraryText(candidate)) >= 0) {
             candidate = key + ' ' + std::to_string(++number);
         }
@@ -202,7 +210,7 @@ class Importer {
         return text;
     }
 
-    const ImportOptions& m_options;
+    const Options& m_options;
     const TableSource& m_source;
     FileClaim* m_claim;  // null for standard output
     Warnings m_warnings;
@@ -216,12 +224,26 @@ class Importer {
     bool m_keepsTags = true;
 };
 
-}  // namespace
-
-int Commands::importFile(const ImportOptions& options) {
+int run(const Options& options) {
     std::optional<FileClaim> claim;
     if (!isStandardStream(options.log)) claim.emplace(options.log);
     requireLogMayBeMade(options.log, options.saving.force);
     const auto source = readTable(options.file, options.format);
     return Importer(options, *source, claim ? &*claim : nullptr).run();
+}
+
+void declare(CLI::App& app, Options& options) {
+    app.add_option("FILE", options.file, "the file to read, - for standard input")->required();
+    Arguments::addFormat(app, options.format, {"csv", "ale"})
+        ->description("csv or ale; else as the file's name ends, and standard input as it begins");
+    Arguments::addOutput(app, options.log, "the log to write, - for standard output")->required();
+    app.add_flag("--all-warnings", options.allWarnings, "list every value that a log cannot hold exactly");
+    Arguments::addSaving(app, options.saving, Arguments::replacing);
+}
+
+}  // namespace
+
+Command Commands::importFile() {
+    return makeCommand("import", "Make a log of a .csv or .ale file",
+                       "kesta import dailies.ale -o dailies.log", declare, run);
 }

@@ -1,8 +1,9 @@
 // kesta info: what a log is.
 #include <algorithm>
 
-#include "tools/Commands.h"
 #include "tools/Failure.h"
+#include "tools/commands/Arguments.h"
+#include "tools/commands/Commands.h"
 #include "tools/files/Files.h"
 #include "tools/logs/EveryLog.h"
 #include "tools/logs/LogFile.h"
@@ -11,6 +12,10 @@
 #include "tools/terminal/StandardStreams.h"
 
 namespace {
+
+struct Options {
+    std::vector<std::string> logs;
+};
 
 std::string padded(const std::string& text, std::size_t cells) {
     const std::size_t width = displayWidth(text);
@@ -59,9 +64,7 @@ void print(const std::string& path, const kesta& log, LineSink& out) {
     printColumns(log, out);
 }
 
-}  // namespace
-
-int Commands::showInfo(const InfoOptions& options) {
+int run(const Options& options) {
     const auto output = standardOutput();
     bool first = true;
     const int exitCode = forEveryLog(options.logs, [&](const std::string& path) -> int {
@@ -73,4 +76,15 @@ int Commands::showInfo(const InfoOptions& options) {
     });
     output->finish();
     return exitCode;
+}
+
+void declare(CLI::App& app, Options& options) {
+    Arguments::addSources(app, options.logs);
+}
+
+}  // namespace
+
+Command Commands::info() {
+    return makeCommand("info", "Show the parameters, columns and size of logs", "kesta info day1.log",
+                       declare, run);
 }

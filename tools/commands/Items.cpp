@@ -1,15 +1,21 @@
 // kesta items: what a container file holds.
 #include "container/ZRContainerFile.h"
 #include "support/StringFunctions.h"
-#include "tools/Commands.h"
 #include "tools/Failure.h"
-#include "tools/forms/TablePrinter.h"
+#include "tools/commands/Arguments.h"
+#include "tools/commands/Commands.h"
+#include "tools/forms/Form.h"
 #include "tools/forms/Writers.h"
 #include "tools/logs/LogFile.h"
 #include "tools/terminal/DisplayText.h"
 #include "tools/terminal/StandardStreams.h"
 
 namespace {
+
+struct Options {
+    std::string container;
+    std::string format = "table";
+};
 
 struct Container {
     std::string name;
@@ -29,32 +35,33 @@ Container describe(const std::string& path) {
             hasKind ? std::string(1, identifier.type()) : std::string()};
 }
 
-void printHead(const Container& container, const kesta& items, LineSink& out) {
-    out.line("name:      " + harmless(container.name));
-    out.line(std::string("permanent: ") + (container.permanent ? "yes" : "no"));
-    out.line("kind:      " + harmless(container.kind));
-    out.line("items:     " + std::to_string(items.get_num_records()));
+Heading headingOf(const Container& container, const kesta& items) {
+    return {
+        {"name:      " + harmless(container.name),
+         std::string("permanent: ") + (container.permanent ? "yes" : "no"),
+         "kind:      " + harmless(container.kind), "items:     " + std::to_string(items.get_num_records())},
+        {{"name", jsonText(container.name)},
+         {"permanent", container.permanent ? "true" : "false"},
+         {"kind", jsonText(container.kind)}}};
+}
+
+int run(const Options& options) {
+    const LogForReading opened = openLog(options.container);
+    const Zr::Ptr<kesta>& items = opened.log;
+    const Form& form = formNamed(options.format);
+    const auto output = standardOutput(form.lineEnd);
+    form.write(*items, everythingOf(*items), headingOf(describe(options.container), *items), *output);
+    output->finish();
+    return opened.exitCode;
+}
+
+void declare(CLI::App& app, Options& options) {
+    app.add_option("CONTAINER", options.container, "the container's file")->required();
+    Arguments::addFormat(app, options.format, {"table", "csv", "json"});
 }
 
 }  // namespace
 
-int Commands::showItems(const ItemsOptions& options) {
-    const LogForReading opened = openLog(options.container);
-    const Zr::Ptr<kesta>& items = opened.log;
-    const Container container = describe(options.container);
-    const Selection everything = everythingOf(*items);
-    const auto output = standardOutput(options.format == "csv" ? LineEnd::crlf : LineEnd::lf);
-    if (options.format == "csv") {
-        writeCsv(*items, everything, *output);
-    } else if (options.format == "json") {
-        writeJson(*items, everything, *output,
-                  {{"name", jsonText(container.name)},
-                   {"permanent", container.permanent ? "true" : "false"},
-                   {"kind", jsonText(container.kind)}});
-    } else {
-        printHead(container, *items, *output);
-        printTable(*items, everything, standardOutputTerminal(), *output);
-    }
-    output->finish();
-    return opened.exitCode;
+Command Commands::items() {
+    return makeCommand("items", "Show what a container file holds", "kesta items reels.sg", declare, run);
 }

@@ -1,6 +1,7 @@
 // kesta merge: the records of logs appended to another one.
-#include "tools/Commands.h"
 #include "tools/Failure.h"
+#include "tools/commands/Arguments.h"
+#include "tools/commands/Commands.h"
 #include "tools/files/Files.h"
 #include "tools/logs/LogFile.h"
 #include "tools/logs/LogForm.h"
@@ -8,6 +9,12 @@
 #include "tools/terminal/StandardStreams.h"
 
 namespace {
+
+struct Options {
+    std::string into;
+    std::vector<std::string> from;
+    Saving saving;
+};
 
 void add(std::string& list, const std::string& name) {
     list += (list.empty() ? "" : ", ") + name;
@@ -78,9 +85,7 @@ std::string append(kesta& into, kesta& from, const std::string& source) {
     return said + describeColumns(into, from);
 }
 
-}  // namespace
-
-int Commands::mergeLogs(const MergeOptions& options) {
+int run(const Options& options) {
     for (const std::string& source : options.from) {
         if (isSameFile(options.into, source)) throw Failure(source + ": a log is not merged into itself");
     }
@@ -95,4 +100,19 @@ int Commands::mergeLogs(const MergeOptions& options) {
     }
     into.save(options.saving, said);
     return exitDone;
+}
+
+void declare(CLI::App& app, Options& options) {
+    app.add_option("INTO", options.into, "the log that grows")->required();
+    app.add_option("FROM", options.from, "the logs whose records are appended")->required();
+    Arguments::addSaving(app, options.saving, "save even when a file holds text that is lost by that");
+}
+
+}  // namespace
+
+Command Commands::merge() {
+    return makeCommand("merge", "Append the records of logs to a log",
+                       "kesta merge show.log day1.log day2.log\n\n"
+                       "Logs whose columns differ are merged by the columns' names; INTO keeps its columns.",
+                       declare, run);
 }

@@ -6,8 +6,9 @@
 #include "container/ZRContainerFile.h"
 #include "support/Ascii.h"
 #include "support/StringFunctions.h"
-#include "tools/Commands.h"
 #include "tools/Failure.h"
+#include "tools/commands/Arguments.h"
+#include "tools/commands/Commands.h"
 #include "tools/files/FileClaim.h"
 #include "tools/files/Files.h"
 #include "tools/logs/LogForm.h"
@@ -17,6 +18,15 @@
 #include "tools/terminal/StandardStreams.h"
 
 namespace {
+
+struct Options {
+    std::string container;
+    std::string name;
+    std::vector<std::string> identifiers;
+    bool names = false;  // a text that is no identifier stands for the one made of it
+    bool permanent = false;
+    Saving saving;
+};
 
 void requireUsable(const std::string& container, bool replace) {
     if (isCommaSeparated(container)) {
@@ -85,7 +95,7 @@ CookieSet parseIdentifiers(const std::vector<std::string>& texts, bool takesName
     return identifiers;
 }
 
-void write(const std::string& file, const PackOptions& options, const CookieSet& identifiers,
+void write(const std::string& file, const Options& options, const CookieSet& identifiers,
            const FileClaim& claim) {
     const DBFieldDesc columns[] = {{"Cookie", DBFieldTypes::eText}, {}};
     ZRContainerFile::Writer writer(columns);
@@ -102,9 +112,7 @@ void write(const std::string& file, const PackOptions& options, const CookieSet&
     if (!claim.isChanged()) throw fileFailure(options.container, error);
 }
 
-}  // namespace
-
-int Commands::packItems(const PackOptions& options) {
+int run(const Options& options) {
     if (isStandardStream(options.container)) {
         throw Failure("a container is not written to standard output; name a file", exitUsage);
     }
@@ -120,4 +128,25 @@ int Commands::packItems(const PackOptions& options) {
     save(options.container, &claim, options.saving, content, {options.container + ": " + content},
          [&] { write(file, options, identifiers, claim); });
     return exitDone;
+}
+
+void declare(CLI::App& app, Options& options) {
+    app.add_option("IDENTIFIER", options.identifiers,
+                   "the items' identifiers: a letter for the kind, 32 hexadecimal digits, plain or in "
+                   "groups, and two more")
+        ->required();
+    Arguments::addOutput(app, options.container, "the container to write")->required();
+    app.add_option("--name", options.name, "the container's name")->required();
+    app.add_flag("--names", options.names,
+                 "take a text that is no identifier for the name of an item, and make one of it");
+    app.add_flag("--permanent", options.permanent, "mark the container as permanent");
+    Arguments::addSaving(app, options.saving, Arguments::replacing);
+}
+
+}  // namespace
+
+Command Commands::pack() {
+    return makeCommand("pack", "Make a container file of media identifiers",
+                       "kesta pack -o reels.sg --name \"Day 1\" M0123456789abcdef0123456789abcdef00", declare,
+                       run);
 }

@@ -1,6 +1,7 @@
 // kesta param: the parameters of a log.
-#include "tools/Commands.h"
 #include "tools/Failure.h"
+#include "tools/commands/Arguments.h"
+#include "tools/commands/Commands.h"
 #include "tools/logs/LogFile.h"
 #include "tools/logs/LogForm.h"
 #include "tools/terminal/DisplayText.h"
@@ -9,6 +10,13 @@
 #include "tools/terminal/Suggestion.h"
 
 namespace {
+
+struct Options {
+    std::string log;
+    std::optional<std::string> key;
+    std::optional<std::string> value;
+    Saving saving;
+};
 
 void print(const std::string& text) {
     const auto output = standardOutput();
@@ -37,9 +45,9 @@ int show(const kesta& log, const std::string& key) {
     return exitFindings;
 }
 
-int set(const ParamOptions& options) {
+int set(const Options& options) {
     LogForEditing log(options.log, options.saving.force);
-    if (sameName(*options.key, "KESTA"))
+    if (Ascii::equalFolded(*options.key, "KESTA"))
         throw Failure("the parameter KESTA is the log's revision and stays as it is");
     if (!keepsParameter(*options.key, *options.value)) {
         throw Failure(std::string("a log does not keep this parameter as it is: ") + parameterRules);
@@ -49,10 +57,21 @@ int set(const ParamOptions& options) {
     return exitDone;
 }
 
-}  // namespace
-
-int Commands::parameters(const ParamOptions& options) {
+int run(const Options& options) {
     if (options.value) return set(options);
     const Zr::Ptr<kesta> log = openLog(options.log).log;
     return options.key ? show(*log, *options.key) : list(*log);
+}
+
+void declare(CLI::App& app, Options& options) {
+    Arguments::addEdit(app, options.log, options.saving);
+    app.add_option("KEY", options.key, "the parameter; all when left out");
+    app.add_option("VALUE", options.value, "its new value");
+}
+
+}  // namespace
+
+Command Commands::param() {
+    return makeCommand("param", "List, show or set parameters", "kesta param day1.log FPS 23.976", declare,
+                       run);
 }

@@ -6,12 +6,11 @@
 #include "support/Ascii.h"
 #include "support/StringFunctions.h"
 #include "support/time_def.h"
-#include "tools/Commands.h"
 #include "tools/Failure.h"
+#include "tools/commands/Arguments.h"
+#include "tools/commands/Commands.h"
 #include "tools/files/OutputFile.h"
-#include "tools/forms/TablePrinter.h"
 #include "tools/logs/LogFile.h"
-#include "tools/logs/LogForm.h"
 #include "tools/terminal/DisplayText.h"
 #include "tools/terminal/Messages.h"
 #include "tools/terminal/StandardStreams.h"
@@ -20,7 +19,22 @@
 
 namespace {
 
-void requireOneForm(const TimelineOptions& options) {
+struct Options {
+    std::string log;
+    // Either a picture or text.
+    std::string output;  // the picture's file, "-" for standard output
+    bool text = false;
+    std::optional<unsigned> width;  // of the text, in characters
+    std::string lanes = "Reel";     // columns
+    std::string start = "Start time";
+    std::string end = "End time";
+    std::optional<std::string> rate;  // as FrameRate reads it
+    bool common = false;              // one axis for all lanes
+    bool allWarnings = false;
+    Saving saving;
+};
+
+void requireOneForm(const Options& options) {
     if (options.text || !options.output.empty()) return;
     throw Failure("timeline needs -o FILE or --text", exitUsage);
 }
@@ -36,7 +50,7 @@ bool isRateKey(std::string_view key) {
     std::string letters;
     std::copy_if(key.begin(), key.end(), std::back_inserter(letters),
                  [](char c) { return c != ' ' && c != '_' && c != '-'; });
-    return sameName(letters, "FPS") || sameName(letters, "FrameRate");
+    return Ascii::equalFolded(letters, "FPS") || Ascii::equalFolded(letters, "FrameRate");
 }
 
 bool beginsWithDropFrame(const kesta& log, unsigned column) {
@@ -47,7 +61,7 @@ bool beginsWithDropFrame(const kesta& log, unsigned column) {
     return false;
 }
 
-KnownRate rateOf(const kesta& log, const TimelineOptions& options, unsigned startColumn) {
+KnownRate rateOf(const kesta& log, const Options& options, unsigned startColumn) {
     if (options.rate) {
         const std::optional<FrameRate> rate = FrameRate::parse(*options.rate);
         if (!rate) throw Failure("--fps: \"" + *options.rate + "\" is no frame rate", exitUsage);
@@ -73,12 +87,12 @@ std::optional<std::size_t> widthFromEnvironment() {
     return width > 0 ? std::optional<std::size_t>(width) : std::nullopt;
 }
 
-std::size_t textWidth(const TimelineOptions& options) {
+std::size_t textWidth(const Options& options, const LineSink& out) {
     constexpr std::size_t usual = 80;
     constexpr std::size_t widest = 1000;
     if (options.width) return *options.width;
     std::size_t width = usual;
-    if (const auto terminal = standardOutputTerminal()) width = terminal->columns;
+    if (const auto terminal = out.terminal()) width = terminal->columns;
     if (const auto wanted = widthFromEnvironment()) width = *wanted;
     return std::clamp(width, TimelineTextForm::narrowest, widest);
 }
@@ -88,10 +102,8 @@ bool isUnicodeLocale() {
     for (const char* const variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
         const char* const value = std::getenv(variable);
         if (!value || !*value) continue;
-        std::string letters;
-        for (const char c : std::string_view(value)) {
-            if (c != '-') letters += Ascii::fold(c);
-        }
+        std::string letters = Ascii::folded(value);
+        letters.erase(std::remove(letters.begin(), letters.end(), '-'), letters.end());
         return letters.find("utf8") != std::string::npos;
     }
     return false;
@@ -107,9 +119,7 @@ void warnOfProblems(const std::string& path, const Timeline& timeline, bool all)
     warnings.summarise("--all-warnings lists them all");
 }
 
-}  // namespace
-
-int Commands::timeline(const TimelineOptions& options) {
+int run(const Options& options) {
     requireOneForm(options);
     OutputFile output(options.log, options.output, options.saving);
     const LogForReading opened = openLog(options.log);
@@ -128,10 +138,48 @@ int Commands::timeline(const TimelineOptions& options) {
                                   log.get_fieldname(columns.lane), known.rate, known.origin, days};
     output.write(LineEnd::lf, counted(timeline.records, "record"), [&](LineSink& out) {
         if (options.text) {
-            writeTimelineText(timeline, caption, {textWidth(options), !isUnicodeLocale()}, out);
+            writeTimelineText(timeline, caption, {textWidth(options, out), !isUnicodeLocale()}, out);
         } else {
             writeTimelineSvg(timeline, caption, out);
         }
     });
     return timeline.problems.empty() ? opened.exitCode : exitFindings;
+}
+
+void declare(CLI::App& app, Options& options) {
+    Arguments::addSource(app, options.log);
+    CLI::Option* const output =
+        Arguments::addOutput(app, options.output, "the picture to write, - for standard output");
+    CLI::Option* const text =
+        app.add_flag("--text", options.text, "show it as text instead")->excludes(output);
+    app.add_option("--width", options.width, "the characters of a line, instead of the terminal's")
+        ->check(CLI::Range(40, 1000))
+        ->needs(text);
+    app.add_option("--lanes", options.lanes, "the column whose values are the lanes")
+        ->type_name("COLUMN")
+        ->capture_default_str();
+    app.add_option("--start", options.start, "the column where records start")
+        ->type_name("COLUMN")
+        ->capture_default_str();
+    app.add_option("--end", options.end, "the column where they end")
+        ->type_name("COLUMN")
+        ->capture_default_str();
+    app.add_option("--fps", options.rate, "the frames a second, as in 25 or 29.97");
+    app.add_flag("--common", options.common, "one axis for all lanes");
+    app.add_flag("--all-warnings", options.allWarnings, "list every record that cannot be shown");
+    Arguments::addSaving(app, options.saving, Arguments::replacing);
+    Arguments::requireOutputForSaving(app);
+}
+
+}  // namespace
+
+Command Commands::timeline() {
+    return makeCommand(
+        "timeline", "Draw the records along their time codes",
+        "kesta timeline day1.log -o day1.svg\n  kesta timeline day1.log --text\n\n"
+        "Each reel is a lane that begins with its first time code; all have the same scale. Tagged records\n"
+        "are marked, overlaps and gaps are shown. Long gaps are drawn shorter. Codes count frames at the\n"
+        "log's parameter FPS or \"Frame rate\"; without one at 24, or at 29.97 when they are drop frame.\n"
+        "Records without sensible time codes are named, and the exit code is 1 then.",
+        declare, run);
 }

@@ -14,7 +14,7 @@
 
 #include "support/Configuration.h"
 #include "tools/Failure.h"
-#include "tools/logs/LogForm.h"
+#include "tools/terminal/DisplayText.h"
 
 namespace {
 

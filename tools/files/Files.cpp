@@ -62,6 +62,12 @@ void requireReplaceable(const std::string& path, bool replace) {
     if (isPlainFile && !replace) throw Failure(path + ": is there already; --force replaces it");
 }
 
+void requireOutputApart(const std::string& input, const std::string& output) {
+    if (!isStandardStream(output) && isSameFile(isStandardStream(input) ? "/dev/stdin" : input, output)) {
+        throw Failure(output + ": is the log itself, which would be lost; give the output another name");
+    }
+}
+
 bool isThere(const std::string& path) noexcept {
     struct stat status {};
     return lstat(path.c_str(), &status) == 0;

@@ -22,5 +22,8 @@ std::string resolved(const std::string& path);
 /// Throws Failure when a plain file of that name is there and not to be replaced.
 void requireReplaceable(const std::string& path, bool replace);
 
+/// Throws Failure when `output` is the file that is read from, under whatever name: it would be lost.
+void requireOutputApart(const std::string& input, const std::string& output);
+
 /// Whether something of that name is there, a dangling link included.
 bool isThere(const std::string& path) noexcept;

@@ -1,7 +1,6 @@
 #include "tools/files/OutputFile.h"
 
 #include "tools/files/Files.h"
-#include "tools/logs/LogFile.h"
 #include "tools/terminal/Progress.h"
 #include "tools/terminal/StandardStreams.h"
 

@@ -5,7 +5,6 @@
 #include "tools/Failure.h"
 #include "tools/forms/TableSource.h"
 #include "tools/forms/TableText.h"
-#include "tools/logs/LogForm.h"
 #include "tools/terminal/StandardStreams.h"
 
 namespace {
@@ -68,7 +67,7 @@ class AleTable : public TableSource {
     }
 
     bool isSection(std::size_t at, std::string_view name) const noexcept {
-        return sameName(Ascii::trimmed(m_lines[at]), name);
+        return Ascii::equalFolded(Ascii::trimmed(m_lines[at]), name);
     }
 
     std::size_t nextLine(std::size_t at, const char* wanted) const {
@@ -89,7 +88,7 @@ class AleTable : public TableSource {
     }
 
     void addParameter(std::size_t at, const std::string& key, const std::string& value) {
-        if (sameName(key, "FIELD_DELIM") && !sameName(Ascii::trimmed(value), "TABS")) {
+        if (Ascii::equalFolded(key, "FIELD_DELIM") && !Ascii::equalFolded(Ascii::trimmed(value), "TABS")) {
             throw failureAt(at, "the fields are separated by " + value + "; only tabs can be read");
         }
         m_parameters.push_back({static_cast<unsigned>(at + 1), key, value});

@@ -1,11 +1,9 @@
-#include "tools/forms/TablePrinter.h"
-
+// A table of characters.
 #include <algorithm>
-#include <string>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
+#include "tools/forms/Writers.h"
 #include "tools/logs/LogForm.h"
+#include "tools/logs/LogView.h"
 #include "tools/terminal/DisplayText.h"
 #include "tools/terminal/Presentation.h"
 
@@ -27,11 +25,11 @@ std::string cutToCells(std::string text, std::size_t cells) {
 
 class TablePrinter {
  public:
-    TablePrinter(const kesta& log, const Selection& selection, std::optional<TerminalSize> terminal,
-                 LineSink& out)
-        : m_log(log), m_selection(selection), m_terminal(terminal), m_out(out) {}
+    TablePrinter(const kesta& log, const Selection& selection, LineSink& out)
+        : m_log(log), m_selection(selection), m_terminal(out.terminal()), m_out(out) {}
 
-    void print() {
+    void print(const Heading& heading) {
+        for (const std::string& line : heading.lines) m_out.line(line);
         measure();
         printHeader();
         // A screenful is the header and the rows below it, with a line to spare for the prompt.
@@ -110,16 +108,6 @@ class TablePrinter {
 
 }  // namespace
 
-std::optional<TerminalSize> standardOutputTerminal() noexcept {
-    if (!isatty(STDOUT_FILENO)) return std::nullopt;
-    winsize size{};
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) {
-        return TerminalSize{80, 24};
-    }
-    return TerminalSize{size.ws_col, size.ws_row};
-}
-
-void printTable(const kesta& log, const Selection& selection, std::optional<TerminalSize> terminal,
-                LineSink& out) {
-    TablePrinter(log, selection, terminal, out).print();
+void writeTable(const kesta& log, const Selection& selection, const Heading& heading, LineSink& out) {
+    TablePrinter(log, selection, out).print(heading);
 }

@@ -6,20 +6,20 @@
 #include "support/Ascii.h"
 #include "tools/Failure.h"
 #include "tools/forms/TableText.h"
-#include "tools/logs/LogForm.h"
 #include "tools/terminal/StandardStreams.h"
 
 namespace {
 
 bool endsWith(std::string_view path, std::string_view ending) noexcept {
-    return path.size() >= ending.size() && sameName(path.substr(path.size() - ending.size()), ending);
+    return path.size() >= ending.size() &&
+           Ascii::equalFolded(path.substr(path.size() - ending.size()), ending);
 }
 
 /// Only the exchange form begins with a line that is the name of a section.
 bool beginsLikeAle(std::string_view text) noexcept {
     text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
     const std::string_view line = Ascii::trimmed(text.substr(0, text.find_first_of("\r\n")));
-    return sameName(line, "Heading") || sameName(line, "Column");
+    return Ascii::equalFolded(line, "Heading") || Ascii::equalFolded(line, "Column");
 }
 
 std::string formatOf(const std::string& path) {

@@ -1,58 +1,29 @@
-// Logs in the forms that other programs read.
+// How each form writes a log. Chosen by name in Form.h.
 //
 // Thread-safety: one thread at a time.
 #pragma once
 
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
+#include "tools/forms/Form.h"
 
-#include "record/kesta.h"
-#include "tools/terminal/Output.h"
-#include "view/KSTViewCursor.h"
+/// Aligned columns of characters, one line for each row, its number in the log first. Control characters are
+/// shown harmlessly. On a terminal, long values and lines are cut to fit and the header comes again with
+/// every screenful; otherwise everything is written in full. In colour, tagged records stand out.
+void writeTable(const kesta& log, const Selection& selection, const Heading& heading, LineSink& out);
 
-/// The part of a log that is written: the rows of a view on it, in the view's order, and columns by number,
-/// in the order wanted.
-struct Selection {
-    KSTView rows;
-    std::vector<unsigned> columns;
-};
+/// Comma-separated text by RFC 4180, a header line first. It has no place for a heading.
+void writeCsv(const kesta& log, const Selection& selection, const Heading& heading, LineSink& out);
 
-std::vector<unsigned> allColumns(const kesta& log);
+/// The tab-separated log exchange form. Standard columns get the names it has for them, time codes their
+/// punctuation. Warns of tabs and line ends in values, which become spaces. It has no place for a heading.
+void writeAle(const kesta& log, const Selection& selection, const Heading& heading, LineSink& out);
 
-/// All columns and rows of the log, which must outlive its use.
-Selection everythingOf(kesta& log);
-
-/// Calls `work` with the number that each row has in the log, from 0, and its record.
-template <class Work>
-void forEachRow(const KSTView& rows, Work work) {
-    for (KSTViewCursor cursor(rows, 0); cursor.index() >= 0; ++cursor) {
-        const dbrecord* const record = *cursor;
-        if (record) work(static_cast<unsigned>(rows->baseIndex(cursor.index())), *record);
-    }
-}
-
-/// The record's text in a column of its log.
-inline std::string_view valueIn(const dbrecord& record, unsigned column) noexcept {
-    return record.getField(static_cast<unsigned short>(column)).view();
-}
-
-/// Comma-separated text by RFC 4180, a header line first. To be given a sink that ends lines with CR LF.
-void writeCsv(const kesta& log, const Selection& selection, LineSink& out);
-
-/// A name, and a value written as JSON.
-using JsonProperties = std::vector<std::pair<std::string, std::string>>;
+/// One object: the heading's properties; "parameters", a list of key and value; "columns", a list of name and
+/// type; "records", a list of lists of texts in the order of the columns. Lists, because keys and names may
+/// come twice. Warns of bytes that are no UTF-8; they become U+FFFD.
+void writeJson(const kesta& log, const Selection& selection, const Heading& heading, LineSink& out);
 
 /// The text as a JSON string; bytes that are no UTF-8 become U+FFFD.
 std::string jsonText(std::string_view bytes);
 
-/// One object: the given properties; "parameters", a list of key and value; "columns", a list of name and
-/// type; "records", a list of lists of texts in the order of the columns. Lists, because keys and names may
-/// come twice. Warns of bytes that are no UTF-8; they become U+FFFD.
-void writeJson(const kesta& log, const Selection& selection, LineSink& out,
-               const JsonProperties& properties = {});
-
-/// The tab-separated log exchange form. Standard columns get the names it has for them, time codes their
-/// punctuation. Warns of tabs and line ends in values, which become spaces.
-void writeAle(const kesta& log, const Selection& selection, LineSink& out);
+/// "row 3, column 2 (Notes)", for warnings; counted from 0 here.
+std::string placeOf(const kesta& log, unsigned row, unsigned column);

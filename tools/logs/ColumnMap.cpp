@@ -1,5 +1,6 @@
 #include "tools/logs/ColumnMap.h"
 
+#include <numeric>
 #include <string>
 
 #include "record/kesta.h"
@@ -40,6 +41,12 @@ void warnOfUnnameable(const kesta& log) {
 
 }  // namespace
 
+std::vector<unsigned> allColumns(const kesta& log) {
+    std::vector<unsigned> columns(log.get_num_fields());
+    std::iota(columns.begin(), columns.end(), 0U);
+    return columns;
+}
+
 FieldMap columnMapOf(kesta& log) {
     return FieldMap(KSTView(new KSTViewRep(&log, "")));
 }
@@ -48,7 +55,7 @@ std::vector<ListedColumn> listedColumns(kesta& log) {
     std::vector<ListedColumn> columns;
     if (!keepsMap(log)) {
         // A map would leave out columns that share a name.
-        for (unsigned column = 0; column < log.get_num_fields(); ++column) columns.push_back({column, true});
+        for (const unsigned column : allColumns(log)) columns.push_back({column, true});
         return columns;
     }
     const FieldMap map = columnMapOf(log);

@@ -16,6 +16,9 @@ struct ListedColumn {
     bool visible;
 };
 
+/// The numbers of all columns, in the log's own order.
+std::vector<unsigned> allColumns(const kesta& log);
+
 /// The columns of the log's map in its order, those apart that the log does not have; all, visible, when the
 /// log keeps no map.
 std::vector<ListedColumn> listedColumns(kesta& log);

@@ -150,12 +150,6 @@ void requireLogMayBeMade(const std::string& path, bool replace) {
         throw Failure(path + ": is there already; --force replaces it");
 }
 
-void requireOutputApart(const std::string& input, const std::string& output) {
-    if (!isStandardStream(output) && isSameFile(isStandardStream(input) ? "/dev/stdin" : input, output)) {
-        throw Failure(output + ": is the log itself, which would be lost; give the output another name");
-    }
-}
-
 void saveLog(kesta& log, const std::string& path, FileClaim* claim, const Saving& how,
              const std::vector<std::string>& summary) {
     save(path, claim, how, counted(log.get_num_records(), "record"), summary, [&] {

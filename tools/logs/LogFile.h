@@ -48,9 +48,6 @@ Zr::Ptr<kesta> openLogForCopying(const std::string& path, bool force);
 /// there already and not to be replaced.
 void requireLogMayBeMade(const std::string& path, bool replace);
 
-/// Throws Failure when `output` is the file that is read from, under whatever name: it would be lost.
-void requireOutputApart(const std::string& input, const std::string& output);
-
 /// Saves the log under its file name, which `claim` is for, or writes it to standard output for a path of
 /// "-", without a claim; as save() does. Texts of a column "Tag" stay as they are. Throws Failure, with the
 /// file as it was, when it cannot be written or another program has written it.

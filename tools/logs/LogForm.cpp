@@ -6,6 +6,7 @@
 #include "record/kesta.h"
 #include "support/Ascii.h"
 #include "support/TextFile.h"
+#include "tools/terminal/DisplayText.h"
 
 namespace {
 
@@ -52,16 +53,6 @@ std::string whyNotKept(std::string_view value) {
         return "it holds a backslash followed by n, which is read as a line end";
     }
     return "it does not come back as it is";
-}
-
-std::string_view cutTo(std::string_view text, std::size_t bytes) noexcept {
-    if (text.size() <= bytes) return text;
-    const auto continues = [&](std::size_t at) {
-        return (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80;
-    };
-    std::size_t end = bytes;
-    while (end > 0 && bytes - end < 3 && continues(end)) --end;
-    return text.substr(0, continues(end) ? bytes : end);
 }
 
 bool keepsParameter(std::string_view key, std::string_view value) {

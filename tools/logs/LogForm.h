@@ -36,9 +36,6 @@ std::string whyNotKept(std::string_view value);
 /// The most bytes of a value that every column keeps.
 constexpr std::size_t longestSafeValue = 4094;
 
-/// As much of the text's beginning as fits, never cut inside a UTF-8 character.
-std::string_view cutTo(std::string_view text, std::size_t bytes) noexcept;
-
 /// Whether a saved log gives the parameter back exactly.
 bool keepsParameter(std::string_view key, std::string_view value);
 constexpr const char* parameterRules =

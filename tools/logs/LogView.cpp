@@ -7,7 +7,7 @@
 
 namespace {
 
-// A query holds one text for each column. Answers the texts that it had no room for.
+// A query holds one text for each column. Returns the texts that it had no room for.
 std::vector<ColumnText> keepMatchesOfOneQuery(KSTViewRep& view, const std::vector<ColumnText>& texts) {
     const Zr::Ptr<dbrecord> query = view.make_dummy_record();
     std::vector<ColumnText> further;

@@ -84,8 +84,9 @@ constexpr OtherName otherNames[] = {
 };
 
 const StandardColumn* standardColumnNamed(std::string_view name) noexcept {
-    const auto* const found = std::find_if(std::begin(standardColumns), std::end(standardColumns),
-                                           [&](const StandardColumn& c) { return sameName(c.name, name); });
+    const auto* const found =
+        std::find_if(std::begin(standardColumns), std::end(standardColumns),
+                     [&](const StandardColumn& c) { return Ascii::equalFolded(c.name, name); });
     return found == std::end(standardColumns) ? nullptr : found;
 }
 
@@ -93,13 +94,13 @@ const StandardColumn* standardColumnNamed(std::string_view name) noexcept {
 class NameSet {
  public:
     /// Whether the name was not there yet.
-    bool add(std::string_view name) { return m_lastNumbers.emplace(folded(name), 1).second; }
-    bool has(std::string_view name) const { return m_lastNumbers.count(folded(name)) != 0; }
+    bool add(std::string_view name) { return m_lastNumbers.emplace(Ascii::folded(name), 1).second; }
+    bool has(std::string_view name) const { return m_lastNumbers.count(Ascii::folded(name)) != 0; }
 
     /// The name, or the name with a number that makes it a new one.
     std::string addUnique(const std::string& name) {
         if (add(name)) return name;
-        unsigned& last = m_lastNumbers[folded(name)];
+        unsigned& last = m_lastNumbers[Ascii::folded(name)];
         while (true) {
             std::string numbered = name + ' ' + std::to_string(++last);
             if (add(numbered)) return numbered;
@@ -107,12 +108,6 @@ class NameSet {
     }
 
  private:
-    static std::string folded(std::string_view name) {
-        std::string result(name);
-        std::transform(result.begin(), result.end(), result.begin(), [](char c) { return Ascii::fold(c); });
-        return result;
-    }
-
     std::map<std::string, unsigned> m_lastNumbers;  // given to each name so far
 };
 
@@ -120,7 +115,7 @@ class NameSet {
 
 const StandardColumn* standardColumnFor(std::string_view name) noexcept {
     for (const OtherName& pair : otherNames) {
-        if (sameName(pair.other, name)) return standardColumnNamed(pair.standard);
+        if (Ascii::equalFolded(pair.other, name)) return standardColumnNamed(pair.standard);
     }
     return standardColumnNamed(name);
 }
@@ -136,7 +131,7 @@ std::vector<DBFieldDesc> planColumns(const std::vector<std::string>& fileNames,
         std::string own = keepsColumnName(fileNames[i]) ? fileNames[i] : keepableColumnName(fileNames[i]);
         if (own.empty()) own = "Column " + std::to_string(i + 1);
         const StandardColumn* const standard = standardColumnFor(own);
-        const bool isOwnName = standard && sameName(standard->name, own);
+        const bool isOwnName = standard && Ascii::equalFolded(standard->name, own);
         if (standard && (isOwnName || !ownNames.has(standard->name)) && taken.add(standard->name)) {
             columns.emplace_back(libraryText(standard->name), standard->type);
         } else {
@@ -153,7 +148,7 @@ std::vector<std::string> exchangeNames(const std::vector<std::string>& logNames)
     for (const std::string& name : logNames) {
         const auto* const found =
             std::find_if(std::begin(otherNames), std::end(otherNames),
-                         [&](const OtherName& p) { return sameName(p.standard, name); });
+                         [&](const OtherName& p) { return Ascii::equalFolded(p.standard, name); });
         const bool renamed = found != std::end(otherNames) && taken.add(found->other);
         result.push_back(renamed ? std::string(found->other) : name);
     }

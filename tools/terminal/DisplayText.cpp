@@ -93,3 +93,13 @@ std::string_view fitting(std::string_view harmlessText, std::size_t cells) {
     }
     return harmlessText.substr(0, bytes);
 }
+
+std::string_view cutTo(std::string_view text, std::size_t bytes) noexcept {
+    if (text.size() <= bytes) return text;
+    const auto continues = [&](std::size_t at) {
+        return (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80;
+    };
+    std::size_t end = bytes;
+    while (end > 0 && bytes - end < 3 && continues(end)) --end;
+    return text.substr(0, continues(end) ? bytes : end);
+}

@@ -24,3 +24,6 @@ std::size_t displayWidth(std::string_view harmlessText);
 
 /// As much from the beginning of a harmless text as fits into `cells`, never cut inside a character.
 std::string_view fitting(std::string_view harmlessText, std::size_t cells);
+
+/// As much of a text's beginning as fits into `bytes`, never cut inside a UTF-8 character.
+std::string_view cutTo(std::string_view text, std::size_t bytes) noexcept;

@@ -1,11 +1,8 @@
 #include "tools/terminal/Messages.h"
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 
 #include "support/Log.h"
-#include "tools/Failure.h"
 #include "tools/terminal/DisplayText.h"
 #include "tools/terminal/Presentation.h"
 #include "tools/terminal/Progress.h"
@@ -35,10 +32,6 @@ void passOn(const char* message, void*) noexcept {
 }
 
 }  // namespace
-
-Failure fileFailure(const std::string& path, int error) {
-    return Failure(path + ": " + (error ? std::strerror(error) : "the system refused, without a reason"));
-}
 
 void complain(std::string_view message) {
     say(colouredError(Colour::red, "kesta:"), message);

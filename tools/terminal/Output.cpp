@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 #include "support/StringFunctions.h"
 #include "support/TextFile.h"
@@ -17,6 +19,15 @@ class StandardOutput : public LineSink {
     void line(std::string_view text) override {
         write(text);
         write(m_end);
+    }
+
+    std::optional<TerminalSize> terminal() const noexcept override {
+        if (!isatty(STDOUT_FILENO)) return std::nullopt;
+        winsize size{};
+        if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) {
+            return TerminalSize{80, 24};
+        }
+        return TerminalSize{size.ws_col, size.ws_row};
     }
 
     void finish() override {

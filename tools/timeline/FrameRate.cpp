@@ -6,7 +6,6 @@
 
 #include "support/Ascii.h"
 #include "support/time_def.h"
-#include "tools/logs/LogForm.h"
 
 namespace {
 
@@ -50,7 +49,8 @@ std::optional<FrameRate> FrameRate::parse(std::string_view text) {
     }
     const std::string_view name = text.substr(0, text.size() - rest.size());
     rest = Ascii::trimmed(rest);
-    if (!rest.empty() && !sameName(rest, "fps") && !sameName(rest, "p")) return std::nullopt;
+    if (!rest.empty() && !Ascii::equalFolded(rest, "fps") && !Ascii::equalFolded(rest, "p"))
+        return std::nullopt;
     constexpr double furthest = 0.07;  // 59.94 counts 60 frames
     if (!(*rate > 1 - furthest && *rate < 100 + furthest)) return std::nullopt;
     if (std::abs(*rate - std::round(*rate)) > furthest) return std::nullopt;

@@ -4,7 +4,6 @@
 #include <charconv>
 
 #include "support/StringFunctions.h"
-#include "tools/logs/LogForm.h"
 
 namespace {
 
@@ -22,7 +21,7 @@ std::string xmlCharacters(std::string_view bytes) {
     if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return c >= ' ' && c <= '~'; })) {
         return std::string(bytes);
     }
-    LightweightString<wchar_t> characters = fromUTF8(libraryText(bytes));
+    LightweightString<wchar_t> characters = fromUTF8(LightweightString<char>(bytes));
     wchar_t* const begin = characters.writableText();
     std::replace_if(begin, begin + characters.length(), isForbidden, replacement);
     return std::string(toUTF8(characters).view());

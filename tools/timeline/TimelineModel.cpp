@@ -9,7 +9,6 @@
 #include "support/Ascii.h"
 #include "support/StringFunctions.h"
 #include "support/time_def.h"
-#include "tools/forms/Writers.h"
 #include "tools/logs/LogView.h"
 
 namespace {
