@@ -1,13 +1,13 @@
-// ZRContainerFile::Reader: a container file, opened and asked.
+// ZRContainerFile::Reader: a container file, opened and read.
 #include <cstdlib>
 #include <limits>
 
 #include "container/ZRContainerFile.h"
+#include "support/NotFound.h"
 #include "support/StringFunctions.h"
 
 namespace {
 
-constexpr unsigned notFound = static_cast<unsigned>(-1);
 constexpr const char* identifierColumn = "Cookie";
 
 int wholeNumber(const char* text) noexcept {
@@ -54,7 +54,7 @@ ZRContainerFile::Reader& ZRContainerFile::Reader::operator=(const Reader&) noexc
 ZRContainerFile::Reader::~Reader() = default;
 
 bool ZRContainerFile::Reader::valid() const {
-    return m_database->get_valid() && m_database->get_fieldnum(identifierColumn) != notFound;
+    return m_database->get_valid() && m_database->get_fieldnum(identifierColumn) != Zr::notFound;
 }
 
 unsigned ZRContainerFile::Reader::getNumItems() const {
@@ -79,7 +79,7 @@ CookieSet ZRContainerFile::Reader::getContents() const {
 }
 
 bool ZRContainerFile::Reader::contains(const Cookie& k) const {
-    return m_database->getRowIndexByID(k) != notFound;
+    return m_database->getRowIndexByID(k) != Zr::notFound;
 }
 
 LightweightString<char> ZRContainerFile::Reader::getAttrib(LightweightString<char> key) const {

@@ -7,46 +7,52 @@
 #include "container/ZRContainerFile.h"
 #include "support/OS.h"
 #include "support/StringFunctions.h"
+#include "support/misc/FileReplacement.h"
 
 namespace {
 
-/// An empty temporary file that only its owner may open, in the place of any that has the name. It goes in
-/// the end unless it was moved away. The name is one that the system takes: not empty, no zero characters.
+/// A file that is to be filled and moved over `original`, whose permissions and owner it has. It goes at the
+/// end unless it was moved.
 class TemporaryFile {
  public:
     /// When the file cannot be made, errno says why.
-    explicit TemporaryFile(const LightweightString<wchar_t>& name) : m_name(name), m_path(toUTF8(name)) {
-        if (::unlink(m_path.c_str()) != 0 && errno != ENOENT) return;
-        const int file = ::open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
-        m_mine = file >= 0;
-        if (m_mine) ::close(file);
-    }
+    TemporaryFile(const LightweightString<wchar_t>& name, const LightweightString<wchar_t>& original)
+        : m_name(name),
+          m_original(original),
+          m_path(systemPath(name)),
+          m_isThere(makeStandIn(name, original)) {}
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
     ~TemporaryFile() {
-        if (!m_mine) return;
+        if (!m_isThere) return;
         const int error = errno;
         ::unlink(m_path.c_str());
         errno = error;
     }
 
-    const LightweightString<wchar_t>& name() const noexcept { return m_name; }
-    bool isMade() const noexcept { return m_mine; }
+    bool isThere() const noexcept { return m_isThere; }
 
-    bool isEmpty() const noexcept {
-        struct stat status;
-        return ::stat(m_path.c_str(), &status) != 0 || status.st_size == 0;
-    }
-
-    void moveTo(const LightweightString<wchar_t>& fileName, mode_t permissions) {
-        if (::chmod(m_path.c_str(), permissions) != 0) return;
-        m_mine = !OS()->fileSystem()->move(m_name, fileName, 0);
+    /// Does nothing when the file was never filled.
+    void moveOverOriginal() {
+        if (isReady()) m_isThere = !OS()->fileSystem()->move(m_name, m_original, 0);
     }
 
  private:
-    LightweightString<wchar_t> m_name;
-    LightweightString<char> m_path;
-    bool m_mine = false;
+    bool isReady() const {
+        const SystemFile file(::open(m_path.c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC));
+        struct stat filled;
+        struct stat original;
+        if (!file || ::fstat(file.descriptor(), &filled) != 0 || filled.st_size == 0) return false;
+        if (::stat(systemPath(m_original).c_str(), &original) != 0) return false;
+        // A file that its owner may not write could not have been filled.
+        return (original.st_mode & S_IWUSR) != 0 ||
+               ::fchmod(file.descriptor(), filled.st_mode & 07777 & ~S_IWUSR) == 0;
+    }
+
+    const LightweightString<wchar_t>& m_name;
+    const LightweightString<wchar_t>& m_original;
+    const LibraryString m_path;
+    bool m_isThere;
 };
 
 }  // namespace
@@ -86,13 +92,12 @@ void ZRContainerFile::Writer::save(const LightweightString<wchar_t>& fileName) {
 }
 
 void ZRContainerFile::Writer::saveOver(const LightweightString<wchar_t>& fileName) {
-    struct stat status;
-    if (::stat(toUTF8(fileName).c_str(), &status) != 0) return;
-    TemporaryFile temporary(fileName + L".tmp");
-    if (!temporary.isMade()) return;
-    m_database->set_filename(temporary.name());
+    const LightweightString<wchar_t> name = fileName + L".tmp";
+    TemporaryFile temporary(name, fileName);
+    if (!temporary.isThere()) return;
+    m_database->set_filename(name);
     m_database->save_text();
-    // The temporary file is still empty or written whole. The number of records saved would not tell: an
-    // empty container saves none.
-    if (!temporary.isEmpty()) temporary.moveTo(fileName, status.st_mode & 0777);
+    // The file is still empty or was written whole. The number of records saved would not tell: an empty
+    // container saves none.
+    temporary.moveOverOriginal();
 }

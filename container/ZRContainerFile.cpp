@@ -1,3 +1,4 @@
+// ZRContainerFile: what is true of container files without opening one.
 #include "container/ZRContainerFile.h"
 
 #include <algorithm>

@@ -29,7 +29,7 @@ class KESTA_API ZRContainerFile {
     static Cookie getCookieFromFilename(const LightweightString<wchar_t>& fileName);
 };
 
-/// A container file, opened for reading. What it answers is the file as it was when the Reader was made. A
+/// A container file, opened for reading. It shows the file as it was when the Reader was made. A
 /// file that cannot be read or holds no container gives a Reader that is not valid: empty texts, defaults,
 /// invalid items, an empty set. Copies share what was read.
 class KESTA_API ZRContainerFile::Reader {
@@ -60,7 +60,8 @@ class KESTA_API ZRContainerFile::Reader {
         Cookie m_cookie;
     };
 
-    /// Opens the file. With `headerOnly` its items stay unread: attributes are there, items are not.
+    /// Opens the file. With `headerOnly` its items stay unread: attributes are there, items are not. A name
+    /// that ends in ".csv" is read as comma-separated text, always with all of its items and no attributes.
     Reader(LightweightString<wchar_t> fileName, bool headerOnly);
 
     /// Shares what was read.
@@ -122,22 +123,23 @@ class KESTA_API ZRContainerFile::Writer {
     Writer& operator=(const Writer&) = delete;
     ~Writer();
 
-    /// Appends an item and answers its record, for the caller to fill; the Writer owns it. Identifiers of
+    /// Appends an item and returns its record, for the caller to fill; the Writer owns it. Identifiers of
     /// kind 'I' are refused: null, with nothing added.
     dbrecord* addItem(const Cookie& k);
 
-    /// Sets an attribute of the container; an empty key does nothing. A container without any attribute is
-    /// saved without the line that tells its file from others, and cannot be opened again: give it a name.
+    /// Sets an attribute of the container; with an empty key, none. The first call, whatever its key, also adds
+    /// the line that tells the container's file from others: without one, what is saved cannot be opened
+    /// again.
     void setAttrib(LightweightString<char> key, LightweightString<char> value);
     void setName(LightweightString<char> name);
     void setPermanent(bool on);
 
     /// Writes the container under that name. A file that is there stays whole until the new one is: the
-    /// container is written to the name with ".tmp" behind it, replacing what has that name, and moved over
-    /// the file in one step. The file's permissions stay; a symbolic link is replaced, not followed. When the
-    /// save fails the file is as it was and the temporary file is gone. Nothing tells that it failed; errno
-    /// says why. What a process that is killed meanwhile leaves under that name may be deleted, and the next
-    /// save does so.
+    /// container is written to the name with ".tmp" after it, in the place of what has that name, and moved
+    /// over the file in one step. The file's permissions stay, and its owner where that is allowed; a symbolic
+    /// link, under either name, is replaced, not followed. When the save fails the file is as it was and the
+    /// temporary file is gone. Nothing tells that it failed; errno says why. What a process that is killed
+    /// meanwhile leaves under that name may be deleted, and the next save does so.
     void save(const LightweightString<wchar_t>& fileName);
 
  private:

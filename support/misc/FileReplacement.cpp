@@ -53,6 +53,18 @@ FileReplacement::FileReplacement(const LightweightString<wchar_t>& name) : m_pie
     if (!m_file) fail();
 }
 
+FileReplacement::FileReplacement(const LightweightString<wchar_t>& name,
+                                 const LightweightString<wchar_t>& original)
+    : m_path(systemPath(name)), m_piece(pieceSize) {
+    const LibraryString originalPath = systemPath(original);
+    struct stat status;
+    if (!m_path.empty() && !originalPath.empty() && ::stat(originalPath.c_str(), &status) == 0) {
+        status.st_mode |= S_IWUSR;
+        openTemporaryLike(status);
+    }
+    if (!m_file) fail();
+}
+
 FileReplacement::~FileReplacement() {
     const int error = errno;
     removeTemporary();
@@ -92,6 +104,11 @@ void FileReplacement::open(const LightweightString<wchar_t>& name) {
         m_file = openStream(m_path, O_WRONLY);
         return;
     }
+    openTemporaryLike(status);
+}
+
+/// With the permissions and, as far as may be, the owner of another file.
+void FileReplacement::openTemporaryLike(const struct stat& status) {
     openTemporary(status.st_mode & 0777);
     if (!m_file) return;
     // Keeping another owner takes privileges; the permissions are set last, for a change of owner alters
@@ -152,4 +169,8 @@ bool FileReplacement::commit() {
     m_temporaryPath.clear();
     flushFolder(folder);
     return true;
+}
+
+bool makeStandIn(const LightweightString<wchar_t>& name, const LightweightString<wchar_t>& original) {
+    return FileReplacement(name, original).commit();
 }

@@ -8,14 +8,21 @@
 #pragma once
 
 #include <string_view>
+#include <sys/stat.h>
 #include <vector>
 
+#include "support/Export.h"
 #include "support/SystemFile.h"
 
 class FileReplacement {
  public:
     /// Begins. A failure here or in write is kept, and told by commit.
     explicit FileReplacement(const LightweightString<wchar_t>& name);
+
+    /// Begins a file that has the owner and permissions of `original`, and lets its owner write it, and that
+    /// goes in the place of whatever bears the name: of a link itself, not of what it leads to.
+    FileReplacement(const LightweightString<wchar_t>& name, const LightweightString<wchar_t>& original);
+
     FileReplacement(const FileReplacement&) = delete;
     FileReplacement& operator=(const FileReplacement&) = delete;
 
@@ -24,12 +31,13 @@ class FileReplacement {
 
     void write(std::string_view bytes) noexcept;
 
-    /// Puts what was written in the file's place. Answers false, with errno set, on any failure up to here;
+    /// Puts what was written in the file's place. Returns false, with errno set, on any failure up to here;
     /// then the file is as it was, and the temporary file is gone. To be called once.
     bool commit();
 
  private:
     void open(const LightweightString<wchar_t>& name);
+    void openTemporaryLike(const struct stat& status);
     void openTemporary(mode_t mode);
     void removeTemporary() noexcept;
     void writePending() noexcept;
@@ -43,3 +51,9 @@ class FileReplacement {
     std::size_t m_pending = 0;  // the bytes of the piece that are still to be written
     int m_error = 0;
 };
+
+/// Makes an empty file that stands in for `original` under another name until it is moved over it: with its
+/// owner and permissions, and writable by its owner, in the place of whatever bears the name, which is never
+/// followed as a link. Returns false, with errno set and that name as it was, when it cannot be made.
+KESTA_API bool makeStandIn(const LightweightString<wchar_t>& name,
+                           const LightweightString<wchar_t>& original);

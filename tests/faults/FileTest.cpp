@@ -219,7 +219,7 @@ TEST_F(Files, AContainerIsTheOldOneOrTheNewOneWhicheverOperationFails) {
         kept.insert(struck);
         ASSERT_EQ(reason, EIO) << struck;
     }
-    for (const char* const name : {"chmod", "write", "fsync", "rename"})
+    for (const char* const name : {"fchmod", "getrandom", "write", "fsync", "rename"})
         EXPECT_EQ(kept.count(name), 1U) << name;
 }
 
