@@ -127,8 +127,8 @@ class KESTA_API ZRContainerFile::Writer {
     /// kind 'I' are refused: null, with nothing added.
     dbrecord* addItem(const Cookie& k);
 
-    /// Sets an attribute of the container; with an empty key, none. The first call, whatever its key, also adds
-    /// the line that tells the container's file from others: without one, what is saved cannot be opened
+    /// Sets an attribute of the container; with an empty key, none. The first call, whatever its key, also
+    /// adds the line that tells the container's file from others: without one, what is saved cannot be opened
     /// again.
     void setAttrib(LightweightString<char> key, LightweightString<char> value);
     void setName(LightweightString<char> name);
@@ -136,10 +136,10 @@ class KESTA_API ZRContainerFile::Writer {
 
     /// Writes the container under that name. A file that is there stays whole until the new one is: the
     /// container is written to the name with ".tmp" after it, in the place of what has that name, and moved
-    /// over the file in one step. The file's permissions stay, and its owner where that is allowed; a symbolic
-    /// link, under either name, is replaced, not followed. When the save fails the file is as it was and the
-    /// temporary file is gone. Nothing tells that it failed; errno says why. What a process that is killed
-    /// meanwhile leaves under that name may be deleted, and the next save does so.
+    /// over the file in one step. The file's permissions stay, and its owner where that is allowed; a
+    /// symbolic link, under either name, is replaced, not followed. When the save fails the file is as it was
+    /// and the temporary file is gone. Nothing tells that it failed; errno says why. What a process that is
+    /// killed meanwhile leaves under that name may be deleted, and the next save does so.
     void save(const LightweightString<wchar_t>& fileName);
 
  private:

@@ -1,3 +1,4 @@
+// FileState and FileClaim: noticing what others do to a file.
 #include "tools/files/FileClaim.h"
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// FileLock: taking the lock that stands beside a file, and removing those that were left over.
 #include "tools/files/FileLock.h"
 
 #include <array>
@@ -14,29 +15,18 @@
 
 #include "support/Configuration.h"
 #include "tools/Failure.h"
+#include "tools/files/Files.h"
 #include "tools/terminal/DisplayText.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-/// The path without symbolic links. Its last name need not be that of a file.
-fs::path withoutLinks(const std::string& name) {
-    std::error_code error;
-    fs::path path = name;
-    for (int links = 0; links < 40 && fs::is_symlink(fs::symlink_status(path, error)); ++links) {
-        path = path.parent_path() / fs::read_symlink(path, error);
-    }
-    const fs::path folder = fs::canonical(path.has_parent_path() ? path.parent_path() : ".", error);
-    if (error) throw fileFailure(name, error.value());
-    return folder / path.filename();
-}
-
 /// The lock file of that path. Long names share the lock of their beginning.
 std::string lockFileOf(const std::string& path) {
     constexpr std::size_t longestName = 255;
     constexpr std::string_view ending = ".lock";
-    const fs::path target = withoutLinks(path);
+    const fs::path target = resolved(path);
     const std::string name = target.filename();
     const std::string_view begin = cutTo(name, longestName - 1 - ending.size());
     return target.parent_path() / ("." + std::string(begin) + std::string(ending));
@@ -81,39 +71,21 @@ Grip grip(int descriptor) noexcept {
     return maybeHeld ? Grip::busy : Grip::impossible;
 }
 
-/// Closes itself unless it is taken out.
-class Descriptor {
- public:
-    explicit Descriptor(int number) noexcept : m_number(number) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (m_number >= 0) close(m_number);
-    }
-
-    explicit operator bool() const noexcept { return m_number >= 0; }
-    int get() const noexcept { return m_number; }
-    int takeOut() noexcept { return std::exchange(m_number, -1); }
-
- private:
-    int m_number;
-};
-
 /// Gets hold of a lock file. Only a file that it has made itself is ever written to, and only one that says
 /// what lock files say is ever removed.
 class LockTaker {
  public:
     LockTaker(const std::string& path, const std::string& lockPath) : m_path(path), m_lockPath(lockPath) {}
 
-    /// The descriptor of the lock; -1 where the system cannot lock files; none while another program holds
+    /// The lock file, gripped; no file where the system cannot lock files; none while another program holds
     /// it.
-    std::optional<int> take() {
+    std::optional<SystemFile> take() {
         constexpr int mostAttempts = 100;  // others may make and remove the file between our looks at it
         for (int attempt = 0; attempt < mostAttempts; ++attempt) {
             constexpr int ours = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-            Descriptor made(open(m_lockPath.c_str(), ours, 0666));
+            SystemFile made(open(m_lockPath.c_str(), ours, 0666));
             if (made) {
-                if (const std::optional<int> taken = keep(made)) return taken;
+                if (std::optional<SystemFile> taken = keep(std::move(made))) return taken;
             } else if (errno != EEXIST) {
                 throw fileFailure(m_path, errno);
             } else if (!removeLeftOver()) {
@@ -128,32 +100,30 @@ class LockTaker {
 
  private:
     // Until it is gripped, the new file looks left over: another program may have removed it.
-    std::optional<int> keep(Descriptor& made) const {
-        const Grip result = grip(made.get());
+    std::optional<SystemFile> keep(SystemFile made) const {
+        const Grip result = grip(made.descriptor());
         if (result == Grip::impossible) {
             unlink(m_lockPath.c_str());
-            return -1;
+            return SystemFile();
         }
-        if (result != Grip::held || !isStillNamed(made.get(), m_lockPath)) return std::nullopt;
-        const std::string text = std::to_string(getpid()) + " kesta\n";
-        // A lock that does not say whose it is serves as well.
-        [[maybe_unused]] const ssize_t written = write(made.get(), text.data(), text.size());
-        return made.takeOut();
+        if (result != Grip::held || !isStillNamed(made.descriptor(), m_lockPath)) return std::nullopt;
+        made.write(std::to_string(getpid()) + " kesta\n");  // a lock that does not say whose it is serves too
+        return made;
     }
 
     /// False when somebody holds the lock file.
     bool removeLeftOver() {
-        const Descriptor found(openFound());
+        const SystemFile found(openFound());
         if (!found && errno == ENOENT) return true;
         if (!found && errno != ELOOP) throw fileFailure(m_lockPath, errno);
-        const std::optional<std::string> holder = found ? holderIn(found.get()) : std::nullopt;
+        const std::optional<std::string> holder = found ? holderIn(found.descriptor()) : std::nullopt;
         if (!holder) {
             throw Failure(m_path + ": cannot be locked, because " + m_lockPath +
                           " is no lock file; move that out of the way");
         }
         m_holder = *holder;
-        if (grip(found.get()) == Grip::busy) return false;
-        if (isStillNamed(found.get(), m_lockPath) && unlink(m_lockPath.c_str()) != 0)
+        if (grip(found.descriptor()) == Grip::busy) return false;
+        if (isStillNamed(found.descriptor(), m_lockPath) && unlink(m_lockPath.c_str()) != 0)
             throw fileFailure(m_lockPath, errno);
         return true;
     }
@@ -179,8 +149,8 @@ FileLock::FileLock(const std::string& path) {
         std::chrono::steady_clock::now() + std::chrono::seconds(config_int("lock_wait", 5, 0, 3600));
     LockTaker taker(path, m_lockPath);
     for (;;) {
-        if (const std::optional<int> taken = taker.take()) {
-            m_descriptor = *taken;
+        if (std::optional<SystemFile> taken = taker.take()) {
+            m_file = std::move(*taken);
             return;
         }
         if (std::chrono::steady_clock::now() >= end) break;
@@ -191,8 +161,8 @@ FileLock::FileLock(const std::string& path) {
 }
 
 void FileLock::release() noexcept {
-    if (m_descriptor < 0) return;
+    if (!m_file) return;
     // While it is held nobody else may remove it, so that the name is still this file's.
     unlink(m_lockPath.c_str());
-    close(std::exchange(m_descriptor, -1));
+    m_file.close();
 }

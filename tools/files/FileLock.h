@@ -9,6 +9,8 @@
 
 #include <string>
 
+#include "support/SystemFile.h"
+
 class FileLock {
  public:
     /// Takes the lock of the file at the end of the path's symbolic links, which need not exist. Waits for
@@ -24,5 +26,5 @@ class FileLock {
 
  private:
     std::string m_lockPath;
-    int m_descriptor = -1;  // -1 when nothing is held
+    SystemFile m_file;  // none when nothing is held
 };

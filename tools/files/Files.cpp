@@ -1,3 +1,4 @@
+// What the commands ask of files and do with them.
 #include "tools/files/Files.h"
 
 #include <cerrno>
@@ -21,9 +22,16 @@ struct stat statusOf(const std::string& path) {
 }  // namespace
 
 std::string resolved(const std::string& path) {
+    namespace fs = std::filesystem;
     std::error_code error;
-    const std::filesystem::path end = std::filesystem::canonical(path, error);
-    return error ? path : end.string();
+    fs::path end = path;
+    for (int links = 0; fs::is_symlink(fs::symlink_status(end, error)); ++links) {
+        if (links == 40) throw fileFailure(path, ELOOP);
+        end = end.parent_path() / fs::read_symlink(end, error);
+    }
+    const fs::path folder = fs::canonical(end.has_parent_path() ? end.parent_path() : ".", error);
+    if (error) throw fileFailure(path, error.value());
+    return folder / end.filename();
 }
 
 void requireReadable(const std::string& path) {

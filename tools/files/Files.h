@@ -1,4 +1,6 @@
 // Files as the commands meet them.
+//
+// Thread-safety: any thread.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +18,8 @@ std::string readBytes(const std::string& path);
 /// Whether both names are of one file.
 bool isSameFile(const std::string& a, const std::string& b) noexcept;
 
-/// Where a chain of symbolic links ends; the path itself when nothing is there.
+/// Where a chain of symbolic links ends, which need not be there, in its folder's true path. Throws Failure
+/// when the folder is not there or the links go round.
 std::string resolved(const std::string& path);
 
 /// Throws Failure when a plain file of that name is there and not to be replaced.

@@ -1,3 +1,4 @@
+// OutputFile: the file that a command makes of a log.
 #include "tools/files/OutputFile.h"
 
 #include "tools/files/Files.h"

@@ -1,3 +1,4 @@
+// Saving: checks, the copy of the old file, and what is told.
 #include "tools/files/Saving.h"
 
 #include <cerrno>
