@@ -3,6 +3,7 @@
 // Thread-safety: none; a fuzzer runs on one thread.
 #pragma once
 
+#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -35,7 +36,7 @@ inline std::string str(const Text& text) {
     return std::string(text.view());
 }
 
-/// Takes an input apart from its front. Past the end it answers zeros and empty texts.
+/// Takes an input apart from its front. Past the end it returns zeros and empty texts.
 class Input {
  public:
     Input(const std::uint8_t* data, std::size_t size) noexcept
@@ -49,20 +50,10 @@ class Input {
     /// A number below `bound`.
     unsigned below(unsigned bound) noexcept { return byte() % bound; }
 
-    /// Mostly a small number, which may name a row or a column; else one that callers get wrong.
+    /// Mostly a small number, which may name a row or a column; else one that is easily got wrong.
     int number() noexcept {
-        constexpr int wild[] = {-1,
-                                -2,
-                                std::numeric_limits<int>::min(),
-                                std::numeric_limits<int>::min() + 1,
-                                std::numeric_limits<int>::max(),
-                                std::numeric_limits<int>::max() - 1,
-                                65535,
-                                65536,
-                                -65536,
-                                1000000,
-                                255,
-                                256};
+        constexpr int wild[] = {-1,    -2,    INT_MIN, INT_MIN + 1, INT_MAX, INT_MAX - 1,
+                                65535, 65536, -65536,  1000000,     255,     256};
         constexpr unsigned small = 256 - static_cast<unsigned>(std::size(wild));
         const unsigned value = byte();
         return value < small ? static_cast<int>(value % 32) : wild[value - small];
@@ -75,7 +66,7 @@ class Input {
         return taken;
     }
 
-    /// A text of up to 15 bytes behind the byte that tells its length.
+    /// A text of up to 15 bytes after the byte that tells its length.
     std::string text() { return take(below(16)); }
 
     /// Up to the line's end or the end; the line end goes too.

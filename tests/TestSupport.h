@@ -204,6 +204,21 @@ inline Pairs paramsOf(const KSTBase& source) {
     return pairs;
 }
 
+// --- Comparing ---
+
+/// Whether two lists are equal; if not, tells of the first entry that differs where it does.
+template <class List>
+testing::AssertionResult same(const List& actual, const List& expected) {
+    const auto [a, e] = std::mismatch(actual.begin(), actual.end(), expected.begin(), expected.end());
+    if (a == actual.end() && e == expected.end()) return testing::AssertionSuccess();
+    const std::string is = a == actual.end() ? "not there" : testing::PrintToString(*a);
+    const std::string wanted = e == expected.end() ? "not there" : testing::PrintToString(*e);
+    const auto alike = std::mismatch(is.begin(), is.end(), wanted.begin(), wanted.end()).first - is.begin();
+    const auto from = static_cast<std::size_t>(std::max<std::ptrdiff_t>(alike - 60, 0));
+    return testing::AssertionFailure() << "entry " << a - actual.begin() << " is " << is.substr(from, 150)
+                                       << ", not " << wanted.substr(from, 150);
+}
+
 // --- Messages and notifications ---
 
 /// Takes the library's messages while it lives.
