@@ -1,84 +1,15 @@
-// kesta's columns: names, types, widths, and what the standard columns of a log are.
+// kesta's columns: names, types, widths.
 #include <algorithm>
 #include <limits>
 
+#include "record/ColumnTypes.h"
+#include "record/StandardColumns.h"
 #include "record/kesta.h"
-#include "support/Ascii.h"
 #include "support/Configuration.h"
 
 namespace {
 
-struct StandardColumn {
-    const char* name;
-    int minWidth;
-};
-constexpr StandardColumn standardColumns[] = {
-    {"Cookie", 12},
-    {"Type", 6},
-    {"Flags", 8},
-    {"Name", 32},
-    {"Date", 12},
-    {"Size", 8},
-    {"pic qual", 4},
-    {"aud qual", 32},
-    {"chans", 64},
-    {"Start time", 12},
-    {"End time", 12},
-    {"Duration", 16},
-    {"Reel", 10},
-    {"Reel Type", 30},
-    {"Scene", 24},
-    {"Shot", 24},
-    {"Who", 24},
-    {"Description", 64},
-    {"Notes", 100},
-    {"snd start", 12},
-    {"snd end", 12},
-    {"snd reel", 10},
-    {"start 24P code", 12},
-    {"end 24P code", 12},
-    {"24P reel", 10},
-    {"film_origin", 3},
-    {"pulldown", 3},
-    {"sequence", 2},
-    {"start keycode", 17},
-    {"end keycode", 17},
-    {"film duration", 9},
-    {"start camcode", 12},
-    {"end camcode", 12},
-    {"cam reel", 10},
-    {"comp reel", 10},
-    {"cam_date", 6},
-    {"start inkcode", 15},
-    {"end inkcode", 15},
-    {"lab reel", 10},
-    {"Mdrive", 4},
-    {"Tag", 1},
-};
-constexpr int minWidthOfOthers = 4;
-
-struct TypeToken {
-    const char* text;
-    DBFieldTypes::eType type;
-};
-constexpr TypeToken typeTokens[] = {
-    {"timecode", DBFieldTypes::eTimecode},
-    {"timecode_s", DBFieldTypes::eTimecodeS},
-    {"text", DBFieldTypes::eText},
-    {"text_s", DBFieldTypes::eTextS},
-    {"time_of_day", DBFieldTypes::eTimeOfDay},
-    {"date", DBFieldTypes::eDate},
-    {"dos_date", DBFieldTypes::eDosDate},
-    {"char", DBFieldTypes::eChar},
-    {"numeric", DBFieldTypes::eNumeric},
-    {"long", DBFieldTypes::eLong},
-    {"double", DBFieldTypes::eDouble},
-};
-
-constexpr const char* specialLabels[] = {
-    "Start time",    "End time",    "snd start",     "snd end",     "start 24P code", "end 24P code",
-    "start keycode", "end keycode", "start camcode", "end camcode", "start inkcode",  "end inkcode",
-};
+constexpr int leastWidthOfOthers = 4;
 
 bool removesAmpersands() {
     static const int setting = config_int("remove_fieldname_ampersands", 1, std::numeric_limits<int>::min(),
@@ -117,7 +48,7 @@ unsigned kesta::addField(const DBFieldDesc& desc) {
     if (m_fields.size() >= mostFieldNumber) return notFound;  // a record has no more fields than that
     const auto added = static_cast<unsigned>(m_fields.size());
     m_fields.push_back(desc);
-    m_fields.back().type = storedType(desc.type);
+    m_fields.back().type = ColumnTypes::stored(desc.type);
     try {
         m_specialLabels.resize(added);
         m_specialLabels.push_back(isSpecialLabelField(added));
@@ -159,10 +90,6 @@ void kesta::removeField(const LightweightString<char>& name) {
     }
 }
 
-DBFieldTypes::eType kesta::storedType(DBFieldTypes::eType type) noexcept {
-    return type == DBFieldTypes::eNone ? DBFieldTypes::eText : type;
-}
-
 DBFieldTypes::eType kesta::get_field_type(unsigned field) const {
     return field < m_fields.size() ? m_fields[field].type : DBFieldTypes::eNone;
 }
@@ -173,7 +100,7 @@ DBFieldTypes::eType kesta::get_fieldtype(unsigned field) const {
 
 bool kesta::set_fieldtype(unsigned field, DBFieldTypes::eType type) {
     if (field >= m_fields.size()) return false;
-    m_fields[field].type = storedType(type);
+    m_fields[field].type = ColumnTypes::stored(type);
     return true;
 }
 
@@ -211,39 +138,16 @@ kesta::MeasuredWidths::~MeasuredWidths() {
 }
 
 int kesta::getMinFieldSize(const char* name) {
-    for (const StandardColumn& column : standardColumns) {
-        if (Ascii::compareFolded(name ? name : "", column.name) == 0) return column.minWidth;
-    }
-    return minWidthOfOthers;
+    const StandardColumn* const standard = name ? StandardColumns::find(name) : nullptr;
+    return standard ? standard->leastWidth : leastWidthOfOthers;
 }
 
 DBFieldTypes::eType kesta::fieldTypeFromString(const LightweightString<char>& token) {
-    for (const TypeToken& known : typeTokens) {
-        if (token.icompare(known.text) == 0) return known.type;
-    }
-    // Any single byte is a type; bytes above 127 are negative codes.
-    return token.length() == 1 ? static_cast<DBFieldTypes::eType>(static_cast<signed char>(token.c_str()[0]))
-                               : DBFieldTypes::eNone;
-}
-
-LightweightString<char> kesta::fieldTypeToString(DBFieldTypes::eType type) {
-    for (const TypeToken& known : typeTokens) {
-        // "char" is read but, unlike the others, never written: its own letter stands for it.
-        if (known.type == type && type != DBFieldTypes::eChar) return known.text;
-    }
-    const char code = static_cast<char>(type);
-    // What the line syntax would not give back stands as text: no character, and white space, which is
-    // trimmed.
-    if (code == 0 || Ascii::isSpace(code)) return "text";
-    return code == '"' ? LightweightString<char>("\"\"") : LightweightString<char>(&code, 1);
+    return ColumnTypes::fromWord(token);
 }
 
 bool kesta::isSpecialLabelField(unsigned long field) const {
-    if (field >= m_fields.size()) return false;
-    for (const char* const label : specialLabels) {
-        if (m_fields[field].name == label) return true;
-    }
-    return false;
+    return field < m_fields.size() && StandardColumns::rangeOf(m_fields[field].name.view());
 }
 
 LightweightString<char> kesta::strip_char_from_string(char c, const char* s) {

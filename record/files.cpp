@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cstdlib>
 
+#include "record/ColumnTypes.h"
 #include "record/kesta.h"
 #include "record/parts/RecentTexts.h"
 #include "support/Ascii.h"
@@ -59,6 +60,12 @@ std::vector<LightweightString<char>> splitCSV(std::string_view line) {
         line, Zr::findSeparators(line, Zr::IsMatchingChar<char>(','), Zr::Quotes::respected),
         Zr::SplitOutputBuilder<char>(pieces));
     return pieces;
+}
+
+// A quote is a type like any other character, and stands twice inside quotes.
+LightweightString<char> typeInQuotes(DBFieldTypes::eType type) {
+    const LightweightString<char> word = ColumnTypes::toWord(type);
+    return word == "\"" ? "\"\"" : word;
 }
 
 /// A header line, built field by field.
@@ -184,7 +191,8 @@ void kesta::readColumns(TextFile& file) {
     names.read(file);
     if (types.fields().size() != names.fields().size()) return;
     for (std::size_t field = 0; field < names.fields().size(); ++field) {
-        m_fields.emplace_back(names.fields()[field], storedType(fieldTypeFromString(types.fields()[field])));
+        m_fields.emplace_back(names.fields()[field],
+                              ColumnTypes::stored(fieldTypeFromString(types.fields()[field])));
     }
     m_valid = 1;
 }
@@ -307,7 +315,7 @@ void kesta::save_column_header(TextFile& file, bool namesOnly) const {
         file.appendLine("\"KESTA\"");
         saveWidths(file);
         HeaderLine types;
-        for (const DBFieldDesc& field : m_fields) types.add(fieldTypeToString(field.type).view());
+        for (const DBFieldDesc& field : m_fields) types.add(typeInQuotes(field.type).view());
         types.appendTo(file);
     }
     HeaderLine names;

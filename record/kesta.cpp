@@ -1,4 +1,7 @@
+// kesta: how a database comes and goes, its columns as a whole, and its parameters.
 #include "record/kesta.h"
+
+#include "record/ColumnTypes.h"
 
 const char* kestaDllVersionStr() {
     return KESTA_VERSION;
@@ -74,7 +77,7 @@ void kesta::post_init() {
 void kesta::setFields(const std::vector<DBFieldDesc>& descs) {
     free();
     m_fields = descs;
-    for (DBFieldDesc& field : m_fields) field.type = storedType(field.type);
+    for (DBFieldDesc& field : m_fields) field.type = ColumnTypes::stored(field.type);
     m_valid = 1;
     post_init();
 }

@@ -348,9 +348,6 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     };
     static thread_local const MeasuredWidths* measured;
 
-    static DBFieldTypes::eType storedType(DBFieldTypes::eType type) noexcept;
-    static LightweightString<char> fieldTypeToString(DBFieldTypes::eType type);
-
     bool isShown(unsigned row) const noexcept;
     Zr::Ptr<dbrecord> listedRecord(unsigned row) const;
     void appendRecord(Zr::Ptr<dbrecord> record);

@@ -1,7 +1,9 @@
 // kesta: matching records against the query, and tagging by match or by distinct value.
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
+#include "record/StandardColumns.h"
 #include "record/kesta.h"
 #include "record/parts/Prefetch.h"
 #include "support/Ascii.h"
@@ -9,22 +11,26 @@
 namespace {
 
 // The columns that hold the two ends of one code range.
-struct LabelPair {
+struct CodeRange {
     LightweightString<char> start;
     LightweightString<char> end;
 };
 
-// The pair that a column belongs to, by its exact name; null when to none.
-const LabelPair* labelPairOf(const LightweightString<char>& name) {
-    static const LabelPair pairs[] = {
-        {"Start time", "End time"},         {"snd start", "snd end"},
-        {"start 24P code", "end 24P code"}, {"start keycode", "end keycode"},
-        {"start camcode", "end camcode"},   {"start inkcode", "end inkcode"},
-    };
-    const auto found = std::find_if(std::begin(pairs), std::end(pairs), [&name](const LabelPair& pair) {
-        return pair.start == name || pair.end == name;
+// The range that a column is an end of, by its exact name; null when of none. Look-ups take strings, which
+// are not made for each record.
+const CodeRange* codeRangeOf(const LightweightString<char>& name) {
+    static const std::vector<CodeRange> ranges = [] {
+        std::vector<CodeRange> made;
+        for (const StandardColumn& column : StandardColumns::all) {
+            if (column.end.empty()) continue;
+            made.push_back({LightweightString<char>(column.name), LightweightString<char>(column.end)});
+        }
+        return made;
+    }();
+    const auto found = std::find_if(ranges.begin(), ranges.end(), [&name](const CodeRange& range) {
+        return range.start == name || range.end == name;
     });
-    return found == std::end(pairs) ? nullptr : found;
+    return found == ranges.end() ? nullptr : &*found;
 }
 
 const LightweightString<char>& textOf(const dbrecord& record, unsigned field) noexcept {
@@ -48,10 +54,10 @@ void kesta::set_query(dbrecord* query) {
 bool kesta::found_in_special_label_field(const dbrecord* record, int index) const {
     const auto field = static_cast<unsigned>(index);
     if (field >= m_query.size() || m_query[field].empty()) return true;
-    const LabelPair* const pair = field < m_fields.size() ? labelPairOf(m_fields[field].name) : nullptr;
-    if (!pair) return true;
+    const CodeRange* const range = field < m_fields.size() ? codeRangeOf(m_fields[field].name) : nullptr;
+    if (!range) return true;
 
-    const unsigned startField = get_fieldnum(pair->start);
+    const unsigned startField = get_fieldnum(range->start);
     if (!record || startField == notFound) return false;
     const LightweightString<char>& start = textOf(*record, startField);
     if (start.empty()) return false;
@@ -63,7 +69,7 @@ bool kesta::found_in_special_label_field(const dbrecord* record, int index) cons
     const int againstStart = std::strncmp(sought.c_str(), start.c_str(), length);
     if (againstStart == 0) return true;
 
-    const unsigned endField = get_fieldnum(pair->end);
+    const unsigned endField = get_fieldnum(range->end);
     if (endField == notFound) return false;
     const LightweightString<char>& end = textOf(*record, endField);
     if (end.empty() || againstStart < 0) return false;

@@ -13,7 +13,7 @@
 #include "tools/forms/TableSource.h"
 #include "tools/logs/LogFile.h"
 #include "tools/logs/LogForm.h"
-#include "tools/logs/StandardColumns.h"
+#include "tools/logs/OtherColumnNames.h"
 #include "tools/terminal/DisplayText.h"
 #include "tools/terminal/Messages.h"
 #include "tools/terminal/Progress.h"

@@ -6,7 +6,7 @@
 #include "tools/forms/Writers.h"
 #include "tools/logs/ColumnMap.h"
 #include "tools/logs/LogView.h"
-#include "tools/logs/StandardColumns.h"
+#include "tools/logs/OtherColumnNames.h"
 #include "tools/terminal/Messages.h"
 
 namespace {

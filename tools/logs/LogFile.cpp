@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "record/ColumnTypes.h"
 #include "support/StringFunctions.h"
 #include "support/TextFile.h"
 #include "tools/Failure.h"
@@ -204,15 +205,10 @@ std::vector<unsigned> columnsNamed(const kesta& log, const std::vector<std::stri
 }
 
 std::vector<std::string> columnTypes(const kesta& log) {
-    const kesta columnsOnly(log, 0);
-    TextFile header;
-    columnsOnly.save_column_header(header, false);
-    dbrecord types(0);
-    header.setCursor(2);
-    types.read(header);
     std::vector<std::string> result;
-    for (unsigned short i = 0; i < types.get_num_fields(); ++i) result.emplace_back(types.getField(i).view());
-    result.resize(log.get_num_fields());
+    for (unsigned i = 0; i < log.get_num_fields(); ++i) {
+        result.emplace_back(ColumnTypes::toWord(log.get_field_type(i)).view());
+    }
     return result;
 }
 

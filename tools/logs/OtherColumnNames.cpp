@@ -1,4 +1,5 @@
-#include "tools/logs/StandardColumns.h"
+// What other forms call the standard columns, and the columns that a log has for theirs.
+#include "tools/logs/OtherColumnNames.h"
 
 #include <algorithm>
 #include <map>
@@ -7,53 +8,6 @@
 #include "tools/logs/LogForm.h"
 
 namespace {
-
-constexpr auto text = DBFieldTypes::eText;
-constexpr auto timecode = DBFieldTypes::eTimecode;
-constexpr auto date = DBFieldTypes::eDate;
-
-constexpr StandardColumn standardColumns[] = {
-    {"Cookie", text},
-    {"Type", text},
-    {"Flags", text},
-    {"Name", text},
-    {"Date", date},
-    {"Size", text},
-    {"pic qual", text},
-    {"aud qual", text},
-    {"chans", text},
-    {"Start time", timecode},
-    {"End time", timecode},
-    {"Duration", timecode},
-    {"Reel", text},
-    {"Reel Type", text},
-    {"Scene", text},
-    {"Shot", text},
-    {"Who", text},
-    {"Description", text},
-    {"Notes", text},
-    {"snd start", timecode},
-    {"snd end", timecode},
-    {"snd reel", text},
-    {"start 24P code", timecode},
-    {"end 24P code", timecode},
-    {"24P reel", text},
-    {"film_origin", text},
-    {"pulldown", text},
-    {"sequence", text},
-    {"start keycode", text},
-    {"end keycode", text},
-    {"film duration", text},
-    {"start camcode", timecode},
-    {"end camcode", timecode},
-    {"cam reel", text},
-    {"comp reel", text},
-    {"cam_date", date},
-    {"start inkcode", text},
-    {"end inkcode", text},
-    {"lab reel", text},
-    {"Mdrive", text},
-};
 
 /// What other forms call a standard column. The first one of a column is the exchange form's own name for it.
 struct OtherName {
@@ -83,13 +37,6 @@ constexpr OtherName otherNames[] = {
     {"Shoot Date", "cam_date"},
 };
 
-const StandardColumn* standardColumnNamed(std::string_view name) noexcept {
-    const auto* const found =
-        std::find_if(std::begin(standardColumns), std::end(standardColumns),
-                     [&](const StandardColumn& c) { return Ascii::equalFolded(c.name, name); });
-    return found == std::end(standardColumns) ? nullptr : found;
-}
-
 /// Names without regard to case.
 class NameSet {
  public:
@@ -115,9 +62,9 @@ class NameSet {
 
 const StandardColumn* standardColumnFor(std::string_view name) noexcept {
     for (const OtherName& pair : otherNames) {
-        if (Ascii::equalFolded(pair.other, name)) return standardColumnNamed(pair.standard);
+        if (Ascii::equalFolded(pair.other, name)) return StandardColumns::find(pair.standard);
     }
-    return standardColumnNamed(name);
+    return StandardColumns::find(name);
 }
 
 std::vector<DBFieldDesc> planColumns(const std::vector<std::string>& fileNames,
@@ -135,7 +82,7 @@ std::vector<DBFieldDesc> planColumns(const std::vector<std::string>& fileNames,
         if (standard && (isOwnName || !ownNames.has(standard->name)) && taken.add(standard->name)) {
             columns.emplace_back(libraryText(standard->name), standard->type);
         } else {
-            columns.emplace_back(libraryText(taken.addUnique(own)), text);
+            columns.emplace_back(libraryText(taken.addUnique(own)), DBFieldTypes::eText);
         }
     }
     return columns;

@@ -1,16 +1,11 @@
-// The columns of the standard log, and what other log forms call them.
+// What other log forms call the columns of a standard log.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "record/DBFieldTypes.h"
-
-struct StandardColumn {
-    std::string_view name;
-    DBFieldTypes::eType type;
-};
+#include "record/StandardColumns.h"
 
 /// The standard column that is meant by a name of another log form, ignoring case; null for a column of the
 /// file's own.
