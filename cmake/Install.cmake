@@ -12,7 +12,7 @@ set(public_headers
     record/parts/CookieIndex.h record/parts/FieldList.h record/parts/GapVector.h record/parts/OnDemand.h
     record/parts/ParamList.h
     view/KSTView.h view/KSTViewCursor.h view/KSTViewRep.h
-    view/parts/RowIndex.h
+    view/parts/Attachment.h view/parts/RowArray.h view/parts/RowIndex.h
     fieldmap/FieldMap.h
     container/ZRContainerFile.h)
 foreach(header IN LISTS public_headers)

@@ -1,3 +1,4 @@
+// FieldMap: a list of columns, and the text that it is kept as.
 #include "fieldmap/FieldMap.h"
 
 #include <algorithm>
@@ -10,7 +11,6 @@
 
 namespace {
 
-constexpr const char* parameter = "V5_FIELD_MAP";
 constexpr char hiddenMark = '-';
 constexpr std::size_t longestToken = 3;
 
@@ -19,7 +19,7 @@ class NumberReader {
  public:
     explicit NumberReader(std::string_view text) noexcept : m_rest(text) {}
 
-    /// Answers whether there is a further number. A longer token is deliberately read as its first three
+    /// Whether there is a further number. A longer token is deliberately read as its first three
     /// characters.
     bool next(int& number) noexcept {
         char token[longestToken + 1] = {};
@@ -28,7 +28,7 @@ class NumberReader {
         number = static_cast<int>(std::strtol(token, &end, 10));
         const bool found = end != token;
         const bool advanced = skipToken();
-        // A number behind anything but one space cannot be passed; it is the last.
+        // A number after anything but one space cannot be passed; it is the last.
         if (!found || !advanced) m_rest = {};
         return found;
     }

@@ -1,13 +1,13 @@
 // FieldMap: the columns that a client shows for a view, in the order in which it shows them, each visible or
 // hidden.
 //
-// A map holds names, so it survives the renumbering of columns. It is kept as a parameter of its source,
-// "V5_FIELD_MAP": one number for each column, counted from 1, in the map's order and with single spaces in
-// between; hidden ones have a "-" before them. "1 2 -4 3" shows columns 1, 2 and 3 and hides 4 between them.
+// A map holds names, so it survives the renumbering of columns. It is kept as a parameter of its source: one
+// number for each column, counted from 1, in the map's order and with single spaces between them; hidden ones
+// have a "-" before them. "1 2 -4 3" shows columns 1, 2 and 3 and hides 4 between them.
 // A number has at most three characters, the "-" among them: columns past the 999th, or hidden past the 99th,
-// cannot be kept. The map reads the parameter and makes the text for it; storing that is the client's part.
+// cannot be kept. The map reads the parameter and makes the text for it; storing that is up to the client.
 //
-// Indices count from 0. Bad ones never fault: queries answer false, -1 or an empty text, changes do nothing.
+// Indices count from 0. Bad ones never fault: queries return false, -1 or an empty text, changes do nothing.
 // Names compare ignoring case.
 //
 // Thread-safety: as a std::vector's; the source has its own rules. Memory: running out throws
@@ -24,13 +24,16 @@ class kesta;
 
 class KESTA_API FieldMap {
  public:
+    /// The key of the parameter that keeps the map.
+    static constexpr const char* parameter = "V5_FIELD_MAP";
+
     /// No columns, no source.
     FieldMap();
 
     /// The map of a view, as setSourceDb makes it.
     explicit FieldMap(const KSTView& view);
 
-    /// The same for a new view on the database. The database is not held: when it goes, the source is empty.
+    /// The same for a new view on the database. The database is not held.
     explicit FieldMap(kesta& db);
 
     /// The same columns and source.
@@ -56,7 +59,8 @@ class KESTA_API FieldMap {
     int numVisible() const noexcept;
 
     /// The number that the source gives the n-th visible column, n counted from 0. -1 when there are not that
-    /// many, when the source has no such column, or without a source.
+    /// many, when the source has no such column, or without a source. A source that is not attached to a
+    /// database, or whose database is gone, gives every column the number 0.
     int getVisibleFieldIndex(int n) const;
 
     /// The name of the column at a place.
@@ -76,7 +80,7 @@ class KESTA_API FieldMap {
     /// Exchanges two columns.
     void swap(int i, int j);
 
-    /// Removes the column of that name; answers whether there was one.
+    /// Removes the column of that name; returns whether there was one.
     bool remove(const LightweightString<char>& name);
 
     /// Adds a column at the end. One of that name that is there already stays as it is, its visibility too.
@@ -93,7 +97,8 @@ class KESTA_API FieldMap {
     void setSourceDb(const KSTView& view);
 
     /// The text for the parameter. A column that the source does not know is written as 0, which reading
-    /// skips; without a source, columns are numbered by their places.
+    /// skips; without a source, columns are numbered by their places; a source without a database writes 1
+    /// for each.
     LightweightString<char> asString() const;
 
  private:

@@ -1,4 +1,4 @@
-// KSTView: the counted handle through which callers hold a view.
+// KSTView: the counted handle through which a view is held.
 //
 // Thread-safety: none; a view and its handles belong to one thread at a time.
 #pragma once
@@ -6,7 +6,7 @@
 #include "support/Export.h"
 #include "view/KSTViewRep.h"
 
-/// Holds one use of a view. The view goes with its last use.
+/// Holds one use of a view. The view is destroyed when its last use ends.
 class KESTA_API KSTView {
  public:
     KSTView() noexcept = default;

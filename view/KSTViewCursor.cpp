@@ -1,3 +1,4 @@
+// KSTViewCursor: steps along the rows of a view.
 #include "view/KSTViewCursor.h"
 
 #include <algorithm>

@@ -6,7 +6,7 @@
 #include "support/Export.h"
 #include "view/KSTView.h"
 
-/// Stands on a view row or on none, which is -1. Holds a use of the view. The view may change under it: a row
+/// Stands on a view row or on none, which is -1. Holds a use of the view. The view may change meanwhile: a row
 /// that is no longer there has no record, and steps go on from the end.
 class KESTA_API KSTViewCursor {
  public:
@@ -31,7 +31,7 @@ class KESTA_API KSTViewCursor {
     /// Takes the row out of the view and stands on the one that follows it, or on none.
     void remove();
 
-    /// Stands on the first row with this very record and answers it; on none, and -1, when there is none.
+    /// Stands on the first row with this very record and returns it; on none, and -1, when there is none.
     int find(dbrecord* record);
 
  private:

@@ -7,12 +7,13 @@
 //
 // Row numbers come in three kinds, never to be mixed: view rows, which are places in this view; source rows,
 // which the entries name; and database rows, which baseIndex finds along the chain. Numbers out of range
-// never fault: operations do nothing or answer 0, null or an empty string, searches answer -1. So do
+// never fault: operations do nothing or return 0, null or an empty string, searches return -1. So do
 // operations that need a source when there is none.
 //
 // Ownership. A view counts its uses: the KSTView handles that hold it and the views chained on it. It is made
 // with new, begins with no use, and destroys itself when the last one ends; until the first it belongs to
-// whoever made it. A view without a handle that another one is chained on goes when that other lets go of it.
+// the code that made it. A view without a handle that another one is chained on goes when that other lets go
+// of it.
 // The database is not owned: when it goes first, the view has no source any more. Only a database that
 // copyWithNewBaseView has made lives as long as a view stands on it.
 //
@@ -22,17 +23,20 @@
 // without a text. A listener may read the view, change it and destroy it, and the source as well. Insertions
 // are not notified: views that do not take part keep their row numbers.
 //
+// Views on views. Where two or more views stand on each other, a deletion reaches the upper one several times,
+// from the database and from its base view, with row numbers of different kinds. It takes each for its source
+// rows, deliberately: other rows than those deleted can go out of it, and what is then deleted through it can
+// be other records. To be safe make views on the log itself, or show a view's rows again (displayAllRecords)
+// after a deletion.
+//
 // Thread-safety: one thread at a time; reading from several threads is safe while nobody changes the view or
 // its source (copying and destroying handles are changes, and so is saveOnlyTagged). Only one sort may run at
 // a time in a process. Memory: running out throws Zr::Exception::BadAlloc; rows that a deletion has taken are
 // gone from the view even then, though views further up may not have heard of it.
 #pragma once
 
-#include <cstdint>
 #include <memory>
-#include <optional>
 #include <utility>
-#include <vector>
 
 #include "expr/SExpr.h"
 #include "record/KSTBase.h"
@@ -40,6 +44,7 @@
 #include "support/CookieContainers.h"
 #include "support/GrowString.h"
 #include "support/Notifier.h"
+#include "view/parts/Attachment.h"
 #include "view/parts/RowIndex.h"
 
 class KESTA_API KSTViewRep : public KSTBase, public Notifier {
@@ -108,21 +113,21 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     // the index has just grown, and the tag of the entry it pushes on where there is one. Source rows that do
     // not exist are not shown.
 
-    /// `count` source rows from `first` on. Answers how many are shown.
+    /// `count` source rows from `first` on. Returns how many are shown.
     int displayRecordsAt(int first, int count, int at);
 
-    /// The first source row whose field has this value (findFirst). Answers 1, or 0 when there is none.
+    /// The first source row whose field has this value (findFirst). Returns 1, or 0 when there is none.
     int displayMatchAt(const char* field, const char* value, int at);
 
     /// Every source row that is tagged in the source.
     void displayTaggedRecordsAt(int at);
 
     /// The database rows of another view's rows, but for missing records and those that this view shows
-    /// already. Neither view may have a base view, and both must have the same database. Answers how many
+    /// already. Neither view may have a base view, and both must have the same database. Returns how many
     /// were added.
     int displayAllFromAt(KSTViewRep* other, int at);
 
-    /// For each identifier the first source row that carries it. Answers how many were found.
+    /// For each identifier the first source row that carries it. Returns how many were found.
     int displayRecordsAt(const CookieVec& ids, int at);
     int displayRecordsAt(const CookieSet& ids, int at);
 
@@ -136,14 +141,14 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     /// than 0.
     void setupViewTagsFromKestaTagField();
 
-    /// All source rows in place of what is shown, without a word to anybody.
+    /// All source rows in place of what is shown, without an announcement.
     void buildIndex();
 
     // --- Inserting records (display.cpp) ---
 
     /// Makes blank records in the source and shows them before view row `at`: they come before the record
     /// shown there, or at the end of the source. Entries from `at` on are moved up by `count` source rows;
-    /// those before it, deliberately, are not, even if they name rows behind the new ones. Where the source
+    /// those before it, deliberately, are not, even if they name rows after the new ones. Where the source
     /// makes none the view stays as it is.
     void insertBlankRecords(int at, int count);
 
@@ -159,18 +164,18 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     /// Deletes the records of these rows in the source, and so from the database.
     void deleteRecords(int row, int count);
 
-    /// Deletes the records of the tagged rows; answers how many rows that were.
+    /// Deletes the records of the tagged rows; returns how many rows those were.
     int deleteTagged();
 
     /// Takes rows out of this view and of every view it stands on. The records stay.
     void removeRecordsFromBaseView(int row, int count);
 
-    /// The same for the rows that pass a test of this view; answers how many.
+    /// The same for the rows that pass a test of this view; returns how many.
     int removeSome(bool (KSTViewRep::*test)(int));
     int removeTagged();
     int removeNonTagged();
 
-    /// What the view does with a "recordsDeleted" message: its source rows go. Answers 0.
+    /// What the view does with a "recordsDeleted" message: its source rows go. Returns 0.
     int recordsDeletedNotify(const NotifyMsg& message);
 
     // --- Tags (tagging.cpp) ---
@@ -185,16 +190,16 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     int countTags() const;
 
     /// Tags the rows that match the source's query; the others lose their tags unless `keep` is not 0.
-    /// Answers how many matched. A row that match_record answers -1 for does not match.
+    /// Returns how many matched. A row for which match_record returns -1 does not match.
     int tagMatches(int keep);
 
     /// Tags each row whose field equals, ignoring case, that of the row that began the run. Other tags stay.
-    /// Answers how many were tagged.
+    /// Returns how many were tagged.
     int tagDuplicatesOrdered(int field);
 
     /// Tags all but the first of the rows that are equal in a field when sorted on it, and clears all other
-    /// tags. Leaves the field as the database's sort field. Answers how many were tagged; does nothing and
-    /// answers 0 without a source and where the chain is as long as it may be.
+    /// tags. Leaves the field as the database's sort field. Returns how many were tagged; does nothing and
+    /// returns 0 without a source and where the chain is as long as it may be.
     int tagDuplicates(int field);
 
     /// Gives the source's rows the tags of this view's.
@@ -220,8 +225,8 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     // The fields that the view is about, for its users to see: it restricts nothing.
 
     /// Sets the text, a list of field names with tabs or commas between, and appends references to those
-    /// fields that the source has. A name it has not is reported and left out. Deliberately the list keeps
-    /// what earlier calls put there, turned round. Null only drops the text.
+    /// fields that the source has. A name that it does not have is reported and left out. Deliberately the list keeps
+    /// what earlier calls put there, in reverse. Null only drops the text.
     void fieldSpec(const char* specification);
 
     /// Appends the names of all fields of the source with commas between.
@@ -238,14 +243,14 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     // A view is saved as a database file: its parameters, the database's columns, its rows. An existing file
     // is only replaced by a whole new one.
 
-    /// Tags go into the field "Tag" where there is one. Answers the number of records written; 0 when there
-    /// is no source, no name or no saving.
+    /// Tags go into the field "Tag" where there is one. Returns the number of records written; 0 when there
+    /// is no source or no name, and when the save fails.
     int saveAsText(LightweightString<wchar_t> name, bool headerOnly) const;
     int saveAsText(const char* name, bool headerOnly) const;
 
-    /// Only records that are tagged in the database; tags of the view do not matter. Answers, deliberately,
-    /// the number of rows in the view; 0 as above. Clears the changed marks of the records it writes: it is
-    /// no reading that several threads may do at once.
+    /// Only records that are tagged in the database; tags of the view do not matter. Returns, deliberately,
+    /// the number of rows in the view; 0 as above. Clears the changed marks of the records it writes, so it
+    /// is not one of the readings that several threads may do at once.
     int saveOnlyTagged(LightweightString<wchar_t> name) const;
     int saveOnlyTagged(const char* name) const;
 
@@ -261,7 +266,7 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     void insert_records(unsigned at, unsigned count) override;     ///< insertBlankRecords
     void delete_records(unsigned first, unsigned count) override;  ///< deleteRecords
 
-    /// removeTagged: the records stay in the database. Answers 0.
+    /// removeTagged: the records stay in the database. Returns 0.
     unsigned delete_tagged_records() override;
 
     unsigned get_num_records() const override;  ///< the rows of the view
@@ -304,7 +309,7 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     /// tagMatches(0), whatever `keepTags` is.
     int tag_matching_records(int keepTags) override;
 
-    /// Tags the first row of every run of equal values; answers how many are tagged.
+    /// Tags the first row of every run of equal values; returns how many are tagged.
     int tag_all_different(int field) override;
 
     bool set_field(unsigned row, const Cookie& id) override;
@@ -317,10 +322,10 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     bool in_field(unsigned row, unsigned field, double& value) const override;
     bool in_field(unsigned row, unsigned field, bool& value) const override;
 
-    /// insertBlankRecords at the end; answers the number of rows before.
+    /// insertBlankRecords at the end; returns the number of rows before.
     unsigned add_records(int count) override;
 
-    /// Deliberately searches the whole source, by whole texts, and answers a source row; `start` is not used.
+    /// Deliberately searches the whole source, by whole texts, and returns a source row; `start` is not used.
     int findFirst(const char* field, const char* value, int start) override;
 
     void sortPrepare(int direction, int caseInsensitive) override;
@@ -331,68 +336,20 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     int get_valid() const override;  ///< 1 when the source is valid
 
  private:
-    friend class KSTView;
-    class Held;
-
-    // --- Uses ---
-
-    void addUse() noexcept { ++m_useCount; }
-    static void release(KSTViewRep* view) noexcept;
-
-    // --- What the view stands on ---
-
-    kesta* database() const noexcept { return m_database.get(); }
-    LifeWatch sourceWatch() const noexcept;
-    bool canStandOn(const KSTViewRep* base) const noexcept;
-    void raiseAbove(int above) noexcept;
-    std::uint64_t lastAttachment() const noexcept;
-    const KSTViewRep& bottomView() const noexcept;
-    Zr::Ptr<Zr::Guard> listenTo(Notifier& source);
-    void addParams(const KSTBase* other);
-
-    // --- Rows ---
-
-    Zr::Ptr<dbrecord> record(int row) const;
-    std::vector<const dbrecord*> records() const;
-    std::vector<unsigned> databaseRows() const;
-    bool hasPlainBases() const noexcept;
-    std::optional<unsigned> sourceRow(unsigned row) const noexcept;
-    template <class IsTagged>
-    void displayAllRecordsTaggedBy(const IsTagged& isTagged);
-    int displayRecordsOf(const Cookie* begin, const Cookie* end, int at);
-    int runLength(int row, int count) const noexcept;
-    template <class TakeOut>
-    void takeOutOfSource(int row, int count, const TakeOut& takeOut);
-    int takeOutRuns(bool (KSTViewRep::*test)(int), void (KSTViewRep::*takeOut)(int, int),
-                    bool (KSTViewRep::*canBeTakenOut)(int) const);
-    std::optional<int> bottomRow(int row) const noexcept;
-    bool isInBottomView(int row) const;
-    bool isInDatabase(int row) const;
-
-    std::unique_ptr<KSTViewRep> newSubview();
-    void copyTagsTo(KSTViewRep& other) const;
-    const char* fieldSpecText() const noexcept { return m_fieldSpec ? m_fieldSpec->c_str() : nullptr; }
-    void pushFieldRef(unsigned field);
-    void writeHeader(TextFile& file) const;
+    friend class ViewChain;
+    friend class ViewUses;
 
     unsigned m_useCount = 0;
-    int m_above = 0;                 // the longest chain that may stand on this view; never lowered
-    std::uint64_t m_attachment = 0;  // the number of the last change of what the view stands on
+    BaseView m_base;
+    AttachedDatabase m_database;
 
-    // The view holds one use of its base view.
-    WatchedPtr<KSTViewRep> m_base;
-    WatchedPtr<kesta> m_database;
-
-    // The share in a database that copyWithNewBaseView has made; else empty.
-    Zr::Ptr<kesta> m_ownDatabase;
-
-    // Entries name rows of the source. Rows that it has not (a source does not announce all that it does)
-    // read as missing records.
+    // Entries name rows of the source. Rows that it does not have (a source does not announce all that it
+    // does) read as missing records.
     RowIndex m_index;
 
-    std::optional<LightweightString<char>> m_fieldSpec;
-    std::unique_ptr<SExpr> m_fields;
+    std::unique_ptr<char[]> m_fieldSpec;  // a text; null when there is none
     LightweightString<wchar_t> m_fileName;
+    std::unique_ptr<SExpr> m_fields;
     Zr::Ptr<Zr::Guard> m_databaseGuard;
     Zr::Ptr<Zr::Guard> m_baseGuard;
 };

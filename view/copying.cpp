@@ -1,13 +1,22 @@
 // KSTViewRep: copies of a view.
+#include <memory>
 #include <vector>
 
 #include "view/KSTViewRep.h"
 #include "view/parts/CopiedDatabase.h"
 
+namespace {
+
+void copyTags(const RowIndex& from, KSTViewRep& to) {
+    for (int row = 0; row < from.size(); ++row) to.set_tag(static_cast<unsigned>(row), from.tag(row) ? 1 : 0);
+}
+
+}  // namespace
+
 KSTViewRep* KSTViewRep::copy() {
-    kesta* const source = database();
+    kesta* const source = m_database.get();
     if (!source) return nullptr;
-    auto result = std::make_unique<KSTViewRep>(source, fieldSpecText());
+    auto result = std::make_unique<KSTViewRep>(source, m_fieldSpec.get());
     if (KSTViewRep* const base = m_base.get()) {
         result->baseView(base);
         result->displayAllRecords();
@@ -15,12 +24,12 @@ KSTViewRep* KSTViewRep::copy() {
         result->displayAllFromAt(this, 0);
         result->addParamsFrom(source);
     }
-    copyTagsTo(*result);
+    copyTags(m_index, *result);
     return result.release();
 }
 
 KSTViewRep* KSTViewRep::copyWithNewBaseView() {
-    const kesta* const source = database();
+    const kesta* const source = m_database.get();
     if (!source) return nullptr;
     const Zr::Ptr<kesta> copied(new CopiedDatabase(*source));
     auto result = std::make_unique<KSTViewRep>(copied.get());
@@ -30,12 +39,6 @@ KSTViewRep* KSTViewRep::copyWithNewBaseView() {
     }
     result->m_index.insertOneByOne(0, std::move(rows));
     result->addParamsFrom(this);
-    copyTagsTo(*result);
+    copyTags(m_index, *result);
     return result.release();
-}
-
-void KSTViewRep::copyTagsTo(KSTViewRep& other) const {
-    for (int row = 0; row < m_index.size(); ++row) {
-        other.set_tag(static_cast<unsigned>(row), m_index.tag(row) ? 1 : 0);
-    }
 }

@@ -8,12 +8,12 @@
 #include <unordered_set>
 #include <vector>
 
+#include "support/NotFound.h"
 #include "view/KSTViewRep.h"
 #include "view/parts/LifeSupport.h"
+#include "view/parts/ViewChain.h"
 
 namespace {
-
-constexpr unsigned noField = static_cast<unsigned>(-1);
 
 // Whether the text of a "Tag" field says that the record is tagged.
 bool saysTagged(const LightweightString<char>& text) noexcept {
@@ -30,7 +30,7 @@ class IdentifierLookup {
     int find(const Cookie& id) {
         const auto text = id.asString(false);
         if (!m_database || m_database->get_show_tags_only() != 0 ||
-            m_database->getRowIndexByID(Cookie(text.c_str(), false)) != noField) {
+            m_database->getRowIndexByID(Cookie(text.c_str(), false)) != Zr::notFound) {
             return m_source.findFirst("Cookie", text.c_str(), 0);
         }
         if (!m_rows) m_rows.emplace(rowsByText(*m_database));
@@ -44,7 +44,7 @@ class IdentifierLookup {
     static RowsByText rowsByText(const kesta& database) {
         RowsByText rows;
         const unsigned column = database.get_fieldnum("Cookie");
-        if (column == noField) return rows;
+        if (column == Zr::notFound) return rows;
         for (unsigned row = 0; row < database.get_num_records(); ++row) {
             rows.emplace(database.getField(row, column).c_str(), row);
         }
@@ -55,6 +55,19 @@ class IdentifierLookup {
     kesta* m_database;
     std::optional<RowsByText> m_rows;
 };
+
+// Shows all rows of a view's source, and where that has a field "Tag" tags those for which
+// isTagged(source, row, field).
+template <class IsTagged>
+void displayAllRecordsTaggedBy(KSTViewRep& view, const IsTagged& isTagged) {
+    const LifeWatch watch = view.watch();
+    view.displayAllRecords();
+    iKST* const source = watch ? view.db() : nullptr;
+    const unsigned field = source ? source->get_fieldnum("Tag") : Zr::notFound;
+    if (field == Zr::notFound) return;
+    for (unsigned row = 0; row < source->get_num_records(); ++row)
+        view.set_tag(row, isTagged(*source, row, field));
+}
 
 }  // namespace
 
@@ -102,21 +115,13 @@ int KSTViewRep::displayAllFromAt(KSTViewRep* other, int at) {
 }
 
 int KSTViewRep::displayRecordsAt(const CookieVec& ids, int at) {
-    return displayRecordsOf(ids.data(), ids.data() + ids.size(), at);
-}
-
-int KSTViewRep::displayRecordsAt(const CookieSet& ids, int at) {
-    return displayRecordsOf(ids.begin(), ids.end(), at);
-}
-
-int KSTViewRep::displayRecordsOf(const Cookie* begin, const Cookie* end, int at) {
     const LifeSupport announced;
     iKST* const source = db();
     if (!source) return 0;
-    IdentifierLookup lookup(*source, bottomView().database());
+    IdentifierLookup lookup(*source, ViewChain(*this).database().get());
     std::vector<unsigned> found;
-    for (const Cookie* id = begin; id != end; ++id) {
-        const int row = lookup.find(*id);
+    for (const Cookie& id : ids) {
+        const int row = lookup.find(id);
         if (row >= 0 && static_cast<unsigned>(row) < source->get_num_records()) {
             found.push_back(static_cast<unsigned>(row));
         }
@@ -126,6 +131,10 @@ int KSTViewRep::displayRecordsOf(const Cookie* begin, const Cookie* end, int at)
     return count;
 }
 
+int KSTViewRep::displayRecordsAt(const CookieSet& ids, int at) {
+    return displayRecordsAt(CookieVec(ids.begin(), ids.end()), at);
+}
+
 void KSTViewRep::displayAllRecords() {
     if (!db()) return;
     const LifeWatch self = watch();
@@ -133,24 +142,13 @@ void KSTViewRep::displayAllRecords() {
     if (self && db()) displayRecordsAt(0, std::numeric_limits<int>::max(), 0);
 }
 
-// Shows all rows, and where the source has a field "Tag" tags those for which isTagged(source, row, field).
-template <class IsTagged>
-void KSTViewRep::displayAllRecordsTaggedBy(const IsTagged& isTagged) {
-    const LifeWatch self = watch();
-    displayAllRecords();
-    iKST* const source = self ? db() : nullptr;
-    const unsigned field = source ? source->get_fieldnum("Tag") : noField;
-    if (field == noField) return;
-    for (unsigned row = 0; row < source->get_num_records(); ++row)
-        set_tag(row, isTagged(*source, row, field));
-}
-
 void KSTViewRep::displayAllRecordsWithBaseTagStatus() {
-    displayAllRecordsTaggedBy([](iKST& source, unsigned row, unsigned) { return source.get_tag(row) != 0; });
+    displayAllRecordsTaggedBy(*this,
+                              [](iKST& source, unsigned row, unsigned) { return source.get_tag(row) != 0; });
 }
 
 void KSTViewRep::setupViewTagsFromKestaTagField() {
-    displayAllRecordsTaggedBy([](const iKST& source, unsigned row, unsigned field) {
+    displayAllRecordsTaggedBy(*this, [](const iKST& source, unsigned row, unsigned field) {
         return saysTagged(source.getField(row, field));
     });
 }

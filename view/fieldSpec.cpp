@@ -1,10 +1,12 @@
 // KSTViewRep: the field specification.
 #include <algorithm>
+#include <cstring>
 #include <memory>
+#include <new>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
-#include "support/Exception.h"
 #include "support/Log.h"
 #include "view/KSTViewRep.h"
 
@@ -21,17 +23,28 @@ FieldsByName fieldsByName(const iKST* source) {
     return fields;
 }
 
+void pushFieldRef(std::unique_ptr<SExpr>& list, unsigned field, iKST* source, LifeWatch watch) {
+    auto ref = std::make_unique<SExprRef>(field, source, std::move(watch));
+    auto cell = std::make_unique<SExpr>(ref.get(), list.get());
+    (void)ref.release();
+    (void)list.release();
+    list = std::move(cell);
+}
+
 }  // namespace
 
 void KSTViewRep::fieldSpec(const char* specification) {
     m_fieldSpec.reset();
     if (!specification) return;
     try {
-        m_fieldSpec.emplace(specification);
-    } catch (const Zr::Exception::BadAlloc&) {
+        const std::size_t size = std::strlen(specification) + 1;
+        m_fieldSpec = std::make_unique<char[]>(size);
+        std::memcpy(m_fieldSpec.get(), specification, size);
+    } catch (const std::bad_alloc&) {
         return;  // a view does well without
     }
 
+    const LifeWatch watch = m_base.isSet() ? m_base.watched().watch() : m_database.watched().watch();
     const FieldsByName fields = fieldsByName(db());
     constexpr std::string_view separators = "\t,";
     std::string_view rest = specification;
@@ -42,21 +55,13 @@ void KSTViewRep::fieldSpec(const char* specification) {
         rest.remove_prefix(name.size());
         const auto found = fields.find(name);
         if (found != fields.end()) {
-            pushFieldRef(found->second);
+            pushFieldRef(m_fields, found->second, db(), watch);
         } else {
             dorp_printf("Warning: KSTView::fieldSpec, non-existant fieldname \"%.*s\".\n",
                         static_cast<int>(name.size()), name.data());
         }
     }
     if (m_fields) m_fields.reset(m_fields.release()->reverse());
-}
-
-void KSTViewRep::pushFieldRef(unsigned field) {
-    auto ref = std::make_unique<SExprRef>(field, db(), sourceWatch());
-    auto cell = std::make_unique<SExpr>(ref.get(), m_fields.get());
-    (void)ref.release();
-    (void)m_fields.release();
-    m_fields = std::move(cell);
 }
 
 void KSTViewRep::identityFieldSpec(GrowString& out) const {
@@ -78,7 +83,7 @@ int KSTViewRep::dbFieldIndex(const char* name) const {
 
 void KSTViewRep::asString(GrowString& out) const {
     out.append("fieldSpec: ");
-    out.append(fieldSpecText());
+    out.append(m_fieldSpec.get());
     out.append('\n');
     if (!m_fields) return;
     out.append("fields: ");

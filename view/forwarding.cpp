@@ -1,11 +1,12 @@
 // KSTViewRep: the record-source interface.
 #include <limits>
+#include <optional>
 
-#include "view/parts/HeldView.h"
+#include "view/parts/ViewUses.h"
 
 namespace {
 
-// Callers count rows as unsigned, a view in int: rows past what an int holds are past any end.
+// The interface counts rows as unsigned, a view in int: rows past what an int holds are past any end.
 int inRange(unsigned number) noexcept {
     constexpr unsigned greatest = std::numeric_limits<int>::max();
     return static_cast<int>(number < greatest ? number : greatest);
@@ -14,6 +15,12 @@ int inRange(unsigned number) noexcept {
 const LightweightString<char>& noText() noexcept {
     static const LightweightString<char> none;
     return none;
+}
+
+// The source's row for a view row; none without a source or for a bad row.
+std::optional<unsigned> sourceRow(const iKST* source, const RowIndex& index, unsigned row) noexcept {
+    if (!source || !index.contains(inRange(row))) return std::nullopt;
+    return index.row(inRange(row));
 }
 
 }  // namespace
@@ -42,12 +49,14 @@ unsigned KSTViewRep::get_num_records() const {
 }
 
 Zr::Ptr<dbrecord> KSTViewRep::get_record(unsigned row) const {
-    return record(inRange(row));
+    const iKST* const source = db();
+    const auto mapped = sourceRow(source, m_index, row);
+    return mapped ? source->get_record(*mapped) : Zr::Ptr<dbrecord>();
 }
 
 Zr::Ptr<dbrecord> KSTViewRep::make_dummy_record() {
-    kesta* const made = database();
-    return made ? made->make_dummy_record() : Zr::Ptr<dbrecord>();
+    kesta* const source = m_database.get();
+    return source ? source->make_dummy_record() : Zr::Ptr<dbrecord>();
 }
 
 const LightweightString<char>& KSTViewRep::getField(unsigned row, unsigned field) const {
@@ -184,7 +193,7 @@ int KSTViewRep::tag_matching_records(int /*keepTags*/) {
 }
 
 int KSTViewRep::tag_all_different(int field) {
-    const Held held(*this);
+    const HeldView held(*this);
     tagDuplicates(field);
     invertAllTags();
     return get_num_tags();
@@ -192,52 +201,47 @@ int KSTViewRep::tag_all_different(int field) {
 
 // --- Fields, through the row that the source has for a view row ---
 
-std::optional<unsigned> KSTViewRep::sourceRow(unsigned row) const noexcept {
-    if (!db() || !m_index.contains(inRange(row))) return std::nullopt;
-    return m_index.row(inRange(row));
-}
-
 bool KSTViewRep::set_field(unsigned row, const Cookie& id) {
-    const auto mapped = sourceRow(row);
+    const auto mapped = sourceRow(db(), m_index, row);
     return mapped && db()->set_field(*mapped, id);
 }
 
 int KSTViewRep::set_field(unsigned row, unsigned field, const char* value) {
-    const auto mapped = sourceRow(row);
+    const auto mapped = sourceRow(db(), m_index, row);
     return mapped ? db()->set_field(*mapped, field, value) : 0;
 }
 
 bool KSTViewRep::set_field(unsigned row, unsigned field, int value) {
-    const auto mapped = sourceRow(row);
+    const auto mapped = sourceRow(db(), m_index, row);
     return mapped && db()->set_field(*mapped, field, value);
 }
 
 bool KSTViewRep::set_field(unsigned row, unsigned field, double value) {
-    const auto mapped = sourceRow(row);
+    const auto mapped = sourceRow(db(), m_index, row);
     return mapped && db()->set_field(*mapped, field, value);
 }
 
 bool KSTViewRep::set_field(unsigned row, unsigned field, bool value) {
-    const auto mapped = sourceRow(row);
+    const auto mapped = sourceRow(db(), m_index, row);
     return mapped && db()->set_field(*mapped, field, value);
 }
 
 bool KSTViewRep::in_field(unsigned row, unsigned field, char* dst, int len) const {
-    const auto mapped = sourceRow(row);
+    const auto mapped = sourceRow(db(), m_index, row);
     return mapped && db()->in_field(*mapped, field, dst, len);
 }
 
 bool KSTViewRep::in_field(unsigned row, unsigned field, int& value) const {
-    const auto mapped = sourceRow(row);
+    const auto mapped = sourceRow(db(), m_index, row);
     return mapped && db()->in_field(*mapped, field, value);
 }
 
 bool KSTViewRep::in_field(unsigned row, unsigned field, double& value) const {
-    const auto mapped = sourceRow(row);
+    const auto mapped = sourceRow(db(), m_index, row);
     return mapped && db()->in_field(*mapped, field, value);
 }
 
 bool KSTViewRep::in_field(unsigned row, unsigned field, bool& value) const {
-    const auto mapped = sourceRow(row);
+    const auto mapped = sourceRow(db(), m_index, row);
     return mapped && db()->in_field(*mapped, field, value);
 }

@@ -9,6 +9,7 @@
 
 #include "record/RecordsDeleted.h"
 #include "view/KSTViewRep.h"
+#include "view/parts/ViewChain.h"
 
 namespace {
 
@@ -25,7 +26,7 @@ class Losses {
         : m_index(index), m_token(message), m_generation(index.generation()) {}
 
     /// The next view row that is lost, to be erased before the next call; -1 when all is done, or when
-    /// somebody has emptied the index meanwhile: what is in it now was put in after the deletion.
+    /// the index has been emptied meanwhile: what is in it now was put in after the deletion.
     int next() noexcept {
         for (; m_token && (m_loss || m_index.generation() == m_generation);
              ++m_token, ++m_position, m_loss.reset()) {
@@ -71,6 +72,100 @@ class Attempts {
 
  private:
     std::exception_ptr m_first;
+};
+
+// How many view rows from `row` on name consecutive source rows. Deliberately the bound sets a view row
+// against a count: a run has one row where `row` is not below count - 1, and count - row at most.
+int runLength(const RowIndex& index, int row, int count) noexcept {
+    int length = 1;
+    while (length < count - row && index.row(row + length) == index.row(row + length - 1) + 1) ++length;
+    return length;
+}
+
+// Takes out `count` rows of a view from `row` on by runs of consecutive source rows, which `takeOut` gets as
+// the first and the length. Ends when the view has come to stand on something else: those are other rows.
+template <class TakeOut>
+void takeOutOfSource(const KSTViewRep& view, const RowIndex& index, int row, int count,
+                     const TakeOut& takeOut) {
+    const LifeWatch watch = view.watch();
+    const std::uint64_t attached = ViewChain(view).lastAttachment();
+    while (row >= 0 && watch && ViewChain(view).lastAttachment() == attached) {
+        count = std::min(count, index.size() - std::min(row, index.size()));
+        if (count < 1 || !view.db()) return;
+        const int run = runLength(index, row, count);
+        takeOut(index.row(row), run);
+        count -= run;
+    }
+}
+
+/// Takes runs of rows out of a view.
+class RunRemoval {
+ public:
+    using Test = bool (KSTViewRep::*)(int);
+    using TakeOut = void (KSTViewRep::*)(int, int);
+    using Reaches = bool (ViewChain::*)(int) const;
+
+    /// By the operation `takeOut`, which finds something to take out where the chain of views `reaches` what
+    /// it takes from.
+    RunRemoval(KSTViewRep& view, const RowIndex& index, TakeOut takeOut, Reaches reaches) noexcept
+        : m_view(view), m_index(index), m_takeOut(takeOut), m_reaches(reaches) {}
+
+    /// Takes out each run of rows that pass the test and returns the number of rows in all runs.
+    int operator()(Test test) {
+        int length = 0;
+        for (int row = 0; row < m_index.size(); ++row) {
+            if ((m_view.*test)(row)) {
+                ++length;
+            } else if (length > 0) {
+                const std::optional<int> next = takeOutRun(row - length, length);
+                if (!next) return static_cast<int>(m_total);
+                length = 0;
+                row = *next;  // deliberately the row that has come there is passed over
+            }
+        }
+        if (length > 0) {
+            m_total += static_cast<unsigned>(length);
+            (m_view.*m_takeOut)(m_index.size() - length, length);
+        }
+        return static_cast<int>(m_total);
+    }
+
+ private:
+    // Returns the row after which the walk goes on, none when it is to end: the run's first row where those
+    // after it have moved down, else its end.
+    std::optional<int> takeOutRun(int first, int length) {
+        const int end = first + length;
+        // Where nothing moves, what is left of the run is the next run.
+        for (; length > 0; ++first) {
+            m_total += static_cast<unsigned>(length--);
+            if (!(ViewChain(m_view).*m_reaches)(first)) continue;
+
+            const int rows = m_index.size();
+            const Zr::Ptr<dbrecord> before = record(first);
+            (m_view.*m_takeOut)(first, length + 1);
+            if (!m_watch || ViewChain(m_view).lastAttachment() != m_attached) return std::nullopt;
+            if (m_index.size() != rows || record(first) != before) return first;
+
+            // Deliberately the runs count that are left where a source refuses, though it is not asked again:
+            // it would refuse each time.
+            const auto left = static_cast<std::uint64_t>(length);
+            m_total += static_cast<unsigned>(left * (left + 1) / 2);
+            return end;
+        }
+        return end;
+    }
+
+    Zr::Ptr<dbrecord> record(int row) const {
+        return m_view.KSTViewRep::get_record(static_cast<unsigned>(row));
+    }
+
+    KSTViewRep& m_view;
+    const RowIndex& m_index;
+    const TakeOut m_takeOut;
+    const Reaches m_reaches;
+    const LifeWatch m_watch = m_view.watch();
+    const std::uint64_t m_attached = ViewChain(m_view).lastAttachment();
+    unsigned m_total = 0;
 };
 
 }  // namespace
@@ -121,39 +216,15 @@ int KSTViewRep::recordsDeletedNotify(const NotifyMsg& message) {
 
 // --- Runs of rows ---
 
-// How many view rows from `row` on name consecutive source rows. Deliberately the bound sets a view row
-// against a count: a run has one row where `row` is not below count - 1, and count - row at most.
-int KSTViewRep::runLength(int row, int count) const noexcept {
-    if (row >= count - 1) return 1;
-    int length = 1;
-    while (length < count - row && m_index.row(row + length) == m_index.row(row + length - 1) + 1) ++length;
-    return length;
-}
-
-// Takes out `count` rows from `row` on by runs of consecutive source rows, which `takeOut` gets as the
-// first and the length. Ends when the view has come to stand on something else: those are other rows.
-template <class TakeOut>
-void KSTViewRep::takeOutOfSource(int row, int count, const TakeOut& takeOut) {
-    const LifeWatch self = watch();
-    const std::uint64_t attached = lastAttachment();
-    while (row >= 0 && self && lastAttachment() == attached) {
-        count = std::min(count, m_index.size() - std::min(row, m_index.size()));
-        if (count < 1 || !db()) return;
-        const int run = runLength(row, count);
-        takeOut(m_index.row(row), run);
-        count -= run;
-    }
-}
-
 void KSTViewRep::deleteRecords(int row, int count) {
-    takeOutOfSource(row, count, [this](unsigned first, int run) {
+    takeOutOfSource(*this, m_index, row, count, [this](unsigned first, int run) {
         db()->delete_records(first, static_cast<unsigned>(run));
     });
 }
 
 void KSTViewRep::removeRecordsFromBaseView(int row, int count) {
     if (m_base.isSet()) {
-        takeOutOfSource(row, count, [this](unsigned first, int run) {
+        takeOutOfSource(*this, m_index, row, count, [this](unsigned first, int run) {
             m_base.get()->removeRecordsFromBaseView(static_cast<int>(first), run);
         });
     } else if (db() && count > 0) {
@@ -162,12 +233,14 @@ void KSTViewRep::removeRecordsFromBaseView(int row, int count) {
 }
 
 int KSTViewRep::deleteTagged() {
-    return takeOutRuns(&KSTViewRep::tag, &KSTViewRep::deleteRecords, &KSTViewRep::isInDatabase);
+    RunRemoval remove(*this, m_index, &KSTViewRep::deleteRecords, &ViewChain::reachesDatabase);
+    return remove(&KSTViewRep::tag);
 }
 
 int KSTViewRep::removeSome(bool (KSTViewRep::*test)(int)) {
     if (!test) return 0;
-    return takeOutRuns(test, &KSTViewRep::removeRecordsFromBaseView, &KSTViewRep::isInBottomView);
+    RunRemoval remove(*this, m_index, &KSTViewRep::removeRecordsFromBaseView, &ViewChain::reachesBottomView);
+    return remove(test);
 }
 
 int KSTViewRep::removeTagged() {
@@ -176,66 +249,4 @@ int KSTViewRep::removeTagged() {
 
 int KSTViewRep::removeNonTagged() {
     return removeSome(&KSTViewRep::notTagged);
-}
-
-// The row of the view at the bottom of the chain that a view row stands for; none when a view between has not
-// the row.
-std::optional<int> KSTViewRep::bottomRow(int row) const noexcept {
-    for (const KSTViewRep* view = this; view && view->m_index.contains(row); view = view->m_base.get()) {
-        if (!view->m_base.isSet()) return row;
-        row = static_cast<int>(view->m_index.row(row));
-    }
-    return std::nullopt;
-}
-
-bool KSTViewRep::isInBottomView(int row) const {
-    return bottomRow(row).has_value();
-}
-
-bool KSTViewRep::isInDatabase(int row) const {
-    const KSTViewRep& bottom = bottomView();
-    const kesta* const source = bottom.database();
-    const std::optional<int> found = bottomRow(row);
-    return source && found && bottom.m_index.row(*found) < source->get_num_records();
-}
-
-// Takes out each run of rows that pass the test and can be taken out; answers the rows in all runs.
-int KSTViewRep::takeOutRuns(bool (KSTViewRep::*test)(int), void (KSTViewRep::*takeOut)(int, int),
-                            bool (KSTViewRep::*canBeTakenOut)(int) const) {
-    const LifeWatch self = watch();
-    const std::uint64_t attached = lastAttachment();
-    unsigned total = 0;
-    int length = 0;
-    for (int row = 0; row < m_index.size(); ++row) {
-        if ((this->*test)(row)) {
-            ++length;
-            continue;
-        }
-        // The walk goes on behind the run's first row. Where nothing moves, what is left of the run is the
-        // next run.
-        for (int first = row - length; length > 0; ++first) {
-            total += static_cast<unsigned>(length);
-            --length;
-            if (!(this->*canBeTakenOut)(first)) continue;
-
-            const int rows = m_index.size();
-            const Zr::Ptr<dbrecord> before = record(first);
-            (this->*takeOut)(first, length + 1);
-            if (!self || lastAttachment() != attached) return static_cast<int>(total);
-            if (m_index.size() != rows || record(first) != before) {
-                row = first;
-            } else {
-                // Deliberately the runs count that are left where a source refuses, though it is not asked
-                // again: it would refuse each time.
-                const auto left = static_cast<std::uint64_t>(length);
-                total += static_cast<unsigned>(left * (left + 1) / 2);
-            }
-            length = 0;
-        }
-    }
-    if (length > 0) {
-        (this->*takeOut)(m_index.size() - length, length);
-        total += static_cast<unsigned>(length);
-    }
-    return static_cast<int>(total);
 }

@@ -1,13 +1,10 @@
 // KSTViewRep: from view rows to records, source rows and database rows, and back.
+#include "support/NotFound.h"
 #include "view/KSTViewRep.h"
 
-Zr::Ptr<dbrecord> KSTViewRep::record(int row) const {
-    const iKST* const source = db();
-    return source && m_index.contains(row) ? source->get_record(m_index.row(row)) : Zr::Ptr<dbrecord>();
-}
-
 dbrecord* KSTViewRep::operator[](int row) const {
-    return record(row).get();
+    const iKST* const source = db();
+    return source && m_index.contains(row) ? source->get_record(m_index.row(row)).get() : nullptr;
 }
 
 int KSTViewRep::baseIndex(int row) {
@@ -19,7 +16,7 @@ unsigned KSTViewRep::findViewIndexForBaseRow(unsigned long sourceRow) const noex
     for (int row = 0; row < m_index.size(); ++row) {
         if (m_index.row(row) == sourceRow) return static_cast<unsigned>(row);
     }
-    return static_cast<unsigned>(-1);
+    return Zr::notFound;
 }
 
 int KSTViewRep::find(dbrecord* wanted) const {

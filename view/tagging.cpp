@@ -1,5 +1,20 @@
 // KSTViewRep: tags.
-#include "view/parts/HeldView.h"
+#include <memory>
+
+#include "view/parts/ViewUses.h"
+
+namespace {
+
+// A view on the same database, chained on `base`; null when the chain is as long as it may be. Destroying it
+// ends a use of `base`: hold that meanwhile.
+std::unique_ptr<KSTViewRep> newSubview(KSTViewRep& base, kesta* database, const char* fieldSpecification) {
+    auto view = std::make_unique<KSTViewRep>(database, fieldSpecification);
+    view->baseView(&base);
+    if (view->db() != &base) view.reset();
+    return view;
+}
+
+}  // namespace
 
 bool KSTViewRep::tag(int row) {
     return m_index.contains(row) && m_index.tag(row);
@@ -54,8 +69,8 @@ int KSTViewRep::tagDuplicatesOrdered(int field) {
 }
 
 int KSTViewRep::tagDuplicates(int field) {
-    const Held held(*this);
-    const std::unique_ptr<KSTViewRep> sorted = newSubview();
+    const HeldView held(*this);
+    const std::unique_ptr<KSTViewRep> sorted = newSubview(*this, m_database.get(), m_fieldSpec.get());
     if (!sorted) return 0;
     sorted->displayAllRecords();
     sorted->set_sortfield(field);
@@ -73,18 +88,10 @@ void KSTViewRep::tagBaseFromTags() {
 }
 
 KSTViewRep* KSTViewRep::newTagSubview() {
-    if (!database()) return nullptr;
-    const Held held(*this);
-    std::unique_ptr<KSTViewRep> tagged = newSubview();
+    kesta* const database = m_database.get();
+    if (!database) return nullptr;
+    const HeldView held(*this);
+    std::unique_ptr<KSTViewRep> tagged = newSubview(*this, database, m_fieldSpec.get());
     if (tagged) tagged->displayTaggedRecordsAt(0);
     return tagged.release();
-}
-
-// A view on the same database, chained on this one; null when the chain is as long as it may be. Destroying
-// it ends a use of this view: hold this view meanwhile.
-std::unique_ptr<KSTViewRep> KSTViewRep::newSubview() {
-    auto view = std::make_unique<KSTViewRep>(database(), fieldSpecText());
-    view->baseView(this);
-    if (view->db() != this) view.reset();
-    return view;
 }

@@ -37,7 +37,7 @@ class AleWriter {
         for (const auto& param : params) {
             if (Ascii::equalFolded(param.name().view(), "KESTA")) continue;
             // Its numbers are those of the log's columns.
-            if (Ascii::equalFolded(param.name().view(), columnMapKey) && !isWhole) continue;
+            if (Ascii::equalFolded(param.name().view(), FieldMap::parameter) && !isWhole) continue;
             std::string line;
             append(line, param.name().view(), "a parameter");
             line += '\t';

@@ -15,7 +15,7 @@ constexpr unsigned lastToShow = 999;
 constexpr unsigned lastToHide = 99;
 
 bool keepsMap(const kesta& log) {
-    return *log.get_param_val(columnMapKey) != 0;
+    return *log.get_param_val(FieldMap::parameter) != 0;
 }
 
 std::string placeOf(const kesta& log, unsigned column) {
@@ -82,10 +82,10 @@ void storeColumnMap(kesta& log, const FieldMap& map) {
     FieldMap kept(map);
     kept.remove("");  // stands for columns that the log does not have
     for (int i = 0; i < kept.size(); ++i) requireRoom(log, log.get_fieldnum(kept[i]), kept.isVisible(i));
-    log.set_param_val(columnMapKey, kept.asString().c_str());
+    log.set_param_val(FieldMap::parameter, kept.asString().c_str());
     warnOfUnnameable(log);
 }
 
 void forgetColumnMap(kesta& log) {
-    if (log.findParamIndex(columnMapKey) >= 0) log.set_param_val(columnMapKey, "");
+    if (log.findParamIndex(FieldMap::parameter) >= 0) log.set_param_val(FieldMap::parameter, "");
 }

@@ -7,9 +7,6 @@
 
 #include "fieldmap/FieldMap.h"
 
-/// The parameter that keeps the map.
-constexpr const char* columnMapKey = "V5_FIELD_MAP";
-
 /// A column by its number in the log.
 struct ListedColumn {
     unsigned column;

@@ -1,6 +1,6 @@
 // LiveSet: the numbers below a bound, from which some go for good.
 //
-// Answers which is the n-th that is left, and how many are left below a number, in logarithmic time.
+// Tells which is the n-th that is left, and how many are left below a number, in logarithmic time.
 // Thread-safety: const operations may run at once while nobody removes a number.
 #pragma once
 
