@@ -1,6 +1,6 @@
-// Any sequence of the operations that callers have, with good and bad arguments: over a database, a chain of
+// Any sequence of the public operations, with good and bad arguments: over a database, a chain of
 // two views on it, views beside them, a field map and a second database; by listeners, too, while they are
-// told of something else. What they answer must agree with itself.
+// told of something else. What they return must agree with itself.
 #include <array>
 #include <utility>
 #include <vector>
@@ -65,9 +65,6 @@ class World {
 
     /// How many rows to make: anything but what would merely use up memory.
     int count() { return std::min(number(), 300); }
-
-    /// The same unsigned, where a negative number would be a huge one.
-    unsigned size() { return static_cast<unsigned>(std::max(count(), 0)); }
 
     DBFieldTypes::eType type() { return static_cast<DBFieldTypes::eType>(input.byte()); }
     Fuzz::Text text() { return Fuzz::Text(input.text()); }
@@ -151,7 +148,7 @@ class World {
         where.sort(number(), number());
     }
 
-    // What is sorted satisfies the comparators that callers have.
+    // What is sorted satisfies the exported comparators.
     void sortDatabase(kesta& where) {
         const int direction = number();
         where.set_sortfield(number());
@@ -189,59 +186,50 @@ class World {
         where.set_query(seldom() ? nullptr : wanted.get());
     }
 
-    void inField(const iKST& where, unsigned row, unsigned field) {
+    // Everything that only reads, with arguments that may be bad.
+    void look(iKST& where, unsigned row, unsigned field, const Fuzz::Text& text) {
         char characters[9];
         int whole = 0;
         double real = 0;
         bool truth = false;
-        const int length = std::min(number(), 8);
-        if (where.in_field(row, field, characters, length)) {
-            Fuzz::promise(where.getField(row, field)
-                              .view()
-                              .compare(0, std::string_view(characters).size(), characters) == 0);
+        if (where.in_field(row, field, characters, std::min(number(), 8))) {
+            const std::string_view copied(characters);
+            Fuzz::promise(where.getField(row, field).view().substr(0, copied.size()) == copied);
         }
-        where.in_field(row, field, nullptr, length);
+        where.in_field(row, field, nullptr, 8);
         where.in_field(row, field, whole);
         where.in_field(row, field, real);
         where.in_field(row, field, truth);
+        where.get_fieldsize(field);
+        where.get_fieldtype(field);
+        where.get_fieldnum(text);
+        where.baseIndex(static_cast<int>(row));
+        where.match_record(static_cast<int>(row));
+        where.findFirst(flag() ? name().c_str() : nullptr, text.c_str(), whole);
+        Fuzz::promise(where.get_param_val(nullptr) && where.get_param_val(text.c_str()));
     }
 
     void walk() {
         KSTViewCursor cursor(handle(), number(), flag());
         for (std::size_t steps = pick(8); steps > 0; --steps) {
-            switch (pick(6)) {
-                case 0:
-                    --cursor;
-                    break;
-                case 1:
-                    cursor.remove();
-                    break;
-                case 2:
-                    cursor.set_index(number());
-                    break;
-                case 3:
-                    cursor.find(database().get_record(row()).get());
-                    break;
-                case 4:
-                    step();
-                    break;
-                default:
-                    ++cursor;
-            }
+            const std::size_t what = pick(6);
+            if (what == 0) --cursor;
+            if (what == 1) cursor.remove();
+            if (what == 2) cursor.set_index(number());
+            if (what == 3) cursor.find(database().get_record(row()).get());
+            if (what == 4) step();
+            if (what == 5) ++cursor;
             if (dbrecord* const found = *cursor) Fuzz::promise(found->get_num_fields() <= 65535);
         }
     }
-
-    /// From now on the next listener that is told of something does a step of its own.
-    void ambush() { m_ambush = true; }
-
-    void deafen() { m_guards.clear(); }
 
     Fuzz::Input& input;
     std::array<DatabasePtr, 2> databases;
     std::vector<KSTView> views;  // never an empty one
     FieldMap map;
     GrowString out;
+    std::vector<Zr::Ptr<Zr::Guard>> guards;
+    bool ambush = false;  // whether the next listener that is told of something does a step of its own
     Zr::Ptr<dbrecord> record = Zr::Ptr<dbrecord>(new dbrecord(3));  // kept, whatever becomes of its row
 
  private:
@@ -266,11 +254,11 @@ class World {
 
     void listenTo(Notifier& notifier) {
         for (const char* const type : {"recordsDeleted", "recordsChanged"}) {
-            m_guards.push_back(notifier.registerNotification(NotifyMsgTypeDictionary::instance().intern(type),
-                                                             [this](const NotifyMsg&) {
-                                                                 if (std::exchange(m_ambush, false)) step();
-                                                                 return 0;
-                                                             }));
+            guards.push_back(notifier.registerNotification(NotifyMsgTypeDictionary::instance().intern(type),
+                                                           [this](const NotifyMsg&) {
+                                                               if (std::exchange(ambush, false)) step();
+                                                               return 0;
+                                                           }));
         }
     }
 
@@ -334,8 +322,6 @@ class World {
         }
     }
 
-    std::vector<Zr::Ptr<Zr::Guard>> m_guards;
-    bool m_ambush = false;
     int m_steps = 0;
 };
 
@@ -346,26 +332,22 @@ constexpr Operation operations[] = {
     // Fields.
     [](World& w) { w.source().set_field(w.row(), w.field(), w.text().c_str()); },
     [](World& w) { w.source().set_field(w.row(), w.field(), w.text().c_str()); },
-    [](World& w) { w.source().set_field(w.row(), w.field(), static_cast<const char*>(nullptr)); },
     [](World& w) { w.source().set_field(w.row(), w.field(), w.number()); },
     [](World& w) { w.source().set_field(w.row(), w.field(), static_cast<double>(w.number()) * 1e300); },
-    [](World& w) { w.source().set_field(w.row(), w.field(), w.flag()); },
     [](World& w) { w.source().set_field(w.row(), w.identifier()); },
     [](World& w) { w.database().setField(w.row(), w.field(), w.text()); },
-    [](World& w) { w.inField(w.source(), w.row(), w.field()); },
+    [](World& w) { w.look(w.source(), w.row(), w.field(), w.text()); },
 
     // Rows.
     [](World& w) { w.source().add_records(w.count()); },
-    [](World& w) { w.source().insert_records(w.row(), w.size()); },
+    [](World& w) { w.source().insert_records(w.row(), w.input.below(32)); },
     [](World& w) { w.database().addRecord(w.identifier()); },
     [](World& w) { w.source().delete_records(w.row(), w.row()); },
     [](World& w) { w.source().delete_records(w.row(), w.row()); },
     [](World& w) { w.source().delete_tagged_records(); },
-    [](World& w) { w.source().make_dummy_record(); },
-    [](World& w) { w.source().baseIndex(w.number()); },
     [](World& w) { w.database().clear_changed(); },
 
-    // Records that callers keep.
+    // Records that are kept outside.
     [](World& w) {
         if (auto kept = w.source().get_record(w.row())) w.record = kept;
     },
@@ -378,7 +360,6 @@ constexpr Operation operations[] = {
     [](World& w) { w.record->clear(); },
     [](World& w) { *w.record = dbrecord(static_cast<unsigned short>(w.pick(8))); },
     [](World& w) { w.record->set_container(w.anyDatabase()); },
-    [](World& w) { w.record->set_tag(w.input.byte()); },
 
     // Tags.
     [](World& w) { w.source().set_tag(w.row(), w.number()); },
@@ -401,8 +382,6 @@ constexpr Operation operations[] = {
     [](World& w) { w.view().tagBaseFromTags(); },
 
     // Order and queries.
-    [](World& w) { w.source().set_sortfield(w.number()); },
-    [](World& w) { w.source().sort(w.number(), w.number()); },
     [](World& w) { w.sort(w.source()); },
     [](World& w) { w.sortDatabase(w.database()); },
     [](World& w) { w.query(w.database()); },
@@ -410,10 +389,7 @@ constexpr Operation operations[] = {
     [](World& w) { w.source().tag_matching_records(w.number()); },
     [](World& w) { w.tagMatching(w.source()); },
     [](World& w) { w.tagDifferent(w.source()); },
-    [](World& w) { w.source().match_record(w.number()); },
     [](World& w) { w.view().tagMatches(w.number()); },
-    [](World& w) { w.source().findFirst(w.name().c_str(), w.text().c_str(), w.number()); },
-    [](World& w) { w.source().findFirst(nullptr, nullptr, w.number()); },
     [](World& w) { w.database().get_record(w.identifier()); },
 
     // Columns.
@@ -422,14 +398,8 @@ constexpr Operation operations[] = {
     },
     [](World& w) { w.database().removeField(w.name()); },
     [](World& w) { w.source().set_fieldname(w.field(), w.name().c_str()); },
-    [](World& w) { w.source().set_fieldname(w.field(), nullptr); },
     [](World& w) { w.source().set_fieldtype(w.field(), w.type()); },
-    [](World& w) { w.source().get_fieldsize(w.field()); },
-    [](World& w) { w.source().get_fieldtype(w.field()); },
-    [](World& w) { w.source().get_fieldnum(w.name()); },
-    [](World& w) { w.database().isSpecialLabelField(w.field()); },
     [](World& w) { w.view().fieldSpec(w.text().c_str()); },
-    [](World& w) { w.view().fieldSpec(nullptr); },
     [](World& w) { w.view().asString(w.out); },
     [](World& w) { w.view().identityFieldSpec(w.out); },
     [](World& w) { w.view().dbFieldIndex(w.seldom() ? nullptr : w.name().c_str()); },
@@ -437,9 +407,6 @@ constexpr Operation operations[] = {
     // Parameters.
     [](World& w) { w.source().add_param(w.text(), w.text()); },
     [](World& w) { w.source().set_param_val(w.text().c_str(), nullptr); },
-    [](World& w) { w.source().set_param_val(nullptr, w.text().c_str()); },
-    [](World& w) { Fuzz::promise(w.source().get_param_val(nullptr) != nullptr); },
-    [](World& w) { Fuzz::promise(w.source().get_param_val(w.text().c_str()) != nullptr); },
     [](World& w) { w.view().addParamsFrom(w.anyView()); },
     [](World& w) { w.view().addParamsFrom(w.anyDatabase()); },
 
@@ -473,7 +440,6 @@ constexpr Operation operations[] = {
     [](World& w) { w.view().kst(w.anyDatabase()); },
     [](World& w) { w.view().baseView(w.anyView()); },
     [](World& w) { w.view().baseView(w.anyView()); },
-    [](World& w) { w.view().init(); },
     [](World& w) { w.renewView(w.view().copy()); },
     [](World& w) { w.renewView(w.view().copyWithNewBaseView()); },
     [](World& w) { w.renewView(w.view().newTagSubview()); },
@@ -508,10 +474,10 @@ constexpr Operation operations[] = {
     [](World& w) { w.renewDatabase(DatabasePtr(new kesta(w.database(), w.flag()))); },
 
     // Listeners.
-    [](World& w) { w.ambush(); },
-    [](World& w) { w.ambush(); },
-    [](World& w) { w.ambush(); },
-    [](World& w) { w.deafen(); },
+    [](World& w) { w.ambush = true; },
+    [](World& w) { w.ambush = true; },
+    [](World& w) { w.ambush = true; },
+    [](World& w) { w.guards.clear(); },
 };
 
 void World::step() {

@@ -311,7 +311,7 @@ class CountingAllocator : public iAllocator {
 };
 
 /// Runs `attempt` with memory ending at its first request, then at its second, and so on until it has enough.
-/// After each failure `verify` looks at what is left, with memory back. Answers how many attempts failed.
+/// After each failure `verify` looks at what is left, with memory back. Returns how many attempts failed.
 template <class Attempt, class Verify>
 unsigned failEachRequest(Attempt attempt, Verify verify) {
     for (unsigned failures = 0;; ++failures) {

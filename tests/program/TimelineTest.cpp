@@ -62,10 +62,12 @@ TEST_F(TimelineTest, StacksOverlapsShowsGapsAndShortensLongOnes) {
 }
 
 TEST_F(TimelineTest, CountsDropFrameCodesAndPassesMidnight) {
-    records({"1,R,01:00:59;28,01:01:00;03", "2,R,00:59:59;29,01:00:00;00", "3,D,00:00:00;00,23:59:59;29"});
+    records({"1,R,01:00:59;28,01:01:00;03", "2,R,00:59:59;29,01:00:00;00", "3,D,00:00:00;00,23:59:59;29",
+             "4,T,01:09:59;28,01:10:00;01"});
     expectIn(picture(), {"29.97 fps (assumed)", "01:00:59;28 - 01:01:00;03, 00:00:00;03&#10;row 1",
                          "00:59:59;29 - 01:00:00;00, 00:00:00;01&#10;row 2",
-                         "00:00:00;00 - 23:59:59;29, 23:59:59;29&#10;row 3"});
+                         "00:00:00;00 - 23:59:59;29, 23:59:59;29&#10;row 3",
+                         "01:09:59;28 - 01:10:00;01, 00:00:00;03&#10;row 4"});
     expectIn(picture({"--fps", "59.94"}),
              {"row 1: End time 01:01:00;03 is one of the numbers that drop frame"});
 

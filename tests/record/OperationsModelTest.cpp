@@ -15,7 +15,7 @@ constexpr unsigned none = 0xFFFFFFFF;
 struct Row {
     bool exists = true;
     Fields fields;
-    int tag = 0;
+    unsigned tag = 0;
     bool changed = false;
 };
 
@@ -58,9 +58,7 @@ class Operations {
                                             {"set_field identifier", &Operations::setIdentifier},
                                             {"addRecord", &Operations::addRecord},
                                             {"getRowIndexByID", &Operations::findIdentifier},
-                                            {"findFirst", &Operations::findFirst},
                                             {"clear_changed", &Operations::clearChanged},
-                                            {"sort by", &Operations::sort},
                                             {"set_show_tags_only", &Operations::showTagsOnly},
                                             {"set_field", &Operations::storeText},
                                             {"setField", &Operations::storeString}};
@@ -175,26 +173,26 @@ class Operations {
 
     void setTag() {
         const unsigned row = anyRow();
-        const int value = static_cast<int>(number(5)) * 129 - 128;
-        m_database.set_tag(row, value);
-        if (Row* const found = shownRow(row)) found->tag = value & 255;
+        const unsigned value = number(3) * 129;  // cut to a byte
+        m_database.set_tag(row, static_cast<int>(value));
+        if (Row* const found = shownRow(row)) found->tag = value % 256;
     }
 
     void invertTag() {
         const unsigned row = anyRow();
         m_database.invert_tag(row);
-        if (Row* const found = shownRow(row)) found->tag = found->tag == 0;
+        if (Row* const found = shownRow(row)) found->tag = found->tag == 0 ? 1 : 0;
     }
 
     void setAllTags() {
-        const int value = static_cast<int>(number(3));
-        m_database.set_all_tags(value);
+        const unsigned value = number(3);
+        m_database.set_all_tags(static_cast<int>(value));
         for (Row& row : m_rows) row.tag = m_taggedOnly ? row.tag : value;
     }
 
     void invertAllTags() {
         m_database.invert_all_tags();
-        for (Row& row : m_rows) row.tag = row.tag == 0;
+        for (Row& row : m_rows) row.tag = row.tag == 0 ? 1 : 0;
     }
 
     void setIdentifier() {
@@ -229,41 +227,10 @@ class Operations {
                 std::pair(row, exists ? m_rows[row].fields : Fields{"no record"}));
     }
 
-    void findFirst() {
-        const std::string name = anyName();
-        const std::string value = anyText();
-        const auto length = static_cast<int>(number(3));
-        const unsigned field = fieldOf(name);
-        unsigned expected = Ascii::equalFolded(name, "cookie") ? rowOf(value) : none;
-        const std::size_t compared = length == 0 ? std::string::npos : static_cast<std::size_t>(length);
-        for (unsigned row = 0; !m_taggedOnly && field != none && expected == none && row < rowCount();
-             ++row) {
-            const std::string found = m_rows[row].exists ? m_rows[row].fields[field] : "";
-            if (found.substr(0, compared) == value.substr(0, compared)) expected = row;
-        }
-        answers(m_database.findFirst(name.c_str(), value.c_str(), length), static_cast<int>(expected));
-    }
-
     void clearChanged() {
         m_database.clear_changed();
         for (Row& row : m_rows) row.changed = false;
         m_changed = false;
-    }
-
-    void sort() {
-        const unsigned field = anyField();
-        m_database.set_sortfield(static_cast<int>(field));
-        m_database.sort(1, 1);
-        // Values come first, then empty ones, blank records, and rows without a record.
-        const auto key = [&](const Row& row) -> std::string {
-            if (!row.exists) return "4";
-            if (Fields(row.fields.size()) == row.fields) return "3";
-            if (field >= m_names.size()) return "1";
-            if (row.fields[field].empty()) return "2";
-            return '1' + Ascii::folded(Ascii::withoutLeadingSpace(row.fields[field]));
-        };
-        std::stable_sort(m_rows.begin(), m_rows.end(),
-                         [&](const Row& a, const Row& b) { return key(a) < key(b); });
     }
 
     void showTagsOnly() {
@@ -346,7 +313,7 @@ class Operations {
         for (unsigned row = 0; row < m_database.get_num_records(); ++row) {
             const Zr::Ptr<dbrecord> record = m_database.get_record(row);
             state.push_back(
-                rowState(record ? Row{true, fieldsOf(*record), m_database.get_tag(row), record->get_changed()}
+                rowState(record ? Row{true, fieldsOf(*record), record->get_tag(), record->get_changed()}
                                 : Row{false, {}, 0, false}));
         }
         return state;

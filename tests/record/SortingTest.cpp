@@ -2,6 +2,7 @@
 #include <random>
 #include <strings.h>
 
+#include "support/Ascii.h"
 #include "tests/TestSupport.h"
 
 namespace {
@@ -74,9 +75,8 @@ TEST(SortFields, AreListsCutToSixteenBitsAndToNineThatExist) {
     database->set_sortfield(0x10001);
     EXPECT_EQ(database->getSortFieldIdx(), 1);
     database->set_sortfield(-1);
-    EXPECT_EQ(database->getSortFieldIdx(), 65535);
     database->sortPrepare(0, 0);
-    EXPECT_LT(cmp_fields[0], 0);
+    EXPECT_LT(cmp_fields[0], 0) << "65535 is no column";
     database->set_sortfields(nullptr);
     EXPECT_EQ(database->getSortFieldIdx(), 0);
     sortBy(*database, {1, 2});
@@ -157,13 +157,10 @@ class Model {
     }
 
  private:
-    static bool blank(const Fields& row) {
-        return std::all_of(row.begin(), row.end(), [](const std::string& text) { return text.empty(); });
-    }
+    static bool blank(const Fields& row) { return row == Fields(row.size()); }
 
     static std::string trimmed(const std::string& text) {
-        const std::size_t begin = text.find_first_not_of(" \t\n\v\f\r");
-        return begin == std::string::npos ? "" : text.substr(begin);
+        return std::string(Ascii::withoutLeadingSpace(text));
     }
 
     int compareUp(const Fields& a, const Fields& b) const {
@@ -224,8 +221,7 @@ class RandomSort {
         for (unsigned n = below(5); n != 0; --n) model.keys.push_back(int(below(columns)));
         model.ignoreCase = below(2) != 0;
         model.descending = below(2) != 0;
-        const bool hasTimecode = database->get_field_type(1) == DBFieldTypes::eTimecode;
-        if (hasTimecode && std::count(model.keys.begin(), model.keys.end(), 1)) model.timecode = 1;
+        if (database->get_field_type(1) == DBFieldTypes::eTimecode) model.timecode = 1;
         const auto before = [&model](const Fields& a, const Fields& b) { return model.compare(a, b) < 0; };
 
         sortBy(*database, model.keys, model.descending ? down : up, model.ignoreCase);
@@ -240,7 +236,7 @@ class RandomSort {
             Zr::Ptr<dbrecord> lower = database->get_record(row);
             const int compared = compare(&upper, &lower);
             if (compared > 0 || (compared < 0) != before(rows[row - 1], rows[row])) {
-                return testing::AssertionFailure() << "the comparator answers " << compared << " at " << row;
+                return testing::AssertionFailure() << "the comparator returns " << compared << " at " << row;
             }
         }
         return testing::AssertionSuccess();

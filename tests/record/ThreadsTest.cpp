@@ -17,7 +17,7 @@ TEST(RecordThreads, FirstLookUpsMayComeFromAllAtOnce) {
         database.set_field(row, 0, static_cast<int>(row));
         database.set_field(row, 2, static_cast<int>(row % 7));
     }
-    database.set_fieldname(1, "Scene");  // both caches are to be filled anew
+    database.set_fieldname(1, "Scene");  // both caches are to be filled again
 
     const auto look = [&database] {
         const unsigned reel = database.get_fieldnum("REEL");
