@@ -46,7 +46,7 @@ class TemporaryFile {
         if (::stat(systemPath(m_original).c_str(), &original) != 0) return false;
         // A file that its owner may not write could not have been filled.
         return (original.st_mode & S_IWUSR) != 0 ||
-               ::fchmod(file.descriptor(), filled.st_mode & 07777 & ~S_IWUSR) == 0;
+               ::fchmod(file.descriptor(), filled.st_mode & 07777 & ~mode_t(S_IWUSR)) == 0;
     }
 
     const LightweightString<wchar_t>& m_name;
