@@ -18,10 +18,10 @@ Rows rowsOf(const TableSource& table) {
     Rows rows;
     Fuzz::promise(!table.columns().empty());
     unsigned lastLine = table.columnLine();
-    table.forEachRow([&](unsigned line, const std::vector<std::string>& values) {
+    table.forEachRow([&](unsigned line, const TableSource::Values& values) {
         Fuzz::promise(line > lastLine && !values.empty());
         lastLine = line;
-        rows.push_back(values);
+        rows.emplace_back(values.begin(), values.end());
     });
     return rows;
 }

@@ -19,7 +19,7 @@ search                  support record record/parts/Prefetch.h
 view                    support record search expr view/parts record/parts/SortKeys.h
 view/parts              support record view
 fieldmap                support record search expr view
-container               support record
+container               support record support/misc/FileReplacement.h
 tools/Failure
 tools/terminal          support tools/Failure
 tools/files             support tools/Failure tools/terminal

@@ -73,12 +73,9 @@ class AtTerminalTest : public ProgramTest {
 };
 
 TEST_F(AtTerminalTest, ATerminalGetsLinesThatFitAndTheHeaderWithEveryScreenful) {
-    const std::string file =
-        log("a.log", "\"Name\",\"Notes\"",
-            "\"1\",\"\xE6\x98\xA0\xE7\x94\xBB\xE6\x98\xA0\xE7\x94\xBB\xE6\x98\xA0\"\n\"2\",\"\"\n"
-            "\"3\",\"\"\n\"4\",\"\"\n\"5\",\"" +
-                std::string(200, 'x') + "\"\n");
-    EXPECT_EQ(onTerminal({"show", file, "--color", "never"}, 18, 5),
+    table("a.log", {"Name,Notes", "1,\xE6\x98\xA0\xE7\x94\xBB\xE6\x98\xA0\xE7\x94\xBB\xE6\x98\xA0", "2", "3",
+                    "4", "5," + std::string(200, 'x')});
+    EXPECT_EQ(onTerminal("show a.log --color never", 18, 5),
               "Row  Name  Notes\n"
               "  1  1     \xE6\x98\xA0\xE7\x94\xBB\xE6\x98\xA0\xE2\x80\xA6\n"
               "  2  2\n"
@@ -86,23 +83,22 @@ TEST_F(AtTerminalTest, ATerminalGetsLinesThatFitAndTheHeaderWithEveryScreenful) 
               "Row  Name  Notes\n"
               "  4  4\n"
               "  5  5     xxxxxx\xE2\x80\xA6\n");
-    EXPECT_EQ(run({"show", file, "--rows", "5"}).out,
-              "Row  Name  Notes\n  5  5     " + std::string(200, 'x') + '\n')
+    EXPECT_EQ(run("show a.log --rows 5").out, "Row  Name  Notes\n  5  5     " + std::string(200, 'x') + '\n')
         << "elsewhere everything is written in full";
 }
 
 TEST_F(AtTerminalTest, ColoursAreForTerminalsUnlessSaidOtherwise) {
-    const std::string file = log("a.log", "\"Name\",\"Tag\"", "\"1\",\"0\"\n\"2\",\"7\"\n");
+    table("a.log", {"Name,Tag", "1,0", "2,7"});
     const std::string plain = "Row  Name  Tag\n  1  1     0\n  2  2     7\n";
     const std::string coloured = "\x1B[1mRow  Name  Tag\x1B[0m\n  1  1     0\n\x1B[36m  2  2     7\x1B[0m\n";
-    EXPECT_EQ(onTerminal({"show", file}, 80, 24), coloured);
-    EXPECT_EQ(run({"show", file}).out, plain);
-    EXPECT_EQ(run({"show", file, "--color", "always"}).out, coloured);
-    EXPECT_EQ(run({"show", file, "--color", "always", "--rows", "9"}).err,
+    EXPECT_EQ(onTerminal("show a.log", 80, 24), coloured);
+    EXPECT_EQ(run("show a.log").out, plain);
+    EXPECT_EQ(run("show a.log --color always").out, coloured);
+    EXPECT_EQ(run("show a.log --color always --rows 9").err,
               "\x1B[1;31mkesta:\x1B[0m no row 9; the log's rows are 1 to 2\n");
     for (const auto& [variable, value] : {std::pair("NO_COLOR", "1"), std::pair("TERM", "dumb")}) {
         setenv(variable, value, 1);
-        EXPECT_EQ(onTerminal({"show", file}, 80, 24), plain) << variable;
+        EXPECT_EQ(onTerminal("show a.log", 80, 24), plain) << variable;
         unsetenv(variable);
         setenv("TERM", "xterm", 1);
     }

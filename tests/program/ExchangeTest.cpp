@@ -6,10 +6,11 @@ namespace {
 class ExchangeTest : public ProgramTest {
  protected:
     Outcome import(const std::string& name, const std::string& content) {
-        return run({"import", folder.with(name, content).string(), "-o", path("a.log"), "--force"});
+        folder.with(name, content);
+        return run("import " + name + " -o a.log --force");
     }
     std::string exported(const std::string& format) {
-        const Outcome result = run({"export", path("a.log"), "--format", format});
+        const Outcome result = run("export a.log --format " + format);
         EXPECT_EQ(result.exitCode, 0) << result.err;
         return result.out;
     }
@@ -26,18 +27,18 @@ TEST_F(ExchangeTest, AnExchangeFileComesBackAsItWas) {
     const Outcome import = this->import("a.ale", file);
     EXPECT_EQ(import.exitCode, 0);
     EXPECT_EQ(import.err, "");
-    EXPECT_EQ(import.out, path("a.log") + ": 3 records, 10 columns\n");
-    EXPECT_EQ(
-        content("a.log").substr(content("a.log").find("\"text\"")),
-        "\"text\",\"text\",\"timecode\",\"timecode\",\"date\",\"text\",\"text\",\"text\",\"text\",\"text\"\n"
-        "\"Name\",\"Reel\",\"Start time\",\"End time\",\"cam_date\",\"start keycode\",\"Take\",\"snd reel\","
-        "\"Notes\",\"My own\"\n"
-        "\"19A-1\",\"A001\",\"04:00:00:00\",\"04:00:46;16\",\"07/21/14\",\"KX654321-0000+00\",\"1\",\"S1\","
-        "\"\xC3\xA9tude, \"\"x\"\"\",\"\"\n"
-        "\"19A-2\",\"\",\"\",\"\",\"\",\"\",\"2\",\"\",\"C:\\dir\",\"KESTA\"\n"
-        "\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\"\n");
+    EXPECT_EQ(import.out, "a.log: 3 records, 10 columns\n");
+    EXPECT_EQ(content("a.log").substr(content("a.log").find("\"text\"")),
+              R"("text","text","timecode","timecode","date","text","text","text","text","text"
+"Name","Reel","Start time","End time","cam_date","start keycode","Take","snd reel","Notes","My own"
+"19A-1","A001","04:00:00:00","04:00:46;16","07/21/14","KX654321-0000+00","1","S1",")"
+              "\xC3\xA9"
+              R"(tude, ""x""",""
+"19A-2","","","","","","2","","C:\dir","KESTA"
+"","","","","","","","","",""
+)");
     EXPECT_EQ(exported("ale"), file);
-    EXPECT_EQ(run({"check", path("a.log")}).exitCode, 0);
+    EXPECT_EQ(run("check a.log").exitCode, 0);
 }
 
 TEST_F(ExchangeTest, ReadsTheFormsInWhichExchangeFilesOccur) {
@@ -61,8 +62,7 @@ TEST_F(ExchangeTest, ACommaSeparatedFileComesBackAsItWas) {
         ",,\r\n"
         "\"\"\"x\"\"\",=1+1,\xE6\x98\xA0\r\n";
     Outcome import = this->import("a.csv", file);
-    EXPECT_EQ(import.err,
-              "kesta: warning: " + path("a.csv") + ":1: column 2: the name \"Say \" becomes \"Say\"\n");
+    EXPECT_EQ(import.err, "kesta: warning: a.csv:1: column 2: the name \"Say \" becomes \"Say\"\n");
     EXPECT_EQ(exported("csv"), "Name,Say,Notes" + file.substr(17));
     import = this->import("b.csv", "Only\n\"\"\nx\n");
     EXPECT_EQ(exported("csv"), "Only\r\n\"\"\r\nx\r\n") << "an empty value is no blank line";
@@ -81,38 +81,32 @@ TEST_F(ExchangeTest, EveryColumnKeepsItsValues) {
     EXPECT_EQ(import("a.csv", "Name,Tag\n1,200\n2,0\n").err, "") << "tags that a log keeps stay tags";
     EXPECT_EQ(exported("csv"), "Name,Tag\r\n1,200\r\n2,0\r\n");
 
-    const Outcome longer = import("a.csv", "A,B\n1\n1,2,3,,\n1,2,,4\n");
-    EXPECT_EQ(longer.err, "kesta: warning: " + path("a.csv") +
-                              ":3: 1 value behind the last named column, kept from "
-                              "column \"Column 3\" on\nkesta: warning: " +
-                              path("a.csv") +
-                              ":4: 1 value behind the last named column, kept from column \"Column 3\" on\n");
+    const std::string kept = ": 1 value after the last named column, kept from column \"Column 3\" on\n";
+    EXPECT_EQ(import("a.csv", "A,B\n1\n1,2,3,,\n1,2,,4\n").err,
+              "kesta: warning: a.csv:3" + kept + "kesta: warning: a.csv:4" + kept);
     EXPECT_EQ(exported("csv"), "A,B,Column 3,Column 4\r\n1,,,\r\n1,2,3,\r\n1,2,,4\r\n");
 }
 
 TEST_F(ExchangeTest, ValuesThatALogCannotHoldAreNamed) {
-    const std::string file = path("a.csv");
     const std::string tooLong = std::string(4093, 'x') + "\xC3\xA9" + "tail";
     const Outcome import = this->import(
         "a.csv", "Name,Notes,X\n\" a\",b ,c\n\"1\r\n2\",\\n," + tooLong + "\n" + tooLong + ",\"q\"\"\",d\n");
     EXPECT_EQ(import.exitCode, 1);
-    const std::string longer = "longer than 4094 bytes, the most that a field takes";
-    const std::vector<std::string> warnings = {
-        ":2: column 1 (Name): the value is not kept exactly: it begins with white space, which is dropped",
-        ":2: column 2 (Notes): the value is not kept exactly: it ends with white space, which is dropped",
-        ":3: column 1 (Name): the value is not kept exactly: it holds a carriage return, which is dropped",
-        ":3: column 2 (Notes): the value is not kept exactly: it holds a backslash followed by n, which is "
-        "read as a line end",
-        ":3: column 3 (X): the value is not kept exactly: it is " + longer,
-        ":5: column 1 (Name): the value is not kept exactly: it is " + longer};
     std::string said;
-    for (const std::string& warning : warnings) said += "kesta: warning: " + file + warning + '\n';
+    for (const auto& [place, why] : std::vector<std::pair<std::string, std::string>>{
+             {"2: column 1 (Name)", "begins with white space, which is dropped"},
+             {"2: column 2 (Notes)", "ends with white space, which is dropped"},
+             {"3: column 1 (Name)", "holds a carriage return, which is dropped"},
+             {"3: column 2 (Notes)", "holds a backslash followed by n, which is read as a line end"},
+             {"3: column 3 (X)", "is longer than 4094 bytes, the most that a field takes"},
+             {"5: column 1 (Name)", "is longer than 4094 bytes, the most that a field takes"}})
+        said += "kesta: warning: a.csv:" + place + ": the value is not kept exactly: it " + why + '\n';
     EXPECT_EQ(import.err, said);
-    EXPECT_NE(import.out.find("3 records, 3 columns, 6 values not kept exactly"), std::string::npos);
+    EXPECT_EQ(import.out, "a.log: 3 records, 3 columns, 6 values not kept exactly\n");
     const std::string cut(4093, 'x');
     EXPECT_EQ(exported("csv"),
               "Name,Notes,X\r\na,b,c\r\n\"1\n2\",," + cut + "\r\n" + cut + ",\"q\"\"\",d\r\n");
-    EXPECT_EQ(run({"check", path("a.log")}).exitCode, 0);
+    EXPECT_EQ(run("check a.log").exitCode, 0);
 
     const Outcome heading = this->import(
         "a.ale", "Heading\nKESTA\tx\nFPS\t25\tFPS\t30\tfps\t50\na:b\t\"c\"\n\nColumn\nA\n\nData\n");
@@ -128,24 +122,19 @@ TEST_F(ExchangeTest, ManyWarningsAreCountedRatherThanListed) {
     const Outcome few = import("a.csv", content);
     EXPECT_EQ(std::count(few.err.begin(), few.err.end(), '\n'), 21);
     EXPECT_NE(few.err.find("and 80 more like these; --all-warnings lists them all"), std::string::npos);
-    const Outcome all = run({"import", path("a.csv"), "-o", path("b.log"), "--all-warnings"});
+    const Outcome all = run("import a.csv -o b.log --all-warnings");
     EXPECT_EQ(std::count(all.err.begin(), all.err.end(), '\n'), 100);
 }
 
 TEST_F(ExchangeTest, ExchangeFilesGetCodesWithPunctuationAndNoTabs) {
-    folder.with("a.log",
-                "\"KESTA:Rev 1\"\n\"KESTA\"\n\"4\",\"4\"\n\"timecode_s\",\"text\"\n\"Start time\",\"Notes\"\n"
-                "\"01000010\",\"01000010\"\n\"01000010;\",\"a\tb\\nc\"\n\"none\",\"\"\n");
-    const Outcome result = run({"export", path("a.log"), "--format", "ale", "-o", path("b.ale")});
-    EXPECT_EQ(result.err, "kesta: warning: row 2, column 2 (Notes): tabs and line ends become spaces\n");
+    table("a.log", {"Start time:timecode_s,Notes", "01000010,01000010", "01000010;,a\tb\\nc", "none"});
+    EXPECT_EQ(run("export a.log --format ale -o b.ale").err,
+              "kesta: warning: row 2, column 2 (Notes): tabs and line ends become spaces\n");
     EXPECT_EQ(content("b.ale"),
               "Heading\nFIELD_DELIM\tTABS\n\nColumn\nStart\tComments\n\nData\n"
               "01:00:00:10\t01000010\n01:00:00;10\ta b c\nnone\t\n");
-}
-
-TEST_F(ExchangeTest, AnEmptyRecordThatExchangeFilesCannotShowIsNamed) {
-    const std::string file = log("a.log", "\"A\"", "\"1\"\n\"\"\n");
-    const Outcome result = run({"export", file, "--format", "ale"});
+    table("a.log", {"A", "1", "\"\""});
+    const Outcome result = run("export a.log --format ale");
     EXPECT_EQ(result.err.find("kesta: warning: row 2: an empty value"), 0U) << result.err;
 }
 
@@ -159,43 +148,38 @@ TEST_F(ExchangeTest, RefusesOrNamesWhatItCannotRead) {
         std::string content;
         std::string why;
     };
-    const std::vector<Unreadable> cases = {
-        {"a.txt", "x", "a name that ends in .csv or .ale"},
-        {"a.csv", "", "has no line of column names"},
-        {"a.csv", "A,B\n1,\"2\n3\n", ":2: the quoted value that begins here never ends"},
-        {"a.csv", std::string("A\0B", 3), "is no text file"},
-        {"a.csv",
-         "\xFF\xFE"
-         "A",
-         "is UTF-16 text"},
-        {"a.csv", "A\n kesta \n", ":2: column 1: a log of one column takes the value"},
-        {"a.csv", std::string(65536, ',') + "A", "more columns than a log takes"},
-        {"a.ale", "", "ends before Heading or Column"},
-        {"a.ale", "Heading\nFPS\t25\n", "ends before Column"},
-        {"a.ale", "Name\tTape\n", ":1: this is not where the section Column begins"},
-        {"a.ale", "Heading\nFIELD_DELIM\tCOMMAS\n\nColumn\nA\n\nData\n",
-         ":2: the fields are separated by COMMAS"},
-        {"a.ale", "Column\nA\nB\nData\n", ":3: this is not where the section Data begins"},
-    };
-    for (const Unreadable& file : cases) {
-        const std::string source = folder.with(file.name, file.content).string();
-        expectRefused({{{"import", source, "-o", path("a.log")}, 2, file.why}});
+    for (const Unreadable& file : std::vector<Unreadable>{
+             {"a.txt", "x", "a name that ends in .csv or .ale"},
+             {"a.csv", "", "has no line of column names"},
+             {"a.csv", "A,B\n1,\"2\n3\n", ":2: the quoted value that begins here never ends"},
+             {"a.csv", std::string("A\0B", 3), "is no text file"},
+             {"a.csv", "\xFF\xFE", "is UTF-16 text"},
+             {"a.csv", "A\nx\n kesta \n", ":3: column 1: a log of one column takes the value"},
+             {"a.csv", std::string(65536, ',') + "A", "more columns than a log takes"},
+             {"a.ale", "", "ends before Heading or Column"},
+             {"a.ale", "Heading\nFPS\t25\n", "ends before Column"},
+             {"a.ale", "Name\tTape\n", ":1: this is not where the section Column begins"},
+             {"a.ale", "Heading\nFIELD_DELIM\tCOMMAS\n\nColumn\nA\n\nData\n",
+              ":2: the fields are separated by COMMAS"},
+             {"a.ale", "Column\nA\nB\nData\n", ":3: this is not where the section Data begins"},
+         }) {
+        folder.with(file.name, file.content);
+        expectRefused({{"import " + file.name + " -o a.log", 2, file.why}});
     }
-    const std::string source = folder.with("b.csv", "A\n1\n").string();
+    folder.with("b.csv", "A\n1\n");
     folder.with("a.log", "precious");
-    expectRefused({{{"import", source, "-o", path("a.log")}, 2, "is there already; --force replaces it"},
-                   {{"import", source, "-o", path("c.csv")}, 2, "a log cannot have this name"}});
+    expectRefused({{"import b.csv -o a.log", 2, "is there already; --force replaces it"},
+                   {"import b.csv -o c.csv", 2, "a log cannot have this name"}});
 }
 
 TEST_F(ExchangeTest, AnExportReplacesOtherFilesWhenAskedForButNeverItsLog) {
-    const std::string file = log("a.log", "\"A\"", "\"1\"\n");
-    const std::string link = path("link.log");
-    std::filesystem::create_symlink(file, link);
+    table("a.log", {"A", "1"});
+    std::filesystem::create_symlink("a.log", path("link.log"));
     folder.with("b.csv", "precious");
-    expectRefused({{{"export", file, "--format", "csv", "-o", file, "--force"}, 2, "is the log itself"},
-                   {{"export", file, "--format", "csv", "-o", link, "--force"}, 2, "is the log itself"},
-                   {{"export", file, "--format", "csv", "-o", path("b.csv")}, 2, "is there already"}});
-    EXPECT_EQ(run({"export", file, "--format", "csv", "-o", path("b.csv"), "--force"}).exitCode, 0);
+    expectRefused({{"export a.log --format csv -o a.log --force", 2, "is the log itself"},
+                   {"export a.log --format csv -o link.log --force", 2, "is the log itself"},
+                   {"export a.log --format csv -o b.csv", 2, "is there already"}});
+    EXPECT_EQ(run("export a.log --format csv -o b.csv --force").exitCode, 0);
     EXPECT_EQ(content("b.csv"), "A\r\n1\r\n");
 }
 

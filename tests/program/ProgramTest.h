@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <spawn.h>
+#include <sstream>
 #include <string>
 #include <sys/wait.h>
 #include <vector>
@@ -21,9 +22,22 @@ struct Outcome {
     std::string err;
 };
 
-using Arguments = std::vector<std::string>;
+/// The words of a command line, given one by one or as one line with blanks between; a word may stand between
+/// single quotes.
+struct Arguments : std::vector<std::string> {
+    using vector::vector;
+    Arguments(const char* line) : Arguments(std::string(line)) {}
+    Arguments(const std::string& line) {
+        for (std::size_t at = 0; (at = line.find_first_not_of(' ', at)) < line.size(); ++at) {
+            const bool isQuoted = line[at] == '\'';
+            const std::size_t begin = at + isQuoted;
+            at = std::min(line.find(isQuoted ? '\'' : ' ', begin), line.size());
+            push_back(line.substr(begin, at - begin));
+        }
+    }
+};
 
-/// The arguments with further ones behind them.
+/// The arguments with further ones after them.
 inline Arguments operator+(Arguments arguments, const Arguments& further) {
     arguments.insert(arguments.end(), further.begin(), further.end());
     return arguments;
@@ -53,7 +67,8 @@ class EnvironmentSetting {
 
 class ProgramTest : public TestSupport::TempFolderTest {
  protected:
-    /// Runs the program with these arguments. Standard output goes to a file, or to `output` when given.
+    /// Runs the program with these arguments in the temporary folder. Standard output goes to a file, or to
+    /// `output` when given.
     Outcome run(Arguments arguments, const std::string& output = {}, const std::string& input = "/dev/null") {
         const std::string out = output.empty() ? path(".out") : output;
         const std::string err = path(".err");
@@ -64,6 +79,7 @@ class ProgramTest : public TestSupport::TempFolderTest {
 
         posix_spawn_file_actions_t actions;
         posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_addchdir_np(&actions, folder.path().c_str());
         posix_spawn_file_actions_addopen(&actions, 0, input.c_str(), O_RDONLY, 0);
         posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
@@ -104,9 +120,11 @@ class ProgramTest : public TestSupport::TempFolderTest {
         }
     }
 
-    /// The records of a log, behind the names of the columns.
+    /// The names of a log's columns and its records, with commas between the values and plain line ends.
     std::string records(const std::string& file, const Arguments& options = {}) {
-        return run(Arguments{"show", file, "--format", "csv"} + options).out;
+        std::string lines = run(Arguments{"show", file, "--format", "csv"} + options).out;
+        lines.erase(std::remove(lines.begin(), lines.end(), '\r'), lines.end());
+        return lines;
     }
 
     /// All files of the folder with what is in them.
@@ -135,5 +153,37 @@ class ProgramTest : public TestSupport::TempFolderTest {
             .with(name, "\"KESTA:Rev 1\"\n" + params + "\"KESTA\"\n" + widths + '\n' + types + '\n' + names +
                             '\n' + lines)
             .string();
+    }
+
+    /// A log of these rows, whose values stand between commas, missing ones empty. The first row names the
+    /// columns, as in "Name,Start time:timecode"; one without a type is text. A row that begins with a quote
+    /// stands as it is.
+    void table(const std::string& name, const std::vector<std::string>& rows,
+               const std::string& params = "") const {
+        std::string header[3];  // widths, types, names
+        std::istringstream columns(rows[0]);
+        std::size_t count = 0;
+        for (std::string column; std::getline(columns, column, ','); ++count) {
+            const std::size_t colon = std::min(column.find(':'), column.size());
+            const std::string type = colon < column.size() ? column.substr(colon + 1) : "text";
+            for (auto& line : header) line += count > 0 ? "," : "";
+            header[0] += "\"4\"";
+            header[1] += '"' + type + '"';
+            header[2] += '"' + column.substr(0, colon) + '"';
+        }
+        std::string lines = "\"KESTA:Rev 1\"\n" + params + "\"KESTA\"\n";
+        for (const auto& line : header) lines += line + '\n';
+        for (std::size_t i = 1; i < rows.size(); ++i) lines += lineOf(rows[i], count) + '\n';
+        folder.with(name, lines);
+    }
+
+ private:
+    static std::string lineOf(const std::string& row, std::size_t columns) {
+        if (row.empty() || row[0] == '"') return row;
+        std::string line = "\"";
+        for (const char c : row) line += c == ',' ? "\",\"" : std::string(1, c);
+        for (auto i = 1 + std::count(row.begin(), row.end(), ','); i < static_cast<int>(columns); ++i)
+            line += "\",\"";
+        return line + '"';
     }
 };

@@ -13,32 +13,27 @@ class SaveFaultsTest : public ProgramTest {
  protected:
     struct Command {
         std::string target;
-        std::vector<std::string> arguments;
+        Arguments arguments;
     };
 
     std::vector<Command> commands() const {
-        const std::string a = path("a.log");
-        const std::string b = path("b.log");
-        return {
-            {"a.log", {"set", a, "1", "Notes", "changed"}},
-            {"a.log", {"delete", a, "1"}},
-            {"a.log", {"merge", a, b}},
-            {"a.log", {"import", path("a.csv"), "-o", a, "--force"}},
-            {"new.log", {"import", path("a.csv"), "-o", path("new.log")}},
-            {"a.log", {"find", b, "Name=3", "-o", a, "--force"}},
-            {"a.log", {"export", b, "--format", "csv", "-o", a, "--force"}},
-            {"box",
-             {"pack", "M0000000000000000000000000000000200", "--name", "Box", "-o", path("box"), "--force"}}};
+        return {{"a.log", "set a.log 1 Notes changed"},
+                {"a.log", "delete a.log 1"},
+                {"a.log", "merge a.log b.log"},
+                {"a.log", "import a.csv -o a.log --force"},
+                {"new.log", "import a.csv -o new.log"},
+                {"a.log", "find b.log Name=3 -o a.log --force"},
+                {"a.log", "export b.log --format csv -o a.log --force"},
+                {"box", "pack M0000000000000000000000000000000200 --name Box -o box --force"}};
     }
 
     void prepare() const {
         for (const std::string& name : folder.names()) std::filesystem::remove(folder / name);
-        log("a.log", "\"Name\",\"Notes\"", "\"1\",\"x\"\n\"2\",\"y\"\n");
-        log("b.log", "\"Name\",\"Notes\"", "\"3\",\"x\"\n\"4\",\"y\"\n");
+        table("a.log", {"Name,Notes", "1,x", "2,y"});
+        table("b.log", {"Name,Notes", "3,x", "4,y"});
         folder.with("a.csv", "Name,Notes\n5,z\n");
-        folder.with("box",
-                    "\"KESTA:Rev 1\"\n\"Name:Box\"\n\"Permanent:false\"\n\"KESTA\"\n\"64\"\n\"text\"\n"
-                    "\"Cookie\"\n\"M0000000000000000000000000000000100\"\n");
+        table("box", {"Cookie", "M0000000000000000000000000000000100"},
+              "\"Name:Box\"\n\"Permanent:false\"\n");
     }
 
     std::string contentOrNone(const std::string& name) const {
@@ -62,7 +57,7 @@ class SaveFaultsTest : public ProgramTest {
     }
 
  private:
-    Outcome runPreloaded(const std::vector<std::string>& arguments) {
+    Outcome runPreloaded(const Arguments& arguments) {
         const char* const options = std::getenv("ASAN_OPTIONS");
         const EnvironmentSetting sanitizer("ASAN_OPTIONS",
                                            std::string(options ? options : "") + ":verify_asan_link_order=0");

@@ -6,35 +6,25 @@ namespace {
 class SavingTest : public ProgramTest {};
 
 TEST_F(SavingTest, EveryCommandThatSavesCanBeQuietRehearsedAndKeepTheOldFile) {
-    const std::string table = folder.with("b.csv", "Name,Notes\nb,2\n").string();
-    const std::string other = log("b.log", "\"Name\",\"Notes\"", "\"b\",\"2\"\n");
-    const std::string file = path("a.log");
-    const std::vector<Arguments> commands = {
-        {"set", file, "1", "Notes", "new"},
-        {"add", file, "Name=new"},
-        {"delete", file, "1"},
-        {"sort", file, "--by", "Name", "--desc"},
-        {"tag", file, "--rows", "1"},
-        {"merge", file, other},
-        {"param", file, "Mode", "new"},
-        {"columns", file, "--hide", "Notes"},
-        {"import", table, "-o", file, "--force"},
-        {"find", other, "Name=b", "-o", file, "--force"},
-        {"export", other, "--format", "csv", "-o", file, "--force"},
-        {"pack", "M0123456789abcdef0123456789abcdef00", "--name", "N", "-o", file, "--force"},
-    };
-    for (const Arguments& command : commands) {
-        SCOPED_TRACE(command.front());
-        log("a.log", "\"Name\",\"Notes\"", "\"1\",\"x\"\n\"2\",\"y\"\n");
+    folder.with("b.csv", "Name,Notes\nb,2\n");
+    table("b.log", {"Name,Notes", "b,2"});
+    for (const std::string command :
+         {"set a.log 1 Notes new", "add a.log Name=new", "delete a.log 1", "sort a.log --by Name --desc",
+          "tag a.log --rows 1", "merge a.log b.log", "param a.log Mode new", "columns a.log --hide Notes",
+          "import b.csv -o a.log --force", "find b.log Name=b -o a.log --force",
+          "export b.log --format csv -o a.log --force",
+          "pack M0123456789abcdef0123456789abcdef00 --name N -o a.log --force"}) {
+        SCOPED_TRACE(command);
+        table("a.log", {"Name,Notes", "1,x", "2,y"});
         const std::string before = content("a.log");
-        const Outcome rehearsal = run(command + Arguments{"--dry-run"});
+        const Outcome rehearsal = run(command + " --dry-run");
         EXPECT_EQ(rehearsal.exitCode, 0);
-        EXPECT_NE(rehearsal.out.find("would save " + file + ": "), std::string::npos) << rehearsal.out;
-        EXPECT_EQ(run(command + Arguments{"-n", "-q"}).out, "");
+        EXPECT_NE(rehearsal.out.find("would save a.log: "), std::string::npos) << rehearsal.out;
+        EXPECT_EQ(run(command + " -n -q").out, "");
         EXPECT_EQ(content("a.log"), before);
         EXPECT_FALSE(std::filesystem::exists(path("a.log~")));
 
-        const Outcome real = run(command + Arguments{"--quiet", "--backup"});
+        const Outcome real = run(command + " --quiet --backup");
         EXPECT_EQ(real.exitCode, 0);
         EXPECT_EQ(real.out + real.err, "");
         EXPECT_NE(content("a.log"), before);
@@ -45,69 +35,56 @@ TEST_F(SavingTest, EveryCommandThatSavesCanBeQuietRehearsedAndKeepTheOldFile) {
 }
 
 TEST_F(SavingTest, TheNewestOldFileIsKeptAndWithoutItNothingIsSaved) {
-    const std::string file = log("a.log", "\"Name\"", "");
-    const std::string link = path("link.log");
-    std::filesystem::create_symlink("a.log", link);
-    for (const char* const name : {"Name=1", "Name=2"}) {
+    table("a.log", {"Name"});
+    std::filesystem::create_symlink("a.log", path("link.log"));
+    for (const char* const command : {"add link.log Name=1 --backup", "add link.log Name=2 --backup"}) {
         const std::string before = content("a.log");
-        EXPECT_EQ(run({"add", link, name, "--backup"}).exitCode, 0);
+        EXPECT_EQ(run(command).exitCode, 0);
         EXPECT_EQ(content("a.log~"), before);
     }
     EXPECT_EQ(folder.names(), (std::vector<std::string>{"a.log", "a.log~", "link.log"}));
     std::filesystem::remove(path("a.log~"));
     std::filesystem::create_directory(path("a.log~"));
-    expectRefused(
-        {{{"add", file, "Name=3", "--backup"}, 2, "not saved, because the old file cannot be kept: "}});
+    expectRefused({{"add a.log Name=3 --backup", 2, "not saved, because the old file cannot be kept: "}});
 }
 
 TEST_F(SavingTest, ARehearsalFailsAsTheRealRunWould) {
-    const std::string file = log("a.log", "\"Name\"", "\"1\"\n");
-    const std::vector<Arguments> commands = {
-        {"find", file, "Name=1", "-o", path("none/x.log")},
-        {"export", file, "--format", "ale", "-o", folder.path().string(), "--force"},
-        {"find", file, "Name=9", "-o", path("x.log")},
-        {"delete", file, "--tagged"}};
-    for (const Arguments& command : commands) {
-        const Outcome rehearsal = run(command + Arguments{"-n"});
+    table("a.log", {"Name", "1"});
+    for (const std::string command :
+         {"find a.log Name=1 -o none/x.log", "export a.log --format ale -o . --force",
+          "find a.log Name=9 -o x.log", "delete a.log --tagged"}) {
+        const Outcome rehearsal = run(command + " -n");
         const Outcome real = run(command);
         EXPECT_NE(real.exitCode, 0);
-        EXPECT_EQ(rehearsal.exitCode, real.exitCode);
+        EXPECT_EQ(rehearsal.exitCode, real.exitCode) << command;
         EXPECT_EQ(rehearsal.err, real.err);
     }
 }
 
 TEST_F(SavingTest, ADashIsStandardInputAndOutput) {
-    const std::string file = log("a.log", "\"Name\",\"Tag\"", "\"1\",\"0\"\n\"2\",\"7\"\n");
-    const std::string table = path("a.csv");
-    const std::string ale = path("a.ale");
-    ASSERT_EQ(run({"export", file, "--format", "csv", "-o", table}).exitCode, 0);
-    ASSERT_EQ(run({"export", file, "--format", "ale", "-o", ale}).exitCode, 0);
-    for (Arguments command : std::vector<Arguments>{
-             {"show", file},
-             {"find", file, "Name=2"},
-             {"find", file, "Name=2", "-o", "-"},
-             {"export", file, "--format", "json", "-o", "-"},
-             {"tag", file, "--list"},
-             {"param", file},
-             {"columns", file},
-         }) {
+    table("a.log", {"Name,Tag", "1,0", "2,7"});
+    ASSERT_EQ(run("export a.log --format csv -o a.csv").exitCode, 0);
+    ASSERT_EQ(run("export a.log --format ale -o a.ale").exitCode, 0);
+    for (Arguments command :
+         {Arguments("show a.log"), Arguments("find a.log Name=2"), Arguments("find a.log Name=2 -o -"),
+          Arguments("export a.log --format json -o -"), Arguments("tag a.log --list"),
+          Arguments("param a.log"), Arguments("columns a.log")}) {
         const std::string expected = run(command).out;
         EXPECT_NE(expected, "");
         command[1] = "-";
-        EXPECT_EQ(run(command, {}, file).out, expected) << command.front();
+        EXPECT_EQ(run(command, {}, "a.log").out, expected) << command.front();
     }
-    EXPECT_EQ(run({"info", "-"}, {}, file).out.find("file:     standard input\nsize:     "), 0U);
-    EXPECT_EQ(run({"check", "-"}, {}, table).out.find("standard input:1: "), 0U);
-    for (const std::string& source : {table, ale}) {
-        EXPECT_EQ(run({"import", "-", "-o", "-"}, {}, source).out, run({"import", source, "-o", "-"}).out);
+    EXPECT_EQ(run("info -", {}, "a.log").out.find("file:     standard input\nsize:     "), 0U);
+    EXPECT_EQ(run("check -", {}, "a.csv").out.find("standard input:1: "), 0U);
+    for (const std::string source : {"a.csv", "a.ale"}) {
+        EXPECT_EQ(run("import - -o made.log", {}, source).exitCode, 0);
+        EXPECT_EQ(run("import - -o -", {}, source).out, content("made.log"));
+        std::filesystem::remove(path("made.log"));
     }
-    EXPECT_EQ(run({"import", "-", "--format", "csv", "-o", "-"}, {}, ale).exitCode, 0);
+    EXPECT_EQ(run("import - --format csv -o -", {}, "a.ale").exitCode, 0);
     const std::string why = "kesta: standard input cannot be changed; name the log's file\n";
-    expectRefused({{{"set", "-", "1", "Name", "x"}, 64, why},
-                   {{"param", "-", "a", "b"}, 64, why},
-                   {{"columns", "-", "--reset"}, 64, why}});
-    EXPECT_EQ(run({"export", "-", "--format", "csv", "-o", file, "--force"}, {}, file).exitCode, 2)
-        << "the log itself";
+    expectRefused({{"set - 1 Name x", 64, why}, {"param - a b", 64, why}, {"columns - --reset", 64, why}});
+    EXPECT_EQ(run("export - --format csv -o a.log --force", {}, "a.log").exitCode, 2) << "the log itself";
     EXPECT_EQ(folder.names(), (std::vector<std::string>{"a.ale", "a.csv", "a.log"}));
 }
 

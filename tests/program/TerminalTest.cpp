@@ -19,38 +19,23 @@ bool isHarmless(const std::string& text) {
 class TerminalTest : public ProgramTest {};
 
 TEST_F(TerminalTest, NothingThatIsShownSteersIt) {
-    const std::string name = '"' + hostile + '"';
-    const std::string file =
-        log(hostile + ".log", name + ",\"Tag\"", name + ",\"0\"\n", "\"" + hostile + ":" + hostile + "\"\n");
-    const std::string damaged =
-        log(hostile + ".bad", name + ",\"Tag\"", name + "," + name + "\n" + name + "\n");
-    const std::string table = folder.with(hostile + ".csv", hostile + ",\n" + hostile + ",\" x\"\n").string();
-    const std::string made = path(hostile + ".made");
-    const std::string box = path(hostile + ".sg");
-    const std::vector<Arguments> commands = {
-        {"info", file},
-        {"show", file},
-        {"find", file, hostile + "=" + hostile},
-        {"find", file, hostile + "=" + hostile, "-o", made},
-        {"check", file, damaged, path("none" + hostile)},
-        {"import", table, "-o", made, "--force"},
-        {"export", damaged, "--format", "csv", "-o", made, "--force"},
-        {"param", file},
-        {"param", file, hostile},
-        {"columns", file},
-        {"tag", file, "--rows", "1"},
-        {"tag", file, "--list"},
-        {"merge", file, damaged, "--force"},
-        {"pack", hostile, hostile, "--name", hostile, "-o", box},
-        {"items", box},
-        {hostile},
-        {"show", file, "--" + hostile},
-    };
-    for (const Arguments& command : commands) {
-        const Outcome shown = run(command);
-        EXPECT_FALSE(shown.out.empty() && shown.err.empty()) << command[0];
-        EXPECT_TRUE(isHarmless(shown.out)) << command[0] << ": " << testing::PrintToString(shown.out);
-        EXPECT_TRUE(isHarmless(shown.err)) << command[0] << ": " << testing::PrintToString(shown.err);
+    table(hostile + ".log", {hostile + ",Tag", hostile + ",0"}, "\"" + hostile + ":" + hostile + "\"\n");
+    table(hostile + ".bad", {hostile + ",Tag", hostile + ',' + hostile, '"' + hostile + '"'});
+    folder.with(hostile + ".csv", hostile + ",\n" + hostile + ",\" x\"\n");
+    for (const char* const command :
+         {"info @.log", "show @.log", "find @.log @=@", "find @.log @=@ -o @.made", "check @.log @.bad none@",
+          "import @.csv -o @.made --force", "export @.bad --format csv -o @.made --force", "param @.log",
+          "param @.log @", "columns @.log", "tag @.log --rows 1", "tag @.log --list",
+          "merge @.log @.bad --force", "pack @ @ --names --name @ -o @.sg", "items @.sg", "@",
+          "show @.log --@"}) {
+        Arguments arguments(command);
+        for (std::string& word : arguments) {
+            for (std::size_t at; (at = word.find('@')) != std::string::npos;) word.replace(at, 1, hostile);
+        }
+        const Outcome shown = run(arguments);
+        EXPECT_FALSE(shown.out.empty() && shown.err.empty()) << command;
+        EXPECT_TRUE(isHarmless(shown.out)) << command << ": " << testing::PrintToString(shown.out);
+        EXPECT_TRUE(isHarmless(shown.err)) << command << ": " << testing::PrintToString(shown.err);
     }
 }
 

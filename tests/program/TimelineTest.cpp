@@ -11,32 +11,19 @@ class TimelineTest : public ProgramTest {
         unsetenv("COLUMNS");
     }
 
-    /// The log a.log of these rows, whose values stand between commas; missing ones are empty.
-    void records(const std::vector<std::string>& rows, const std::string& params = "") const {
-        std::string lines;
-        for (std::string row : rows) {
-            row.append(static_cast<std::size_t>(5 - std::count(row.begin(), row.end(), ',')), ',');
-            lines += '"';
-            for (const char c : row) lines += c == ',' ? "\",\"" : std::string(1, c);
-            lines += "\"\n";
-        }
-        log("a.log", R"("Name","Reel","Start time","End time","Tag","Notes")", lines, params);
-    }
-
-    std::string timeline(const Arguments& form, const Arguments& options) {
-        return run(Arguments{"timeline", path("a.log")} + form + options).out;
+    void records(std::vector<std::string> rows, const std::string& params = "") const {
+        rows.insert(rows.begin(), "Name,Reel,Start time,End time,Tag,Notes");
+        table("a.log", rows, params);
     }
 
     /// The lanes of the text form, without the lines above and below them.
-    std::string lanes(const std::vector<std::string>& options = {}) {
-        const std::string text = timeline({"--text", "--width", "60"}, options);
+    std::string lanes(const std::string& options = "") {
+        const std::string text = run("timeline a.log --text --width 60 " + options).out;
         const std::size_t begin = text.find("\n\n") + 2;
         return text.substr(begin, text.find("\n\n", begin) + 1 - begin);
     }
 
-    std::string picture(const std::vector<std::string>& options = {}) {
-        return timeline({"-o", "-"}, options);
-    }
+    std::string picture(const std::string& options = "") { return run("timeline a.log -o - " + options).out; }
 
     static void expectIn(const std::string& text, const std::vector<std::string>& parts) {
         for (const std::string& part : parts) EXPECT_NE(text.find(part), std::string::npos) << part << text;
@@ -51,7 +38,7 @@ TEST_F(TimelineTest, StacksOverlapsShowsGapsAndShortensLongOnes) {
               "B         01:00:00:00 [1====xxxxxx].....[*3####] 01:00:20:00\n"
               "                            [2xxxx]\n"
               "(no Reel) 05:00:00:00 []                         05:00:02:00\n");
-    EXPECT_EQ(lanes({"--common"}),
+    EXPECT_EQ(lanes("--common"),
               "A         02:00:00:00             [5=]~~~~~[6==] 09:00:08:00\n"
               "B         01:00:00:00 [1xx]..[*]                 01:00:20:00\n"
               "                        [2]\n"
@@ -68,8 +55,7 @@ TEST_F(TimelineTest, CountsDropFrameCodesAndPassesMidnight) {
                          "00:59:59;29 - 01:00:00;00, 00:00:00;01&#10;row 2",
                          "00:00:00;00 - 23:59:59;29, 23:59:59;29&#10;row 3",
                          "01:09:59;28 - 01:10:00;01, 00:00:00;03&#10;row 4"});
-    expectIn(picture({"--fps", "59.94"}),
-             {"row 1: End time 01:01:00;03 is one of the numbers that drop frame"});
+    expectIn(picture("--fps 59.94"), {"row 1: End time 01:01:00;03 is one of the numbers that drop frame"});
 
     records({"1,N,00:20:00:00,00:30:00:00", "2,N,23:50:00:00,00:10:00:00"}, "\"Frame_Rate:25 fps\"\n");
     EXPECT_EQ(lanes(), "N 23:50:00:00 [2==============]........[1======] 00:30:00:00\n");
@@ -81,7 +67,7 @@ TEST_F(TimelineTest, NamesEveryRecordThatItCannotShow) {
              "4,R,01:00:10:00,01:00:00:00", "5,R,01:00:00:25,01:00:02:00", "6,R,01:61:00:00,01:00:02:00",
              "7,R,01:00:00;00,01:00:02;00"},
             "\"FPS:25\"\n");
-    const Outcome outcome = run({"timeline", path("a.log"), "-o", path("a.svg")});
+    const Outcome outcome = run("timeline a.log -o a.svg");
     EXPECT_EQ(outcome.exitCode, 1);
     expectIn(content("a.svg"), {"6 of 7 records not shown:", "row 3: End time &quot;later&quot; is no"});
     expectIn(outcome.err,
@@ -121,22 +107,19 @@ TEST_F(TimelineTest, HostileTextsNeitherBreakThePictureNorReachTheTerminal) {
 }
 
 TEST_F(TimelineTest, TakesOtherColumnsAndRefusesWhatItCannotDraw) {
-    const std::string file = log("a.log", "\"Scene\",\"in\",\"out\"", "\"12\",\"10000000\",\"10000100\"\n");
-    expectIn(picture({"--lanes", "scene", "--start", "in", "--end", "out", "--common"}), {"1 lane by Scene"});
-    const std::string empty = log("empty.log", "\"Reel\",\"Start time\",\"End time\"", "");
-    const std::string unmade = path("x.svg");
+    table("a.log", {"Scene,in,out", "12,10000000,10000100"});
+    expectIn(picture("--lanes scene --start in --end out --common"), {"1 lane by Scene"});
+    table("empty.log", {"Reel,Start time,End time"});
     expectRefused({
-        {{"timeline", file}, 64, "needs -o FILE or --text"},
-        {{"timeline", file, "--text", "-o", unmade}, 64, "excludes"},
-        {{"timeline", file, "--text"}, 2, "no column \"Reel\"; the columns are: Scene, in, out"},
-        {{"timeline", file, "--text", "--lanes", "Scene"}, 2, "no column \"Start time\""},
-        {{"timeline", file, "--text", "--lanes", "in", "--start", "in", "--end", "Scene"},
-         2,
-         "no record has time codes"},
-        {{"timeline", empty, "-o", unmade}, 2, "there are no records to show"},
-        {{"timeline", empty, "--text", "--fps", "50i"}, 64, "\"50i\" is no frame rate"},
-        {{"timeline", file, "-o", file, "--force"}, 2, "is the log itself"},
-        {{"timeline", file, "-o", empty}, 2, "is there already; --force replaces it"},
+        {"timeline a.log", 64, "needs -o FILE or --text"},
+        {"timeline a.log --text -o x.svg", 64, "excludes"},
+        {"timeline a.log --text", 2, "no column \"Reel\"; the columns are: Scene, in, out"},
+        {"timeline a.log --text --lanes Scene", 2, "no column \"Start time\""},
+        {"timeline a.log --text --lanes in --start in --end Scene", 2, "no record has time codes"},
+        {"timeline empty.log -o x.svg", 2, "there are no records to show"},
+        {"timeline empty.log --text --fps 50i", 64, "\"50i\" is no frame rate"},
+        {"timeline a.log -o a.log --force", 2, "is the log itself"},
+        {"timeline a.log -o empty.log", 2, "is there already; --force replaces it"},
     });
 }
 

@@ -1,3 +1,4 @@
+// The tab-separated log exchange form, read for import.
 #include <algorithm>
 #include <string_view>
 
@@ -9,15 +10,13 @@
 
 namespace {
 
-void splitAtTabs(std::string_view line, std::vector<std::string>& values) {
-    std::size_t count = 0;
-    for (std::size_t begin = 0; begin <= line.size(); ++count) {
+void splitAtTabs(std::string_view line, TableSource::Values& values) {
+    values.clear();
+    for (std::size_t begin = 0; begin <= line.size();) {
         const std::size_t end = std::min(line.find('\t', begin), line.size());
-        if (count == values.size()) values.emplace_back();
-        values[count] = line.substr(begin, end - begin);
+        values.push_back(line.substr(begin, end - begin));
         begin = end + 1;
     }
-    values.resize(count);
 }
 
 class AleTable : public TableSource {
@@ -28,7 +27,9 @@ class AleTable : public TableSource {
         if (isSection(at, "Heading")) at = readHeading(at + 1);
         if (!isSection(at, "Column")) throw failureAt(at, "this is not where the section Column begins");
         const std::size_t names = nextLine(at + 1, "column names");
-        splitAtTabs(m_lines[names], m_columns);
+        Values values;
+        splitAtTabs(m_lines[names], values);
+        m_columns.assign(values.begin(), values.end());
         m_columnLine = static_cast<unsigned>(names + 1);
         const std::size_t data = nextLine(names + 1, "Data");
         if (!isSection(data, "Data")) throw failureAt(data, "this is not where the section Data begins");
@@ -40,7 +41,7 @@ class AleTable : public TableSource {
     unsigned columnLine() const noexcept override { return m_columnLine; }
 
     void forEachRow(const RowHandler& handle) const override {
-        std::vector<std::string> values;
+        Values values;
         for (std::size_t at = m_firstRow; at < m_lines.size(); ++at) {
             // Tabs alone are a row of empty values.
             if (Ascii::trimmed(m_lines[at]).empty() && m_lines[at].find('\t') == std::string_view::npos)
@@ -77,7 +78,7 @@ class AleTable : public TableSource {
     }
 
     std::size_t readHeading(std::size_t at) {
-        std::vector<std::string> values;
+        Values values;
         for (at = nextLine(at, "Column"); !isSection(at, "Column"); at = nextLine(at + 1, "Column")) {
             splitAtTabs(m_lines[at], values);
             while (values.size() > 2 && values.back().empty()) values.pop_back();
@@ -87,11 +88,12 @@ class AleTable : public TableSource {
         return at;
     }
 
-    void addParameter(std::size_t at, const std::string& key, const std::string& value) {
+    void addParameter(std::size_t at, std::string_view key, std::string_view value) {
         if (Ascii::equalFolded(key, "FIELD_DELIM") && !Ascii::equalFolded(Ascii::trimmed(value), "TABS")) {
-            throw failureAt(at, "the fields are separated by " + value + "; only tabs can be read");
+            throw failureAt(at,
+                            "the fields are separated by " + std::string(value) + "; only tabs can be read");
         }
-        m_parameters.push_back({static_cast<unsigned>(at + 1), key, value});
+        m_parameters.push_back({static_cast<unsigned>(at + 1), std::string(key), std::string(value)});
     }
 
     std::string m_path;

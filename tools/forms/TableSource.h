@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class TableSource {
@@ -15,8 +16,9 @@ class TableSource {
         std::string key;
         std::string value;
     };
-    /// Gets the line of the file that a row begins on, and its values.
-    using RowHandler = std::function<void(unsigned line, const std::vector<std::string>& values)>;
+    using Values = std::vector<std::string_view>;
+    /// Gets the line of the file that a row begins on, and its values, which are valid during the call.
+    using RowHandler = std::function<void(unsigned line, const Values& values)>;
 
     virtual ~TableSource() = default;
 
@@ -34,8 +36,8 @@ class TableSource {
 };
 
 /// Reads comma-separated text by RFC 4180. Text that does not keep to it is taken as it stands: quotes inside
-/// an unquoted value are text, text behind a closing quote belongs to the value. A byte order mark is
-/// dropped, blank lines are no rows. Lines end with LF, CR LF or, in a file without any LF, CR.
+/// an unquoted value are text, text after a closing quote belongs to the value. A byte order mark is dropped,
+/// blank lines are no rows. Lines end with LF, CR LF or, in a file without any LF, CR.
 std::unique_ptr<TableSource> readCsvTable(const std::string& path);
 
 /// Reads the tab-separated log exchange form: sections Heading, Column and Data. The heading's pairs may

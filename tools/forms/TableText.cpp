@@ -22,6 +22,6 @@ std::string readTableText(const std::string& path) {
     return text;
 }
 
-bool endsLinesWithCR(const std::string& text) noexcept {
-    return text.find('\n') == std::string::npos && text.find('\r') != std::string::npos;
+bool endsLinesWithCR(std::string_view text) noexcept {
+    return text.find('\n') == std::string_view::npos && text.find('\r') != std::string_view::npos;
 }

@@ -15,6 +15,10 @@ bool holdsLineEnd(std::string_view text) noexcept {
     return text.find_first_of("\r\n") != std::string_view::npos;
 }
 
+bool isSpaceOrControl(char c) noexcept {
+    return Ascii::isSpace(c) || Ascii::isControl(c);
+}
+
 }  // namespace
 
 LightweightString<char> libraryText(std::string_view bytes) {
@@ -38,6 +42,14 @@ bool LineRoundTrip::keeps(std::string_view value) {
     record.setField(0, libraryText(value));
     const dbrecord& back = (*this)(record);
     return back.get_num_fields() == 2 && back.getField(0) == record.getField(0);
+}
+
+bool needsNoCare(std::string_view value) noexcept {
+    if (value.empty()) return true;
+    if (value.size() > longestSafeValue || isSpaceOrControl(value.front()) || isSpaceOrControl(value.back()))
+        return false;
+    return std::none_of(value.begin(), value.end(),
+                        [](char c) { return c == '"' || c == '\\' || c == '\r' || c == '\n'; });
 }
 
 std::string whyNotKept(std::string_view value) {

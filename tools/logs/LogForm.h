@@ -30,6 +30,11 @@ class LineRoundTrip {
     dbrecord m_back{0};
 };
 
+/// Whether the text is one of those, by far the most, that a line of a log holds as they are: of a plain
+/// field's length, without quotes, backslashes and line ends, and without white space at its ends. A log
+/// surely gives it back; of any other, LineRoundTrip tells.
+bool needsNoCare(std::string_view value) noexcept;
+
 /// Why a log does not give `value` back exactly, as in "it begins with white space, which is dropped".
 std::string whyNotKept(std::string_view value);
 
