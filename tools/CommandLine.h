@@ -25,7 +25,7 @@ class CommandLine {
     /// that every command takes stand in a group of their own, "Common options".
     const CLI::App& app() const noexcept { return *m_app; }
 
-    /// Runs the command that the arguments name and answers the program's exit code. Throws Failure when the
+    /// Runs the command that the arguments name and returns the program's exit code. Throws Failure when the
     /// command fails.
     int run(int argc, char** argv);
 

@@ -15,5 +15,5 @@ struct RowRange {
 /// `rowCount`.
 std::vector<RowRange> parseRowRanges(const std::string& text, unsigned rowCount);
 
-/// One row, answered counted from 0. Throws Failure when it is no number or not there.
+/// One row, counted from 0. Throws Failure when it is no number or not there.
 unsigned parseRow(const std::string& text, unsigned rowCount);

@@ -5,7 +5,7 @@
 
 namespace {
 
-/// The kind as kesta.bash.in tells it apart; "..." behind it when more words may follow.
+/// The kind as kesta.bash.in tells it apart; "..." after it when more words may follow.
 std::string kindOf(const ArgumentModel& argument) {
     const std::string more = argument.takesMore ? "..." : "";
     switch (argument.kind) {

@@ -34,7 +34,7 @@ ValueKind kindOf(const std::string& value, bool isPlace) {
     return isPlace || isOneOf(value, {"LOG", "FILE", "CONTAINER"}) ? ValueKind::file : ValueKind::text;
 }
 
-/// The type's name is "TEXT" or a name of our own, alone or with choices behind it: "TEXT:{table,csv,json}".
+/// The type's name is "TEXT" or a name of our own, alone or with choices after it: "TEXT:{table,csv,json}".
 void readValue(const CLI::Option& option, ArgumentModel& argument) {
     const std::string type = option.get_type_name();
     const std::size_t brace = type.find(":{");

@@ -5,8 +5,8 @@
 
 namespace {
 
-/// Text inside a specification between single quotes, where the shell's own characters are behind
-/// backslashes.
+/// Text inside a specification between single quotes, where a backslash stands before each of the
+/// shell's own characters.
 std::string escaped(const std::string& text) {
     std::string result;
     for (const char c : text) {

@@ -12,8 +12,8 @@ class time_def;
 
 class FrameRate {
  public:
-    /// Reads "25", "23.976", "30000/1001", also with "fps" or "p" behind. Nothing for what is no frame rate:
-    /// it must be within 0.07 of a whole number from 1 to 100, whose frames the codes count.
+    /// Reads "25", "23.976", "30000/1001", also with "fps" or "p" after it. Nothing for what is no frame
+    /// rate: it must be within 0.07 of a whole number from 1 to 100, whose frames the codes count.
     static std::optional<FrameRate> parse(std::string_view text);
 
     /// As it was written, in frames a second: "29.97".

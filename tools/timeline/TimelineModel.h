@@ -3,7 +3,7 @@
 // All places are frames from the midnight before the lane begins; a range is [from, to). Nothing here depends
 // on how the timeline is drawn.
 //
-// Thread-safety: makeTimeline by one thread at a time; what it answers is plain data.
+// Thread-safety: makeTimeline by one thread at a time; what it returns is plain data.
 #pragma once
 
 #include <string>
@@ -69,5 +69,5 @@ struct TimelineColumns {
 enum class TimelineDays { eachLane, common };
 
 /// A record whose end is before its start passes midnight when that makes it at most six hours long; what its
-/// lane, or with `common` the log, has of the day after it then comes behind it.
+/// lane, or with `common` the log, has of the day after it then comes later.
 Timeline makeTimeline(kesta& log, const TimelineColumns& columns, const FrameRate& rate, TimelineDays days);

@@ -17,7 +17,7 @@ struct Glyphs {
     const char* gap;
     const char* shortened;
     const char* several;
-    const char* cut;  ///< behind a text that goes on
+    const char* cut;  ///< after a text that goes on
 };
 constexpr Glyphs plainGlyphs = {"=", "#", "x", ".", "~", "+", "~"};
 constexpr Glyphs unicodeGlyphs = {"\u2501", "\u2588", "\u2592", "\u00B7", "\u223F", "+", "\u2026"};
@@ -51,7 +51,7 @@ class TextPainter {
     }
 
  private:
-    /// One line of bars: what each cell holds. A wide character leaves the cell behind it empty.
+    /// One line of bars: what each cell holds. A wide character leaves the cell after it empty.
     struct Cell {
         std::string glyph = " ";
         const TimelineBar* bar = nullptr;
@@ -111,19 +111,19 @@ class TextPainter {
         markOverlaps(number);
         std::string front = padded(cutTo(shown(m_caption.nameOf(lane)), m_labelCells), m_labelCells) + ' ' +
                             m_caption.code(lane.covered.front().from, lane.dropFrame()) + ' ';
-        std::string behind = m_caption.code(lane.covered.back().to, lane.dropFrame());
+        std::string after = m_caption.code(lane.covered.back().to, lane.dropFrame());
         for (const std::vector<const TimelineBar*>& level : levelsOf(lane)) {
             Cells cells(m_cells);
-            if (!behind.empty()) paintGaps(number, cells);
+            if (!after.empty()) paintGaps(number, cells);
             for (const TimelineBar* const bar : level) fill(number, *bar, cells);
             for (const TimelineBar* const bar : level) label(number, *bar, cells);
             std::string line = front;
             for (const Cell& cell : cells) line += cell.glyph;
-            (line += ' ') += behind;
+            (line += ' ') += after;
             line.erase(line.find_last_not_of(' ') + 1);
             m_out.line(line);
             front.assign(displayWidth(front), ' ');
-            behind.clear();
+            after.clear();
         }
     }
 
@@ -174,7 +174,7 @@ class TextPainter {
         cells[span.to - 1].glyph = ']';
     }
 
-    // Behind the opening bracket, when there is room for the whole name; a tagged one begins with a star.
+    // After the opening bracket, when there is room for the whole name; a tagged one begins with a star.
     void label(std::size_t number, const TimelineBar& bar, Cells& cells) const {
         const Span span = spanOf(number, bar.range);
         if (span.to - span.from < 3 || cells[span.from].bar != &bar) return;
