@@ -6,8 +6,9 @@
 
 #include "container/ZRContainerFile.h"
 #include "support/OS.h"
+#include "support/StandIn.h"
 #include "support/StringFunctions.h"
-#include "support/misc/FileReplacement.h"
+#include "support/SystemFile.h"
 
 namespace {
 

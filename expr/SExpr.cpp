@@ -1,3 +1,4 @@
+// Expression trees: printing, reversing, walking and ending them.
 #include "expr/SExpr.h"
 
 #include <typeinfo>

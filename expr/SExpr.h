@@ -40,7 +40,7 @@ class KESTA_API SExpr : public SExprElt {
     /// "(", the elements' texts separated by single spaces, ")".
     void asString(GrowString& out) override;
 
-    /// Reverses the chain that starts at this cell in place and answers its new first cell. This cell becomes
+    /// Reverses the chain that starts at this cell in place and returns its new first cell. This cell becomes
     /// the last.
     SExpr* reverse() noexcept;
 

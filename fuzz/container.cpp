@@ -156,19 +156,10 @@ void writeAndRead(Fuzz::Input& input) {
     }
 }
 
-// The kind that a file's name gives its container.
-void name(Fuzz::Input& input) {
-    const LightweightString<wchar_t> text = fromUTF8(Fuzz::Text(input.rest()));
-    const Cookie plainName(stripPathAndExt(text), false);
-    const Cookie named = ZRContainerFile::getCookieFromFilename(text);
-    Fuzz::promise(named.uuid().bytes == plainName.uuid().bytes || named.isNull());
-    Fuzz::promise(named == plainName || named.qualifier() == 255);
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    constexpr void (*forms[])(Fuzz::Input&) = {readAny, writeAndRead, name};
+    constexpr void (*forms[])(Fuzz::Input&) = {readAny, writeAndRead};
     Fuzz::Input input(data, size);
     forms[input.below(std::size(forms))](input);
     return 0;

@@ -1,11 +1,9 @@
 // The small parsers of the support libraries, each on any text. The first byte says which.
 #include <string>
-#include <vector>
 
 #include "fuzz/Fuzz.h"
 #include "support/Cookie.h"
 #include "support/NotifyMsg.h"
-#include "support/TextSearch.h"
 #include "support/time_def.h"
 
 namespace {
@@ -34,48 +32,6 @@ void timecode(Fuzz::Input& input) {
         Fuzz::promise(again.get_database_str() == code.get_database_str());
         Fuzz::promise(again.get_punctuated_str() == code.get_punctuated_str());
     }
-}
-
-/// Characters that count as one under the options, as one.
-std::string canonical(std::string text, unsigned options) {
-    for (char& c : text) {
-        if ((options & TextSearch::eMatchCase) == 0 && c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-        if ((options & TextSearch::eSeparatorsEqual) != 0 && (c == ';' || c == '.' || c == ',')) c = ':';
-    }
-    return text;
-}
-
-bool slowMatch(std::string text, std::string query, int method, unsigned options) {
-    text = canonical(text, options);
-    query = canonical(query, options);
-    if (query.empty()) return true;
-    const std::size_t behind = text.size() - query.size();
-    switch (method) {
-        case TextSearch::eContains:
-            return text.find(query) != std::string::npos;
-        case TextSearch::eBeginsWith:
-            return text.substr(0, query.size()) == query;
-        case TextSearch::eEndsWith:
-            return query.size() <= text.size() && text.substr(behind) == query;
-        default:
-            return text == query;
-    }
-}
-
-void textSearch(Fuzz::Input& input) {
-    const int method = static_cast<int>(input.below(6)) - 1;
-    const unsigned options = input.byte();
-    TextSearch::Criteria criteria;
-    std::vector<std::string> queries;
-    for (unsigned count = input.below(3); count > 0; --count) queries.push_back(input.take(input.byte()));
-    const std::string text = input.rest();
-    bool expected = true;
-    for (const std::string& query : queries) {
-        criteria.add(TextSearch::Criterion(Fuzz::Text(query), static_cast<TextSearch::eMatchMethod>(method)));
-        expected = expected && slowMatch(text, query, method, options);
-    }
-    Fuzz::promise(TextSearch::match(Fuzz::Text(text), criteria, options) == expected);
 }
 
 void messageWords(Fuzz::Input& input) {
@@ -116,7 +72,7 @@ void numbers(Fuzz::Input& input) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    constexpr void (*parsers[])(Fuzz::Input&) = {cookie, timecode, textSearch, messageWords, utf8, numbers};
+    constexpr void (*parsers[])(Fuzz::Input&) = {cookie, timecode, messageWords, utf8, numbers};
     Fuzz::Input input(data, size);
     parsers[input.below(std::size(parsers))](input);
     return 0;

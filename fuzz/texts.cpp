@@ -1,15 +1,11 @@
 // Texts in memory. Strings that share what they hold do what plain ones do; a text file is saved the same
-// whether its lines go to the disk as they come or in the end, and loads again; an expression's text is what
-// its cells say. The first byte says which.
+// whether its lines go to the disk as they come or at the end, and loads again. The first byte says which.
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <utility>
 #include <vector>
 
-#include "expr/SExpr.h"
 #include "fuzz/Fuzz.h"
-#include "record/kesta.h"
 #include "support/TextFile.h"
 
 namespace {
@@ -160,84 +156,10 @@ void files(Fuzz::Input& input) {
     for (unsigned i = 0; i < lines.size(); ++i) Fuzz::promise(again.lineView(i) == lines[i]);
 }
 
-// --- Expressions ---
-
-const std::vector<DBFieldDesc>& columns() {
-    static const std::vector<DBFieldDesc> all = {{"Name", DBFieldTypes::eText},
-                                                 {"Reel", DBFieldTypes::eText}};
-    return all;
-}
-
-struct Element {
-    SExprElt* element;
-    std::string text;
-};
-
-struct List {
-    SExpr* first = nullptr;
-    std::vector<std::string> texts;
-
-    void push(const Element& element) {
-        first = new SExpr(element.element, first);
-        texts.insert(texts.begin(), element.text);
-    }
-
-    std::string text() const {
-        std::string all = "(";
-        for (std::size_t i = 0; i < texts.size(); ++i) all += (i == 0 ? "" : " ") + texts[i];
-        return all + ')';
-    }
-};
-
-Element makeElement(Fuzz::Input& input, kesta& log, int depth) {
-    switch (input.below(5)) {
-        case 0:
-            return {new SExprOperator, "op "};
-        case 1:
-            return {new SExprRef(input.byte(), nullptr), "voidref"};
-        case 2: {
-            const auto field = static_cast<unsigned>(input.number());
-            return {new SExprRef(field, &log),
-                    field < columns().size() ? Fuzz::str(columns()[field].name) : ""};
-        }
-        case 3: {
-            List list;
-            for (unsigned count = depth > 0 ? input.below(5) : 0; count > 0; --count) {
-                list.push(makeElement(input, log, depth - 1));
-            }
-            return {list.first, list.first ? list.text() : ""};
-        }
-        default:
-            return {nullptr, ""};
-    }
-}
-
-void expressions(Fuzz::Input& input) {
-    kesta log(columns());
-    List list;
-    do {
-        list.push(makeElement(input, log, 50));
-    } while (!input.empty());
-
-    GrowString text;
-    list.first->asString(text);
-    Fuzz::promise(static_cast<const char*>(text) == list.text());
-
-    const std::unique_ptr<SExpr> reversed(list.first->reverse());
-    std::reverse(list.texts.begin(), list.texts.end());
-    GrowString reversedText;
-    reversed->asString(reversedText);
-    Fuzz::promise(static_cast<const char*>(reversedText) == list.text());
-
-    SExprIterator cell(reversed.get());
-    for (std::size_t i = 0; i < list.texts.size(); ++i) Fuzz::promise((++cell).cell() != nullptr);
-    Fuzz::promise(!(++cell).cell() && (++cell).cell() == reversed.get());
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    constexpr void (*parts[])(Fuzz::Input&) = {strings, files, expressions};
+    constexpr void (*parts[])(Fuzz::Input&) = {strings, files};
     Fuzz::Input input(data, size);
     parts[input.below(std::size(parts))](input);
     return 0;

@@ -42,14 +42,14 @@ class KESTA_API Array {
     /// Empties the list.
     void init() noexcept;
 
-    /// Sets `index` to the entry equal to the datum, which is appended when there is none; answers whether it
+    /// Sets `index` to the entry equal to the datum, which is appended when there is none; returns whether it
     /// was. Takes constant time, but for the first call after insertDatum, replaceDatum or sort. With a null
     /// datum `index` is notFound.
     bool intern(const ArrayRec* datum, unsigned& index);
 
     void appendDatum(const ArrayRec* datum);
 
-    /// Puts the datum before the entry at `index`; past the end, behind the last.
+    /// Puts the datum before the entry at `index`; past the end, after the last.
     void insertDatum(const ArrayRec* datum, unsigned index);
 
     /// Past the end it does nothing.
@@ -94,7 +94,7 @@ class KESTA_API Set : private Array {
     using Array::size;
     using Array::operator[];
 
-    /// Answers whether the identifier is new. Constant time, as is contains.
+    /// Returns whether the identifier is new. Constant time, as is contains.
     bool add(const ArrayRec& datum);
     bool contains(const ArrayRec& wanted) const noexcept { return find(wanted) != notFound; }
 };
@@ -129,7 +129,7 @@ class KESTA_API CookieSet {
     CookieSet& operator=(const CookieSet&) noexcept;
     ~CookieSet();
 
-    /// Answers whether the identifier is new. Constant time, but for the copy that a shared set needs.
+    /// Returns whether the identifier is new. Constant time, but for the copy that a shared set needs.
     bool add(const Cookie& cookie);
 
     bool contains(const Cookie& cookie) const noexcept { return m_rep && m_rep->contains(cookie); }

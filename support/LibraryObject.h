@@ -7,7 +7,8 @@
 
 #include "support/OS.h"
 
-/// A base without data. Its heirs are made by new and ended through a virtual destructor, on whichever side.
+/// A base without data. Derived objects are made by new and ended through a virtual destructor, on whichever
+/// side.
 class LibraryObject {
  public:
     static void* operator new(std::size_t size) { return OS()->allocator()->allocate(size); }

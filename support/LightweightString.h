@@ -138,7 +138,7 @@ class LightweightString {
 
  private:
     struct Body;
-    /// The count stands at the block's begin, so whoever gives back the last share gives back the block.
+    /// The count stands at the block's beginning, so whoever gives back the last share gives back the block.
     struct BlockTraits {
         static void destroy(Body*) noexcept {}
         static void discard(Zr::RefCounter* count) noexcept { OS()->allocator()->release(count); }

@@ -43,7 +43,7 @@ class MethodCallback {
 /// What notifiers of every message class share.
 class KESTA_API NotifierBase {
  public:
-    /// The Guard that every registration answers.
+    /// The Guard that every registration returns.
     class CallbackGuard;
 
  protected:
@@ -64,7 +64,7 @@ class GenericNotifier : public NotifierBase {
     class Client : public Identified {
      public:
         virtual ~Client() = default;
-        /// A message of a type it registered for. The answer has no meaning.
+        /// A message of a type it registered for. What it returns has no meaning.
         virtual int notify(const Message& message, int type) = 0;
     };
 
@@ -73,7 +73,7 @@ class GenericNotifier : public NotifierBase {
     GenericNotifier& operator=(const GenericNotifier&) = delete;
     virtual ~GenericNotifier();
 
-    /// Registers a callback for messages of `type`. The registration ends when the last copy of the answered
+    /// Registers a callback for messages of `type`. The registration ends when the last copy of the returned
     /// guard is released, which may be after the notifier has gone. An empty callback gets no guard.
     Zr::Ptr<Zr::Guard> registerNotification(int type, Callback callback);
 

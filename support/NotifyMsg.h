@@ -33,7 +33,7 @@ class KESTA_API NotifyMsgTypeDictionary {
  public:
     static NotifyMsgTypeDictionary& instance();
 
-    /// The type number of `name`; the same name always answers the same number. Names compare by their bytes.
+    /// The type number of `name`; the same name always has the same number. Names compare by their bytes.
     int intern(const LightweightString<char>& name);
 
     NotifyMsgTypeDictionary(const NotifyMsgTypeDictionary&) = delete;

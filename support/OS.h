@@ -19,7 +19,7 @@ class KESTA_API iAllocator {
     virtual ~iAllocator();
 
     /// A block of at least `size` bytes, aligned for any standard type. A size of 0 gives a block too.
-    /// Throws Zr::Exception::BadAlloc when there is no memory; never answers null.
+    /// Throws Zr::Exception::BadAlloc when there is no memory; never returns null.
     virtual void* allocate(std::size_t size) = 0;
 
     /// Gives back a block of allocate's; null is ignored.
@@ -32,7 +32,7 @@ class KESTA_API iFileSystem {
     virtual ~iFileSystem();
 
     /// Renames `from` to `to` in one atomic step, replacing a file that has that name. `flags` is reserved;
-    /// pass 0. Answers false, with both names as they were, when the system refuses.
+    /// pass 0. Returns false, with both names as they were, when the system refuses.
     virtual bool move(const LightweightString<wchar_t>& from, const LightweightString<wchar_t>& to,
                       int flags) = 0;
 };
@@ -43,7 +43,7 @@ class KESTA_API OperatingSystem {
 
     virtual iAllocator* allocator() noexcept = 0;
 
-    /// Installs another allocator and answers the one before it; null brings back the built-in one. The
+    /// Installs another allocator and returns the one before it; null brings back the built-in one. The
     /// caller keeps ownership. It must hand out blocks that free() accepts: blocks from before outlive the
     /// change.
     virtual iAllocator* setAllocator(iAllocator* allocator) noexcept = 0;

@@ -10,7 +10,7 @@
 
 #include "support/Export.h"
 
-/// Gives its heirs a virtual destructor.
+/// Gives derived classes a virtual destructor.
 class KESTA_API iVirtual {
  public:
     iVirtual() = default;
@@ -91,7 +91,7 @@ class Ptr {
     Ptr(Ptr&& other) noexcept
         : m_count(std::exchange(other.m_count, nullptr)), m_object(std::exchange(other.m_object, nullptr)) {}
 
-    /// A pointer to a base shares the count of the pointer to the heir.
+    /// A pointer to a base shares the count of the pointer to the derived object.
     template <class Heir>
     Ptr(const Ptr<Heir, Dtor, Count>& other) noexcept : m_count(other.m_count), m_object(other.m_object) {
         acquire();

@@ -24,7 +24,7 @@ class IsMatchingChar {
 };
 
 /// The positions of all separators, in order. With quotes respected, one between double quotes is not a
-/// separator; a double quote behind a backslash neither opens nor closes a quoted stretch.
+/// separator; a double quote after a backslash neither opens nor closes a quoted stretch.
 template <class Char, class IsSeparator>
 std::vector<std::size_t> findSeparators(std::basic_string_view<Char> text, IsSeparator isSeparator,
                                         Quotes quotes) {

@@ -56,7 +56,7 @@ KESTA_API bool isEssentiallyEmpty(const LightweightString<char>& text) noexcept;
 /// "true" or "false".
 KESTA_API LightweightString<char> BoolAsString(bool flag);
 
-/// Reads t, true, y, yes, 1 and f, false, n, no, 0, ignoring case and white space around them. Answers
+/// Reads t, true, y, yes, 1 and f, false, n, no, 0, ignoring case and white space around them. Returns
 /// whether the text was one of these; when not, `flag` stays as it was.
 KESTA_API bool BoolFromString(const LightweightString<char>& text, bool& flag) noexcept;
 

@@ -4,7 +4,7 @@
 #include "support/LibraryObject.h"
 #include "support/Ptr.h"
 
-/// Hold heirs through Zr::Ptr; the last Ptr destroys them.
+/// Hold derived objects through Zr::Ptr; the last Ptr destroys them.
 class KESTA_API iObject : public virtual Zr::InternalRefCount, public virtual iVirtual, public LibraryObject {
  public:
     iObject() = default;

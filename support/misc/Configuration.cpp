@@ -1,3 +1,4 @@
+// Settings of the process, and configuration blocks.
 #include "support/Configuration.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Cookie: the text forms of an identifier, and its order.
 #include "support/Cookie.h"
 
 #include <cstring>
@@ -52,7 +53,7 @@ class Reader {
     bool m_good = true;
 };
 
-/// Reads the text form into `cookie` and answers true; false, without a change, when `text` is no text form.
+/// Reads the text form into `cookie` and returns true; false, without a change, when `text` is no text form.
 bool readTextForm(std::string_view text, Cookie& cookie) noexcept {
     const bool grouped = text.size() == groupedLength;
     if ((!grouped && text.size() != plainLength) || !Ascii::isLetter(text[0])) return false;

@@ -1,3 +1,4 @@
+// Array, Set and CookieSet: lists and sets of identifiers.
 #include "support/CookieContainers.h"
 
 #include <algorithm>

@@ -8,6 +8,7 @@
 #include <sys/random.h>
 #include <sys/stat.h>
 
+#include "support/StandIn.h"
 #include "support/misc/OpenStream.h"
 
 namespace {

@@ -11,7 +11,6 @@
 #include <sys/stat.h>
 #include <vector>
 
-#include "support/Export.h"
 #include "support/SystemFile.h"
 
 class FileReplacement {
@@ -51,9 +50,3 @@ class FileReplacement {
     std::size_t m_pending = 0;  // the bytes of the piece that are still to be written
     int m_error = 0;
 };
-
-/// Makes an empty file that stands in for `original` under another name until it is moved over it: with its
-/// owner and permissions, and writable by its owner, in the place of whatever bears the name, which is never
-/// followed as a link. Returns false, with errno set and that name as it was, when it cannot be made.
-KESTA_API bool makeStandIn(const LightweightString<wchar_t>& name,
-                           const LightweightString<wchar_t>& original);

@@ -1,3 +1,4 @@
+// GrowString: a text that grows.
 #include "support/GrowString.h"
 
 GrowString::GrowString() = default;

@@ -1,3 +1,4 @@
+// IdStamp: stamps that no other object of the process has.
 #include "support/IdStamp.h"
 
 #include <atomic>

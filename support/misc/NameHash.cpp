@@ -1,3 +1,4 @@
+// NameHash: the identifier that a name stands for.
 #include "support/misc/NameHash.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// Notifier: the list of listeners, which may change while a message is delivered.
 #include "support/Notifier.h"
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// NotifyMsg: the numbers of message types, and the words of a message.
 #include "support/NotifyMsg.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// TextSearch: matching texts against criteria.
 #include "support/TextSearch.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// time_def: reading and writing time codes.
 #include "support/time_def.h"
 
 #include <cstring>
@@ -14,7 +15,7 @@ constexpr bool isSeparator(char c) noexcept {
     return c == ':' || c == ';' || c == '.' || c == ',';
 }
 
-/// Reads digits from `text`, two for each separator-free group, and answers whether that is what it holds.
+/// Reads digits from `text`, two for each separator-free group, and returns whether that is what it holds.
 bool readGroups(std::string_view text, std::size_t separatorLength, char* digits) noexcept {
     for (std::size_t i = 0; i < digitCount; i += 2) {
         const std::size_t at = i + i / 2 * separatorLength;

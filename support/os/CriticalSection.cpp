@@ -1,3 +1,4 @@
+// CriticalSection, by a recursive mutex.
 #include "support/CriticalSection.h"
 
 CriticalSection::CriticalSection() = default;

@@ -1,3 +1,4 @@
+// Exceptions: what is emitted once for all libraries.
 #include "support/Exception.h"
 
 namespace Zr::Exception {

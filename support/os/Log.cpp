@@ -1,3 +1,4 @@
+// Messages: formatting them, and where they go.
 #include "support/Log.h"
 
 #include <cstdarg>

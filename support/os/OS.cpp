@@ -1,3 +1,4 @@
+// The operating-system object: its allocator and file operations.
 #include "support/OS.h"
 
 #include <atomic>
@@ -17,7 +18,7 @@ class Heap final : public iAllocator {
     constexpr Heap() = default;
 
     void* allocate(std::size_t size) override {
-        // malloc(0) may answer null, which would look like exhaustion.
+        // malloc(0) may return null, which would look like exhaustion.
         void* const block = std::malloc(size ? size : 1);
         if (!block) throw Zr::Exception::BadAlloc();
         return block;

@@ -1,3 +1,4 @@
+// SystemWatchdog: whether the process is in a long operation.
 #include "support/SystemWatchdog.h"
 
 namespace {

@@ -1,3 +1,4 @@
+// iObject: its destructor, emitted once.
 #include "support/iObject.h"
 
 iVirtual::~iVirtual() = default;

@@ -1,3 +1,4 @@
+// Functions on strings: numbers, case, flags, comparison.
 #include "support/StringFunctions.h"
 
 #include <algorithm>
