@@ -1,6 +1,6 @@
 // The row index beside a plain model: after every step both hold the same rows, tags and capacity, whatever
-// way the index has chosen to keep them. Tags left in the room behind the last entry show when the room is
-// filled.
+// way the index has chosen to keep them. Tags left in the room after the last entry show when the room is
+// filled. A failure names its seed and step.
 #include <gtest/gtest.h>
 #include <numeric>
 #include <random>
@@ -79,8 +79,8 @@ class Pair {
         }
     }
 
-    // While the walk is under way the two are compared at every stop, and sometimes somebody else changes
-    // both.
+    // While the walk is under way the two are compared at every stop, and sometimes both are changed
+    // otherwise.
     void loseRow(unsigned row, int depth = 0) {
         RowIndex::Loss loss(m_index, row);
         for (int at = 0; at < m_model.count;) {
@@ -121,6 +121,7 @@ TEST(RowIndex, FollowsThePlainModelThroughRandomChanges) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Pair pair(seed);
         for (int step = 0; step < 40 && !HasFatalFailure(); ++step) {
+            SCOPED_TRACE("step " + std::to_string(step));
             pair.step();
             pair.compare();
         }
@@ -136,7 +137,7 @@ TEST(RowIndex, CountsRowNumbersAsUnsigned) {
     EXPECT_EQ(0u, index.row(0));
 }
 
-TEST(RowIndex, ALossEndsWhenTheIndexIsFilledAnew) {
+TEST(RowIndex, ALossEndsWhenTheIndexIsEmptied) {
     for (const int count : {3, 400}) {  // the walk in the array, and in the notes
         RowIndex index;
         index.insert(0, std::vector<unsigned>(static_cast<std::size_t>(count), 7));

@@ -34,10 +34,10 @@ TEST(ViewThreads, ReadTheSameWhileNobodyWrites) {
     const std::size_t expected[] = {readAll(*base, *database), readAll(*base, *base), readAll(*top, *top)};
     std::vector<std::thread> readers;
     std::vector<int> agreed(4);
-    for (int& answer : agreed) {
+    for (int& same : agreed) {
         readers.emplace_back([&] {
-            answer = expected[0] == readAll(*base, *database) && expected[1] == readAll(*base, *base) &&
-                     expected[2] == readAll(*top, *top);
+            same = expected[0] == readAll(*base, *database) && expected[1] == readAll(*base, *base) &&
+                   expected[2] == readAll(*top, *top);
         });
     }
     for (std::thread& reader : readers) reader.join();

@@ -37,7 +37,7 @@ TEST_F(ViewFile, HoldsItsRowsInOrderWithItsOwnTags) {
         << "the records themselves keep their field";
 }
 
-TEST_F(ViewFile, HoldsTheTagsThatADerivedViewAnswers) {
+TEST_F(ViewFile, HoldsTheTagsOfADerivedView) {
     class AllTagged : public KSTViewRep {
      public:
         using KSTViewRep::KSTViewRep;

@@ -1,4 +1,5 @@
-// Who outlives whom: handles, chains, databases that go first, listeners that end what is talking to them.
+// What outlives what: handles, chains, databases that are destroyed first, listeners that end what is talking
+// to them.
 #include <functional>
 #include <gtest/gtest.h>
 #include <optional>

@@ -112,7 +112,7 @@ class Database : public Source {
         return deleted;
     }
 
-    // Whoever asks, the answer is about the rows of the database.
+    // Also for a view, about the rows of the database.
     int findFirst(const std::string& wanted) const {
         for (int row = 0; row < rows(); ++row) {
             if ((record(row) ? record(row)->name : "") == wanted) return row;
@@ -169,6 +169,12 @@ class View : public Source {
     int tag(int row) const override { return has(row) && index[row].tag; }
     void set_tag(unsigned row, int value) override {
         if (has(static_cast<int>(row))) index[static_cast<int>(row)].tag = value != 0;
+    }
+
+    unsigned findViewIndexForBaseRow(unsigned long sourceRow) const {
+        int row = 0;
+        while (row < rows() && index[row].row != sourceRow) ++row;
+        return static_cast<unsigned>(row < rows() ? row : -1);
     }
 
     // --- Losing rows ---

@@ -1,9 +1,11 @@
 // A database with a few views, some of them chained, beside the plain model: random operations on both,
-// compared in what they answer, in every notification (its type, its text, the state of its source at that
-// moment) and in what all sources show afterwards. A failure names its seed.
+// compared in what they return, in every notification (its type, its text, the state of its source at that
+// moment) and in what all sources show afterwards. A failure names its seed, step and operation, and the
+// first word that differs.
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>
+#include <sstream>
 #include <type_traits>
 
 #include "tests/TestSupport.h"
@@ -38,22 +40,36 @@ class Worlds {
     }
 
     void step() {
-        static constexpr void (Worlds::*steps[])() = {
-            &Worlds::addView,    &Worlds::chainView,         &Worlds::copyView,         &Worlds::dropSomeView,
-            &Worlds::showSome,   &Worlds::deleteInDatabase,  &Worlds::deleteInDatabase, &Worlds::setTags,
-            &Worlds::setTags,    &Worlds::setTagsInDatabase, &Worlds::changeView,       &Worlds::changeView,
-            &Worlds::changeView, &Worlds::changeView,        &Worlds::changeView,       &Worlds::changeView,
-            &Worlds::changeView, &Worlds::changeView,        &Worlds::changeView,       &Worlds::changeView};
-        (this->*steps[pick(0, static_cast<int>(std::size(steps)) - 1)])();
+        static constexpr std::pair<const char*, void (Worlds::*)()> steps[] = {
+            {"addView", &Worlds::addView},
+            {"chainView", &Worlds::chainView},
+            {"copyView", &Worlds::copyView},
+            {"dropSomeView", &Worlds::dropSomeView},
+            {"showSome", &Worlds::showSome},
+            {"deleteInDatabase", &Worlds::deleteInDatabase},
+            {"deleteInDatabase", &Worlds::deleteInDatabase},
+            {"setTags", &Worlds::setTags},
+            {"setTags", &Worlds::setTags},
+            {"setTagsInDatabase", &Worlds::setTagsInDatabase}};
+        const int which = pick(0, 2 * static_cast<int>(std::size(steps)) - 1);
+        const auto [name, step] = which < static_cast<int>(std::size(steps))
+                                      ? steps[which]
+                                      : std::pair("changeView", &Worlds::changeView);
+        m_operation = name;
+        (this->*step)();
         if (m_model.rows() < 10) both(anyView(), [](auto& view) { view.add_records(20); });
         nameNewRecords();
     }
 
     void compare() {
-        ASSERT_EQ(m_expected, m_actual);
-        ASSERT_EQ(m_model.state(), state(*m_database));
-        for (const Pair& pair : m_views)
-            ASSERT_EQ(pair.model->state(), state(*pair.view)) << pair.model->name;
+        SCOPED_TRACE(m_operation);
+        expectSame("announcements", joined(m_expected), joined(m_actual));
+        expectSame("database", m_model.state(), state(*m_database));
+        for (const Pair& pair : m_views) {
+            expectSame(pair.model->name, pair.model->state(), state(*pair.view));
+            const auto row = static_cast<unsigned long>(pick(0, m_model.rows()));
+            ASSERT_EQ(pair.model->findViewIndexForBaseRow(row), pair.view->findViewIndexForBaseRow(row));
+        }
         m_expected.clear();
         m_actual.clear();
     }
@@ -73,6 +89,27 @@ class Worlds {
     int anyRow(const ViewModel::Source& source) { return pick(-2, source.rows() + 2); }
 
     // --- What is compared ---
+
+    static std::string joined(const ViewModel::Log& events) {
+        std::string all;
+        for (const std::string& event : events) all += event + "; ";
+        return all;
+    }
+
+    /// Fails with the first word in which the two differ.
+    static void expectSame(const std::string& what, const std::string& expected, const std::string& actual) {
+        if (expected == actual) return;
+        std::istringstream ours(expected);
+        std::istringstream theirs(actual);
+        std::string our = " ";
+        std::string their = our;
+        int word = -1;
+        for (; our == their; ++word) {
+            if (!(ours >> our)) our.clear();
+            if (!(theirs >> their)) their.clear();
+        }
+        FAIL() << what << ", word " << word << ": expected \"" << our << "\", found \"" << their << '"';
+    }
 
     static std::string state(iKST& source) {
         std::string all;
@@ -96,7 +133,7 @@ class Worlds {
         }
     }
 
-    /// Makes the same call of both, which are to give the same answer.
+    /// Makes the same call of both, which are to return the same.
     template <class Call>
     static void both(const Pair& pair, Call call) {
         if constexpr (std::is_void_v<decltype(call(*pair.model))>) {
@@ -107,11 +144,13 @@ class Worlds {
         }
     }
 
-    /// Makes one of the calls.
+    /// Makes one of the calls, which have the operations' names.
     template <class... Calls>
-    void oneOf(const Pair& pair, Calls... calls) {
+    void oneOf(const Pair& pair, std::pair<const char*, Calls>... calls) {
         int before = pick(0, static_cast<int>(sizeof...(calls)) - 1);
-        ((before-- == 0 ? both(pair, calls) : void()), ...);
+        ((before-- == 0 ? (m_operation = calls.first + (" of " + pair.model->name), both(pair, calls.second))
+                        : void()),
+         ...);
     }
 
     // --- Views come and go ---
@@ -198,28 +237,32 @@ class Worlds {
         m_database->delete_records(static_cast<unsigned>(row), static_cast<unsigned>(count));
     }
     void changeView() {
-        const Pair pair = anyView();
-        const int at = anyRow(*pair.model);
+        const Pair chosen = anyView();
+        const int at = anyRow(*chosen.model);
         const int count = pick(0, 5);
-        const int first = pick(-1, pair.model->source().rows());
-        const int many = pick(0, 1 + pair.model->source().rows() / 2);
+        const int first = pick(-1, chosen.model->source().rows());
+        const int many = pick(0, 1 + chosen.model->source().rows() / 2);
         const std::string name = anyName();
         const int on = chance(50);
+        using std::pair;
         oneOf(
-            pair, [=](auto& view) { return view.displayRecordsAt(first, many, at); },
-            [=](auto& view) { return view.displayMatchAt("Name", name.c_str(), at); },
-            [=](auto& view) { view.displayTaggedRecordsAt(at); },
-            [=](auto& view) { view.displayAllRecords(); },
-            [=](auto& view) { view.insertBlankRecords(at, count); },
-            [=](auto& view) { view.remove(at, count); },
-            [=](auto& view) { view.removeRecordsFromBaseView(at, count); },
-            [=](auto& view) { view.deleteRecords(at, count); },
-            [=](auto& view) { return view.deleteTagged(); },
-            [=](auto& view) { return on ? view.removeTagged() : view.removeNonTagged(); },
-            [=](auto& view) { view.sort(on ? 1 : -1, 0); }, [=](auto& view) { return view.tagMatches(on); },
-            [=](auto& view) { return view.tagDuplicatesOrdered(valueField); },
-            [=](auto& view) { return view.tagDuplicates(valueField); },
-            [=](auto& view) { view.tagBaseFromTags(); });
+            chosen,
+            pair("displayRecordsAt", [=](auto& view) { return view.displayRecordsAt(first, many, at); }),
+            pair("displayMatchAt", [=](auto& view) { return view.displayMatchAt("Name", name.c_str(), at); }),
+            pair("displayTaggedRecordsAt", [=](auto& view) { view.displayTaggedRecordsAt(at); }),
+            pair("displayAllRecords", [=](auto& view) { view.displayAllRecords(); }),
+            pair("insertBlankRecords", [=](auto& view) { view.insertBlankRecords(at, count); }),
+            pair("remove", [=](auto& view) { view.remove(at, count); }),
+            pair("removeRecordsFromBaseView", [=](auto& view) { view.removeRecordsFromBaseView(at, count); }),
+            pair("deleteRecords", [=](auto& view) { view.deleteRecords(at, count); }),
+            pair("deleteTagged", [=](auto& view) { return view.deleteTagged(); }),
+            pair("removeTagged or removeNonTagged",
+                 [=](auto& view) { return on ? view.removeTagged() : view.removeNonTagged(); }),
+            pair("sort", [=](auto& view) { view.sort(on ? 1 : -1, 0); }),
+            pair("tagMatches", [=](auto& view) { return view.tagMatches(on); }),
+            pair("tagDuplicatesOrdered", [=](auto& view) { return view.tagDuplicatesOrdered(valueField); }),
+            pair("tagDuplicates", [=](auto& view) { return view.tagDuplicates(valueField); }),
+            pair("tagBaseFromTags", [=](auto& view) { view.tagBaseFromTags(); }));
     }
 
     // --- Tags ---
@@ -256,6 +299,7 @@ class Worlds {
     std::mt19937 m_random;
     ViewModel::Log m_expected;
     ViewModel::Log m_actual;
+    std::string m_operation;
     std::vector<Zr::Ptr<Zr::Guard>> m_guards;
     Zr::Ptr<kesta> m_database;
     ViewModel::Database m_model;

@@ -1,8 +1,11 @@
 // What views promise beyond the plain model: attachment, the record-source interface, field specifications,
 // cursors, bad arguments, sources that refuse.
 #include <climits>
+#include <functional>
 #include <gtest/gtest.h>
+#include <stdexcept>
 
+#include "support/SystemWatchdog.h"
 #include "tests/view/Views.h"
 #include "view/KSTViewCursor.h"
 
@@ -56,7 +59,7 @@ TEST(View, HasParametersOfItsOwnThatChangeWithWhatItStandsOn) {
     EXPECT_EQ(1u, view->get_num_records()) << "attaching to the present database is no change";
 }
 
-TEST(View, AnswersNothingWithoutADatabase) {
+TEST(View, HasNothingWithoutADatabase) {
     const KSTView view(new KSTViewRep(nullptr, "Name"));
     const auto database = fiveRows();
     EXPECT_EQ(0u, view->get_num_fields());
@@ -253,7 +256,7 @@ TEST(View, RowsThatAViewBetweenHasNoMoreSortAsMissingRecords) {
     EXPECT_EQ(Fields(5), columnOf(*top, 0));
 }
 
-TEST(View, SortsByTheRecordsThatItsSourceAnswers) {
+TEST(View, SortsByTheRecordsThatItsSourceReturns) {
     class Reversed : public KSTViewRep {
      public:
         using KSTViewRep::KSTViewRep;
@@ -270,7 +273,7 @@ TEST(View, SortsByTheRecordsThatItsSourceAnswers) {
     EXPECT_EQ((Fields{"a", "b", "c", "d", "e"}), columnOf(*top, 0));
 }
 
-// When it is asked for a record the third time, it answers none and does something to itself.
+// When it is asked for a record the third time, it returns none and does something to itself.
 class Fickle : public kesta {
  public:
     using kesta::get_record;
@@ -304,7 +307,53 @@ TEST(View, SortsNothingWhenTheDatabaseTakesRowsAwayOrEndsMeanwhile) {
     }
 }
 
-TEST(View, DeletesWhatThereIsBehindARowThatTheSourceHasNoMore) {
+// A base view that sees how many long operations are announced while it works, and fails on demand.
+class Watched : public KSTViewRep {
+ public:
+    using KSTViewRep::findFirst;
+    using KSTViewRep::KSTViewRep;
+
+    int findFirst(const char* field, const char* value, int start) override {
+        work();
+        return KSTViewRep::findFirst(field, value, start);
+    }
+    void sortPrepare(int, int) override { work(); }
+
+    bool fails = false;
+    int announced = 0;
+
+ private:
+    void work() {
+        announced = SystemWatchdog::openAnnouncements();
+        if (fails) throw std::runtime_error("on demand");
+    }
+};
+
+TEST(View, TellsTheWatchdogWhileItSortsAndLooksUpIdentifiers) {
+    const auto database = makeTextDatabase({"Cookie"}, {{""}});
+    const Cookie id("id", false);
+    database->set_field(0, id);
+    auto* const base = new Watched(database.get());
+    const KSTView view = viewOfAll(*database, KSTView(base));
+    CookieSet ids;
+    ids.add(id);
+    const KSTView detached(new KSTViewRep(nullptr));
+    const std::function<void(KSTViewRep&)> operations[] = {
+        [](KSTViewRep& of) { of.sort(1, 0); }, [&](KSTViewRep& of) { of.displayRecordsAt(ids, 0); },
+        [&](KSTViewRep& of) { of.displayRecordsAt(CookieVec(1, id), 0); }};
+    for (const auto& operation : operations) {
+        base->announced = 0;
+        base->fails = false;
+        operation(*view);
+        EXPECT_EQ(1, base->announced);
+        base->fails = true;
+        EXPECT_THROW(operation(*view), std::runtime_error);
+        operation(*detached);
+        EXPECT_EQ(0, SystemWatchdog::openAnnouncements()) << "ended on every path";
+    }
+}
+
+TEST(View, DeletesWhatThereIsAfterARowThatTheSourceHasNoMore) {
     const auto database = fiveRows();
     const KSTView view(new KSTViewRep(database.get()));
     for (const int row : {4, 0, 1, 3}) view->displayRecordsAt(row, 1, INT_MAX);
