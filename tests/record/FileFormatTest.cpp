@@ -407,7 +407,11 @@ TEST_F(CSVInput, IsValidThoughEmptyWhenItsNameEndsInLowerCase) {
         EXPECT_EQ(database->get_num_fields() + database->get_num_records(), 0U);
     }
     EXPECT_EQ(loadDatabase(folder / "missing.csv")->get_valid(), 0);
-    EXPECT_EQ(loadDatabase(folder.with(".csv", "a,b\n1,2\n"))->get_num_fields(), 2U) << "its whole name";
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.path());
+    EXPECT_EQ(loadDatabase(folder.with(".csv", "a,b\n1,2\n").filename())->get_num_fields(), 2U)
+        << "its whole name";
+    std::filesystem::current_path(before);
     for (const char* const name : {"a.CSV", "a.csv.kst", "acsv"}) {
         EXPECT_EQ(loadDatabase(folder.with(name, "a,b\n1,2\n"))->get_valid(), 0) << name;
     }
