@@ -46,6 +46,7 @@ TEST_F(EditTest, RefusesWhatALogWouldNotGiveBackAndWhatItDoesNotUnderstand) {
     std::string names = "A0";
     for (int i = 1; i < 65; ++i) names += ",A" + std::to_string(i);
     table("wide.log", {names});
+    table("long.log", {std::string(64, 'x')});
     expectRefused({
         {"set a.log 1 Notes ' x'", 2, "begins with white space"},
         {"set a.log 1 Notes 'x\n'", 2, "ends with white space"},
@@ -74,6 +75,7 @@ TEST_F(EditTest, RefusesWhatALogWouldNotGiveBackAndWhatItDoesNotUnderstand) {
         {"sho wide.log", 64, "no command \"sho\"; did you mean \"show\"? The commands are: info, show, "},
         {"'' wide.log", 64, "no command \"\"; the commands are: "},
         {"show wide.log --columns none", 2, ", A19 ... and 45 more; kesta info lists them\n"},
+        {"show long.log --columns Y" + std::string(63, 'x'), 2, "did you mean"},
         {"show wide.log --columns ''", 64, "--columns needs a value"},
         {"show wide.log --rows=", 64, "--rows"},
         {"export wide.log --format csv -o ''", 64, "--output needs a value"},

@@ -57,6 +57,9 @@ TEST_F(TimelineTest, CountsDropFrameCodesAndPassesMidnight) {
                          "01:09:59;28 - 01:10:00;01, 00:00:00;03&#10;row 4"});
     expectIn(picture("--fps 59.94"), {"row 1: End time 01:01:00;03 is one of the numbers that drop frame"});
 
+    records({"1,M,01:00:00:00,01:00:10:00", "2,M,01:00:10:00,01:00:20:00"});
+    EXPECT_EQ(picture().find("Gap"), std::string::npos) << "records that meet leave no gap";
+
     records({"1,N,00:20:00:00,00:30:00:00", "2,N,23:50:00:00,00:10:00:00"}, "\"Frame_Rate:25 fps\"\n");
     EXPECT_EQ(lanes(), "N 23:50:00:00 [2==============]........[1======] 00:30:00:00\n");
     expectIn(picture(), {"25 fps (from the log)", "23:50:00:00 - 00:10:00:00, 00:20:00:00&#10;row 2"});
