@@ -10,7 +10,7 @@ set(public_headers
     expr/SExpr.h
     record/DBFieldTypes.h record/KSTBase.h record/dbrecord.h record/iKST.h record/kesta.h
     record/parts/CookieIndex.h record/parts/FieldList.h record/parts/GapVector.h record/parts/OnDemand.h
-    record/parts/ParamList.h
+    record/parts/ParamList.h record/parts/Query.h
     view/KSTView.h view/KSTViewCursor.h view/KSTViewRep.h
     view/parts/Attachment.h view/parts/RowArray.h view/parts/RowIndex.h
     fieldmap/FieldMap.h

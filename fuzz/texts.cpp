@@ -28,7 +28,7 @@ class Strings {
     void step() {
         const std::size_t i = place();
         const std::size_t j = place();
-        switch (m_input.below(9)) {
+        switch (m_input.below(8)) {
             case 0:
                 m_plain[i] = m_input.take(m_input.byte());
                 m_strings[i] = Fuzz::Text(m_plain[i]);
@@ -52,7 +52,7 @@ class Strings {
                 break;
             }
             case 5:
-                // A text's end, which lies in its own memory, behind the text.
+                // A text's end, which lies in its own memory.
                 m_strings[i].append(m_strings[i].view().substr(m_plain[i].size() / 2));
                 m_plain[i] += m_plain[i].substr(m_plain[i].size() / 2);
                 if (m_plain[i].size() > mostBytes) m_strings[i] = {}, m_plain[i].clear();
@@ -60,12 +60,6 @@ class Strings {
             case 6:
                 m_plain[i] = (m_plain[j] + m_input.text()).substr(0, m_plain[j].size() + 1);
                 m_strings[i] = Fuzz::Text(m_plain[i]);
-                break;
-            case 7:
-                m_plain[i] = m_plainStock;
-                m_strings[i] = m_stock.copy();
-                m_plainStock = m_plain[j];
-                m_stock = StringStock<char>(m_strings[j]);
                 break;
             default:
                 makeInOneBlock(i, j);
@@ -76,11 +70,9 @@ class Strings {
         const std::string first = m_input.text() + '.';
         const std::string second = m_input.text() + '.';
         const std::size_t sizes[] = {Fuzz::Text::sizeInBlock(first), Fuzz::Text::sizeInBlock(second)};
-        void* const memory = OS()->allocator()->allocate(sizeof(Zr::RefCounter) + sizes[0] + sizes[1]);
-        auto* const block = new (memory) Zr::RefCounter(2);
-        char* const places = reinterpret_cast<char*>(block + 1);
-        m_strings[i] = Fuzz::Text::makeInBlock(block, places, first);
-        m_strings[j] = Fuzz::Text::makeInBlock(block, places + sizes[0], second);
+        Zr::SharedBlock* const block = Zr::SharedBlock::make(sizes[0] + sizes[1], 2);
+        m_strings[i] = Fuzz::Text::makeInBlock(*block, block->room(), first);
+        m_strings[j] = Fuzz::Text::makeInBlock(*block, block->room() + sizes[0], second);
         m_plain[i] = first;
         m_plain[j] = second;
     }
@@ -98,8 +90,6 @@ class Strings {
     Fuzz::Input& m_input;
     std::array<Fuzz::Text, 6> m_strings;
     std::array<std::string, 6> m_plain;
-    StringStock<char> m_stock;
-    std::string m_plainStock;
 };
 
 void strings(Fuzz::Input& input) {

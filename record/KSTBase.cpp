@@ -1,3 +1,4 @@
+// The parameters of a record source.
 #include "record/KSTBase.h"
 
 #include "support/TextFile.h"

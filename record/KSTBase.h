@@ -18,7 +18,7 @@ class KESTA_API KSTBase : public iKST {
     /// The index of the first pair with that key, an empty key among them; -1 when there is none.
     int findParamIndex(const LightweightString<char>& key) const noexcept;
 
-    /// Appends the pair, or gives the first pair of that key the value (the key keeps its spelling). Answers
+    /// Appends the pair, or gives the first pair of that key the value (the key keeps its spelling). Returns
     /// 0, or -1 with nothing changed when the key is empty.
     int add_param(const LightweightString<char>& key, const LightweightString<char>& value) override;
 

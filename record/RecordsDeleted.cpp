@@ -1,3 +1,4 @@
+// The text and the type of the announcement.
 #include "record/RecordsDeleted.h"
 
 #include <charconv>

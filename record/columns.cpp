@@ -28,10 +28,10 @@ const char* kesta::get_fieldname(unsigned field) const {
 }
 
 unsigned kesta::get_fieldnum(const LightweightString<char>& name) const {
-    if (m_fields.empty() || name.empty()) return notFound;
+    if (m_fields.empty() || name.empty()) return Zr::notFound;
     const FieldNameIndex& numbers = getFieldNameIndexMap();
     const auto found = numbers.find(name);
-    return found == numbers.end() ? notFound : found->second;
+    return found == numbers.end() ? Zr::notFound : found->second;
 }
 
 const kesta::FieldNameIndex& kesta::getFieldNameIndexMap() const {
@@ -44,8 +44,9 @@ const kesta::FieldNameIndex& kesta::getFieldNameIndexMap() const {
 
 unsigned kesta::addField(const DBFieldDesc& desc) {
     const unsigned known = get_fieldnum(desc.name);
-    if (known != notFound) return known;
-    if (m_fields.size() >= mostFieldNumber) return notFound;  // a record has no more fields than that
+    if (known != Zr::notFound) return known;
+    if (m_fields.size() >= dbrecord::mostFields)
+        return Zr::notFound;  // a record has no more fields than that
     const auto added = static_cast<unsigned>(m_fields.size());
     m_fields.push_back(desc);
     m_fields.back().type = ColumnTypes::stored(desc.type);

@@ -1,3 +1,4 @@
+// dbrecord: reading and storing fields, text lines, and what the host is told of a record.
 #include "record/dbrecord.h"
 
 #include <algorithm>
@@ -43,7 +44,6 @@ const char* labelKey(const char* column, std::size_t labelCount) noexcept {
 }
 
 constexpr std::size_t numberBuffer = 256;  // what a number's text is cut to, its end included
-constexpr std::size_t mostFields = std::numeric_limits<unsigned short>::max();
 
 }  // namespace
 
@@ -95,7 +95,7 @@ bool dbrecord::is_blank() const noexcept {
 
 bool dbrecord::set_field(int i, const char* text, bool trim) {
     if (i < 0 || i >= get_num_fields()) return false;
-    while (trim && text && Ascii::isSpace(*text)) ++text;
+    if (trim && text) text = Ascii::skipSpace(text);
     LightweightString<char>& field = m_fields[static_cast<std::size_t>(i)];
     // An equal text keeps its body, which other records may share; the record counts as changed all the same.
     if (field != text) field = LightweightString<char>(text);
@@ -143,7 +143,7 @@ void dbrecord::removeField(unsigned short i) {
 }
 
 void dbrecord::resizeRecord(int n, int* fill, bool) {
-    if (n >= 0 && fill) m_fields.resize(std::min<std::size_t>(static_cast<std::size_t>(n), mostFields));
+    if (n >= 0 && fill) m_fields.resize(std::min(static_cast<unsigned>(n), unsigned(mostFields)));
 }
 
 void dbrecord::resizeField(int, int) {}
@@ -174,7 +174,7 @@ bool dbrecord::write(TextFile& file) const {
 
 void dbrecord::markChanged() noexcept {
     m_changed = 1;
-    if (kesta* const container = get_container()) container->markChanged();
+    if (kesta* const container = get_container()) container->m_changed = 1;
 }
 
 int dbrecord::update(configb* cfg) const {
@@ -182,7 +182,7 @@ int dbrecord::update(configb* cfg) const {
     const kesta* const container = get_container();
     if (!container || !cfg) return 0;
     const unsigned name = container->get_fieldnum("name");
-    if (name == static_cast<unsigned>(-1)) return 0;
+    if (name == Zr::notFound) return 0;
 
     strp_field value;
     value.set(getField(static_cast<unsigned short>(name)));

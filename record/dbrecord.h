@@ -5,7 +5,7 @@
 // changed.
 //
 // Field numbers are 16 bits: a record's number of fields is taken modulo 65536 wherever fields are addressed.
-// Numbers out of range never fault: getters answer null, "" or an empty string, setters answer false.
+// Numbers out of range never fault: getters return null, "" or an empty string, setters return false.
 //
 // Thread-safety: records may be shared between threads for reading; changes need the caller's serialisation.
 #pragma once
@@ -23,6 +23,9 @@ class kesta;
 
 class KESTA_API dbrecord : public iObject {
  public:
+    /// The most fields that a record can address.
+    static constexpr unsigned mostFields = 0xFFFF;
+
     /// `n` empty fields, no container, unchanged, untagged.
     explicit dbrecord(unsigned short n);
 
@@ -62,7 +65,7 @@ class KESTA_API dbrecord : public iObject {
 
     // --- Storing fields ---
 
-    /// Stores `text`, without its leading white space when `trim` is true; null empties the field. Answers
+    /// Stores `text`, without its leading white space when `trim` is true; null empties the field. Returns
     /// true and marks the record changed even when the value does not change; false only when `i` is out of
     /// range.
     bool set_field(int i, const char* text, bool trim);
@@ -74,7 +77,7 @@ class KESTA_API dbrecord : public iObject {
     bool set_field(int i, bool v);      ///< stores "t" or "f"
 
     /// Stores `s`, sharing its text, and marks the record changed, only when it differs from what is stored.
-    /// Answers false only when `i` is out of range.
+    /// Returns false only when `i` is out of range.
     bool setField(unsigned short i, const LightweightString<char>& s);
 
     // --- Shape; none of these marks the record changed ---
@@ -89,7 +92,7 @@ class KESTA_API dbrecord : public iObject {
     /// negative or `fill` is null; what `fill` points to and the flag are not used.
     void resizeRecord(int n, int* fill, bool flag);
 
-    /// Does nothing; kept because callers are built against it.
+    /// Does nothing; kept because applications are built against it.
     void resizeField(int field, int size);
 
     // --- Text lines ---
@@ -115,7 +118,7 @@ class KESTA_API dbrecord : public iObject {
     bool get_changed() const noexcept { return m_changed != 0; }
     void clear_changed() noexcept { m_changed = 0; }
 
-    /// Exports the label fields (name, notes, who, scene ...) to a configuration block. Answers how many
+    /// Exports the label fields (name, notes, who, scene ...) to a configuration block. Returns how many
     /// fields beside "name" were exported; 0 when there is no container or it has no "name" column.
     int update(configb* cfg) const;
 

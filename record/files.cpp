@@ -9,6 +9,7 @@
 
 #include "record/ColumnTypes.h"
 #include "record/kesta.h"
+#include "record/parts/FileRevision.h"
 #include "record/parts/RecentTexts.h"
 #include "support/Ascii.h"
 #include "support/Log.h"
@@ -248,7 +249,7 @@ int kesta::add_text(TextFile& file, int skipFirst, int maxRecords) {
                    0) {  // deliberately not checked against the number of columns
             break;
         }
-        appendRecord(std::move(record));
+        m_records.push_back(std::move(record));
         if (++count == maxRecords) return count;
     }
     dorp_printf("kesta::add_text: returning because no more lines\n");
@@ -294,7 +295,7 @@ int kesta::saveWithHeader(bool namesOnly) {
     for (std::size_t row = 0; row < m_records.size(); ++row) {
         const Zr::Ptr<dbrecord> record = m_records[row];
         if (!record) continue;
-        if (tagColumn != notFound) {
+        if (tagColumn != Zr::notFound) {
             char tag[4] = {};
             std::to_chars(tag, std::end(tag), record->get_tag());
             set_field(static_cast<unsigned>(row), tagColumn, tag);

@@ -1,6 +1,6 @@
 // iKST: the record-source interface, which databases and views implement.
 //
-// The operations stand in the order of their slots in the virtual table. Callers are built against that
+// The operations stand in the order of their slots in the virtual table. Applications are built against that
 // order: never move one, never put one in between. Row numbers are those of the source asked; numbers out of
 // range never fault. Not found is -1, as all bits set where the result is unsigned. What each operation does
 // stands with kesta and with KSTViewRep.
@@ -18,7 +18,7 @@ class KESTA_API iKST : public iObject {
  public:
     ~iKST() override;
 
-    /// Saves under the source's file name; answers the number of records written, 0 when nothing could be
+    /// Saves under the source's file name; returns the number of records written, 0 when nothing could be
     /// saved.
     virtual int save_text() = 0;
 
@@ -28,7 +28,7 @@ class KESTA_API iKST : public iObject {
     /// Deletes `count` rows from `first` on, and tells listeners of them.
     virtual void delete_records(unsigned first, unsigned count) = 0;
 
-    /// Lets the tagged rows go: a database deletes them, a view only takes them out of itself.
+    /// Drops the tagged rows: a database deletes them, a view only takes them out of itself.
     virtual unsigned delete_tagged_records() = 0;
 
     /// How many rows and columns there are.
@@ -87,7 +87,7 @@ class KESTA_API iKST : public iObject {
     /// Sets what tag_matching_records and match_record look for: texts that the columns must contain.
     virtual void set_query(dbrecord* query) = 0;
 
-    /// Tags the rows that match the query, or the first of each value; answers how many.
+    /// Tags the rows that match the query, or the first of each value; returns how many.
     virtual int tag_matching_records(int keepTags) = 0;
     virtual int tag_all_different(int field) = 0;
 
@@ -104,7 +104,7 @@ class KESTA_API iKST : public iObject {
     virtual bool in_field(unsigned row, unsigned field, double& value) const = 0;
     virtual bool in_field(unsigned row, unsigned field, bool& value) const = 0;
 
-    /// Appends rows; answers how many there were before.
+    /// Appends rows; returns how many there were before.
     virtual unsigned add_records(int count) = 0;
 
     /// The parameters: named texts. A key that is new is appended, ignoring case.

@@ -2,6 +2,7 @@
 #include "record/kesta.h"
 
 #include "record/ColumnTypes.h"
+#include "record/parts/FileRevision.h"
 
 const char* kestaDllVersionStr() {
     return KESTA_VERSION;
@@ -32,7 +33,7 @@ kesta::kesta(const kesta& other, int copyRecords)
     post_init();
     for (unsigned row = 0; copyRecords && row < other.get_num_records(); ++row) {
         const Zr::Ptr<dbrecord> record = other.get_record(row);
-        appendRecord(record ? Zr::Ptr<dbrecord>(new dbrecord(*record)) : make_dummy_record());
+        m_records.push_back(record ? Zr::Ptr<dbrecord>(new dbrecord(*record)) : make_dummy_record());
     }
     m_valid = 1;
 }
@@ -52,7 +53,6 @@ void kesta::init() {
     m_revision = 1;
     m_matchOptions = 0;
     m_query.clear();
-    m_conditions.clear();
     m_fields.clear();
     m_fieldNames.clear();
     m_specialLabels.clear();

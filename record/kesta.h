@@ -1,11 +1,11 @@
 // kesta: the database. Typed, named columns; a list of records; named parameters; the text file they live in.
 //
-// Rows and columns out of range never fault: getters answer null, "", 0 or an empty string, setters answer
-// false or do nothing, searches answer -1 (all bits set where the result is unsigned). Column names compare
+// Rows and columns out of range never fault: getters return null, "", 0 or an empty string, setters return
+// false or do nothing, searches return -1 (all bits set where the result is unsigned). Column names compare
 // ignoring case.
 //
-// The operations of iKST are called through the interface by the others, so an override in a derived class
-// changes the behaviour of those too; loops read get_num_records() anew at every row.
+// The other operations call those of iKST through the interface, so an override in a derived class changes
+// their behaviour too; loops read get_num_records() again for every row.
 //
 // While show-tags-only is on, row numbers address the tagged index, and insert_records, delete_records,
 // add_records, delete_tagged_records and add_kesta refuse.
@@ -23,6 +23,8 @@
 #include "record/parts/CookieIndex.h"
 #include "record/parts/GapVector.h"
 #include "record/parts/OnDemand.h"
+#include "record/parts/Query.h"
+#include "support/NotFound.h"
 #include "support/Notifier.h"
 #include "support/TextSearch.h"
 
@@ -45,24 +47,26 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     explicit kesta(const DBFieldDesc* descs);
     explicit kesta(const std::vector<DBFieldDesc>& descs);
 
-    /// The same columns and revision; the parameter list is shared, not copied. With `copyRecords` non-zero,
-    /// copies of the records that `other` presents (only tagged ones while it shows tags only). Listeners are
-    /// not copied.
+    /// The same columns and revision. The parameter list is shared, not copied: a parameter that is changed,
+    /// or an init() of either, is seen by both. With `copyRecords` non-zero, copies of the records that
+    /// `other` presents (only tagged ones while it shows tags only). They have no container, so storing into
+    /// them does not mark this database changed. Listeners are not copied.
     kesta(const kesta& other, int copyRecords);
 
-    /// Loads the file; see loadFromFile.
+    /// Takes the file name and loads the file; see loadFromFile.
     kesta(const LightweightString<wchar_t>& fileName, int maxRecords, bool strict);
 
     kesta& operator=(const kesta&) = delete;
     ~kesta() override;
 
-    /// No parameters, no columns, no query, not valid, unchanged, revision 1. Records and their indices stay.
+    /// No parameters (nor in copies, which share them), no columns, no query, not valid, unchanged,
+    /// revision 1. Records, the tagged index and the identifier index stay.
     void init();
 
     /// Releases records, columns, parameters and indices, then init().
     void free();
 
-    /// To be called when the columns have come: sort field 0, the special-label flags, the field-name index.
+    /// To be called when the columns are known: sort field 0, the special-label flags, the field-name index.
     void post_init();
 
     /// free(), then these columns.
@@ -74,11 +78,9 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     /// The revision of the file format, as read from the file; 1 for a new database.
     int get_revision() const noexcept { return m_revision; }
 
-    /// Whether a record or the record list has changed since the last clear_changed.
+    /// Whether a record contained in this database has changed or rows have been deleted since the last
+    /// clear_changed. False for a new copy, whatever `other` says.
     bool get_changed() const noexcept { return m_changed != 0; }
-
-    /// Called by records of this database when they change.
-    void markChanged() noexcept { m_changed = 1; }
 
     // --- Columns (columns.cpp) ---
 
@@ -89,8 +91,9 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     unsigned get_fieldnum(const LightweightString<char>& name) const override;
     const FieldNameIndex& getFieldNameIndexMap() const;
 
-    /// Appends a column, an empty field to every record, and answers the column's number; when a column of
-    /// that name is there, only its number. A database with 65,535 columns takes no more and answers -1.
+    /// Appends a column and an empty field to every record, and returns the column's number. When there is a
+    /// column of that name, only returns its number. A database with 65,535 columns takes no more and
+    /// returns -1.
     unsigned addField(const DBFieldDesc& desc);
 
     /// Renames a column; ampersands are removed unless the setting "remove_fieldname_ampersands" is 0.
@@ -105,10 +108,10 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     DBFieldTypes::eType get_fieldtype(unsigned field) const override;
     bool set_fieldtype(unsigned field, DBFieldTypes::eType type) override;
 
-    /// The greatest length in bytes that the column holds.
+    /// The length in bytes of the longest text that the column holds.
     unsigned get_fieldsize(unsigned field) const override;
 
-    /// The least width of a column of that name in the file header: 4 unless it is a standard one.
+    /// The least width that the file header gives a column of that name: 4 unless it is a standard one.
     static int getMinFieldSize(const char* name);
 
     /// The type that a token of the file header names: a word, or any one character; 0 for anything else.
@@ -134,8 +137,8 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     /// Replaces parameters and columns with those of the database's file and appends its records, at most
     /// `maxRecords` of them. A name ending in ".csv" is read as plain comma-separated text. When the file
     /// cannot be read or is no database, the database stays without columns and not valid. With `strict`
-    /// false, a file that has column names but no full header is taken all the same. Records held before
-    /// stay.
+    /// false, a file without a marker is taken all the same: the fields of its last line name the columns,
+    /// and there are no records. Records held before stay.
     void loadFromFile(int maxRecords, bool strict);
 
     /// The same, with another file name.
@@ -155,11 +158,14 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     void read_params(TextFile& file, dbrecord* line);
 
     /// Writes the database to its file: parameters, header, all records, whatever is shown. A "Tag" column
-    /// gets the records' tags first. Answers the number of records written; 0 when the file could not be
-    /// saved, in which case it is as it was before, and for a database without records.
+    /// gets the records' tags first; while show-tags-only is on their rows are taken for rows that are shown,
+    /// so that on a plain database, which shows none, the column keeps its old texts. Returns the number of
+    /// records written; 0 when the file could not be saved, in which case it is as it was before, and for a
+    /// database without records.
     int save_text() override;
 
-    /// The same with the names line for the whole header.
+    /// The same with the names line for the whole header. Such a file is for other programs: without the
+    /// marker a load takes all its lines for parameters.
     int save_text_without_header();
 
     /// Append to the file what comes before the records: parameters; then marker, widths, types and names, or
@@ -171,14 +177,10 @@ class KESTA_API kesta : public KSTBase, public Notifier {
 
     unsigned get_num_records() const override;
 
-    /// The record at `row`; null when there is none. An override answers records that its database keeps:
-    /// others read their texts after letting go of the answer.
+    /// The record at `row`; null when there is none. An override returns only records that something else
+    /// holds too: views and getField read their texts after letting go of the pointer.
     Zr::Ptr<dbrecord> get_record(unsigned row) const override;
     const LightweightString<char>& getField(unsigned row, unsigned field) const override;
-
-    /// A hint for walks that jump about in a large database: get_record will be asked for `later` in some
-    /// twenty steps, and for `sooner`, a `later` of before, in some ten. Rows out of range are ignored.
-    void expectRecords(unsigned later, unsigned sooner) const noexcept;
 
     /// A record with this database's number of fields, listed nowhere, contained in this database.
     Zr::Ptr<dbrecord> newRecord();
@@ -186,11 +188,11 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     /// The same without a container.
     Zr::Ptr<dbrecord> make_dummy_record() override;
 
-    /// Makes room for `count` rows before `at`. Only the first of them gets a record, the others have none:
-    /// this is deliberate, callers know it. Does nothing past the end of the list.
+    /// Makes room for `count` rows before `at`. Deliberately, only the first of them gets a record, and the
+    /// others have none. Does nothing past the end of the list.
     void insert_records(unsigned at, unsigned count) override;
 
-    /// Appends new records; answers the number of records before, or -1 while show-tags-only is on.
+    /// Appends new records; returns the number of records before, or -1 while show-tags-only is on.
     unsigned add_records(int count) override;
 
     /// Deletes rows and tells listeners of "recordsDeleted" with their numbers, each followed by a space.
@@ -226,7 +228,7 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     //
     // Rows by identifier are found through an index that is built on the first look-up and emptied by
     // insert_records, add_records and delete_records. Sorting, plain setters, loading and add_kesta do not
-    // empty it: until one of those three runs it answers the rows of before.
+    // empty it: until one of those three runs, look-ups give the rows of before.
 
     /// Stores the identifier's text in the column "cookie" and files the row under it.
     bool set_field(unsigned row, const Cookie& id) override;
@@ -251,7 +253,7 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     void invert_all_tags() override;
     int get_num_tags() override;
 
-    /// Deletes the records whose tag is exactly 1, run by run; answers how many, or -1 while show-tags-only
+    /// Deletes the records whose tag is exactly 1, run by run; returns how many, or -1 while show-tags-only
     /// is on.
     unsigned delete_tagged_records() override;
 
@@ -261,7 +263,7 @@ class KESTA_API kesta : public KSTBase, public Notifier {
 
     /// Rebuilds the tagged index from the rows below get_num_records(). While show-tags-only is on that is
     /// the size of the index just emptied, so only a derived class with rows of its own gets a filled one.
-    /// Answers the rows walked.
+    /// Returns the rows walked.
     unsigned index_tags();
 
     /// From rows of the full list to shown rows and back; -1 when there is none.
@@ -307,27 +309,26 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     int match_record(const Zr::Ptr<dbrecord>& record) const;
     int match_record(int row) const override;
 
-    /// Tags the rows that match; the others lose their tags unless `keepTags` is non-zero. Answers how many
+    /// Tags the rows that match; the others lose their tags unless `keepTags` is non-zero. Returns how many
     /// matched.
     int tag_matching_records(int keepTags) override;
 
-    /// Sorts on `field` and tags the first record of every run of equal values; answers how many are tagged.
+    /// Sorts on `field` and tags the first record of every run of equal values; returns how many are tagged.
     int tag_all_different(int field) override;
 
     // --- Merging (merging.cpp) ---
 
-    /// Appends copies of all records of a database with the same columns and revision. Answers the rows of
-    /// `other`, or -1, with nothing added, when the two are not alike or show-tags-only is on.
+    /// Appends copies of all records of a database with the same columns and revision. Returns how many rows
+    /// `other` has, or -1, with nothing added, when the two are not alike or show-tags-only is on.
     int add_kesta(kesta* other);
 
     /// Appends a record for each of `other`'s, filled by column name, time codes converted between their two
-    /// types. Answers 0 when no column matches, else 1.
+    /// types. Returns 0 when no column matches, else 1.
     int merge_all_matching(kesta* other);
 
  private:
-    static constexpr unsigned notFound = static_cast<unsigned>(-1);
-    static constexpr unsigned mostFieldNumber = 0xFFFF;
-    static constexpr int currentRevision = 1;
+    friend class dbrecord;      // marks its database changed
+    friend class RecordsAhead;  // asks memory for records
 
     // The widths of all columns, measured in one pass over the records, which the writer of a header holds:
     // while it asks for each column's width, this thread's get_fieldsize answers from them.
@@ -348,12 +349,6 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     };
     static thread_local const MeasuredWidths* measured;
 
-    bool isShown(unsigned row) const noexcept;
-    Zr::Ptr<dbrecord> listedRecord(unsigned row) const;
-    void appendRecord(Zr::Ptr<dbrecord> record);
-
-    void prefetchForMatch(std::size_t row) const noexcept;
-    void fileIdentifiers(CookieIndex& rows) const;
     void takeBackRecords(std::size_t before) noexcept;
     void loadLog(TextFile& file, int maxRecords, bool strict);
     void readColumns(TextFile& file);
@@ -387,9 +382,7 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     int m_valid = 0;
     int m_revision = 1;
 
-    // One entry for each column by position; empty when no query is set.
-    std::vector<TextSearch::Criteria> m_query;
-    std::vector<unsigned> m_conditions;  // the entries of m_query that are not empty, while there are any
+    Query m_query;
     int m_matchOptions = 0;
 };
 

@@ -77,7 +77,7 @@ int kesta::add_kesta(kesta* other) {
     m_records.reserve(m_records.size() + copies.size());
     for (Zr::Ptr<dbrecord>& copy : copies) {
         copy->set_container(this);
-        appendRecord(std::move(copy));
+        m_records.push_back(std::move(copy));
     }
     return static_cast<int>(rows);
 }

@@ -8,36 +8,19 @@
 #include "support/Ascii.h"
 #include "support/StringFunctions.h"
 
-bool kesta::isShown(unsigned row) const noexcept {
-    return row < (m_showTagsOnly ? m_taggedIndex.size() : m_records.size());
-}
-
-Zr::Ptr<dbrecord> kesta::listedRecord(unsigned row) const {
-    return row < m_records.size() ? m_records[row] : Zr::Ptr<dbrecord>();
-}
-
-void kesta::appendRecord(Zr::Ptr<dbrecord> record) {
-    m_records.push_back(std::move(record));
-}
-
 unsigned kesta::get_num_records() const {
     return static_cast<unsigned>(m_showTagsOnly ? m_taggedIndex.size() : m_records.size());
 }
 
 Zr::Ptr<dbrecord> kesta::get_record(unsigned row) const {
-    if (!isShown(row)) return {};
-    return m_showTagsOnly ? m_taggedIndex[row] : m_records[row];
+    if (!m_showTagsOnly) return m_records.valueAt(row);
+    return row < m_taggedIndex.size() ? m_taggedIndex[row] : Zr::Ptr<dbrecord>();
 }
 
 const LightweightString<char>& kesta::getField(unsigned row, unsigned field) const {
     static const LightweightString<char> none;
-    const Zr::Ptr<dbrecord> record = field <= mostFieldNumber ? get_record(row) : Zr::Ptr<dbrecord>();
+    const Zr::Ptr<dbrecord> record = field < dbrecord::mostFields ? get_record(row) : Zr::Ptr<dbrecord>();
     return record ? record->getField(static_cast<unsigned short>(field)) : none;
-}
-
-void kesta::expectRecords(unsigned later, unsigned sooner) const noexcept {
-    if (later < m_records.size()) __builtin_prefetch(&m_records[later]);
-    if (sooner < m_records.size()) Prefetch::record(m_records[sooner].get());
 }
 
 Zr::Ptr<dbrecord> kesta::newRecord() {
@@ -53,7 +36,7 @@ Zr::Ptr<dbrecord> kesta::make_dummy_record() {
 void kesta::insert_records(unsigned at, unsigned count) {
     if (m_showTagsOnly || at > m_records.size()) return;
     if (count != 0) {
-        // Deliberately one record for the whole room: the entries behind it hold none.
+        // Deliberately one record for the whole room: the entries after it hold none.
         Zr::Ptr<dbrecord> record = newRecord();
         m_records.insert(at, count);
         m_records[at] = std::move(record);
@@ -62,11 +45,11 @@ void kesta::insert_records(unsigned at, unsigned count) {
 }
 
 unsigned kesta::add_records(int count) {
-    if (m_showTagsOnly) return notFound;
+    if (m_showTagsOnly) return Zr::notFound;
     const auto before = static_cast<unsigned>(m_records.size());
     m_identifiers.clear();
     try {
-        for (int i = 0; i < count; ++i) appendRecord(newRecord());
+        for (int i = 0; i < count; ++i) m_records.push_back(newRecord());
     } catch (...) {
         m_records.erase(before, m_records.size() - before);
         throw;
@@ -94,7 +77,8 @@ void kesta::delete_records(unsigned first, unsigned count) {
 
 bool kesta::setField(unsigned row, unsigned field, const LightweightString<char>& value) {
     const Zr::Ptr<dbrecord> record = get_record(row);
-    return record && field <= mostFieldNumber && record->setField(static_cast<unsigned short>(field), value);
+    return record && field < dbrecord::mostFields &&
+           record->setField(static_cast<unsigned short>(field), value);
 }
 
 int kesta::set_field(unsigned row, unsigned field, const char* value) {
@@ -117,7 +101,7 @@ bool kesta::set_field(unsigned row, unsigned field, bool value) {
     return record && record->set_field(static_cast<int>(field), value);
 }
 
-// Unlike a record's own in_field, these answer false for an empty field.
+// Unlike a record's own in_field, these return false for an empty field.
 
 bool kesta::in_field(unsigned row, unsigned field, char* dst, int len) const {
     const LightweightString<char>& text = getField(row, field);
@@ -153,11 +137,12 @@ int kesta::findFirst(const char* field, const char* value, int length) {
     value = value ? value : "";
     if (Ascii::compareFolded(field, "cookie") == 0) {
         const unsigned row = getRowIndexByID(Cookie(value, false));
-        if (row != notFound) return static_cast<int>(row);
+        if (row != Zr::notFound) return static_cast<int>(row);
     }
     const unsigned column = get_fieldnum(field);
-    if (column == notFound) return -1;
+    if (column == Zr::notFound) return -1;
     for (unsigned row = 0; row < get_num_records(); ++row) {
+        // Deliberately of all records, whatever is shown.
         const dbrecord* const record = row < m_records.size() ? m_records[row].get() : nullptr;
         const char* const text = record ? record->getField(static_cast<unsigned short>(column)).c_str() : "";
         const int difference =

@@ -1,11 +1,9 @@
 // kesta: sorting the records, and the order itself.
-#include <cstring>
 #include <vector>
 
 #include "record/kesta.h"
 #include "record/parts/SortKeys.h"
 #include "support/Ascii.h"
-#include "support/StringFunctions.h"
 
 int* cmp_fields = sortKeys.fields;
 
@@ -13,33 +11,6 @@ namespace {
 
 const dbrecord* recordAt(const void* element) noexcept {
     return element ? static_cast<const Zr::Ptr<dbrecord>*>(element)->get() : nullptr;
-}
-
-const char* skipSpace(const char* text) noexcept {
-    while (Ascii::isSpace(*text)) ++text;
-    return text;
-}
-
-int compareTimecodes(const char* a, const char* b) noexcept {
-    constexpr std::size_t upToSeconds = 8;
-    if (const int result = Ascii::compareFolded(a, b, upToSeconds)) return result;
-    // The ninth character, the separator before the frames, is never compared: drop frame or not is one.
-    const auto frames = [](const char* text) {
-        return strnlen(text, upToSeconds + 1) > upToSeconds ? text + upToSeconds + 1 : "";
-    };
-    return Ascii::compareFolded(frames(a), frames(b));
-}
-
-int compareTexts(KeyRule rule, const char* a, const char* b) noexcept {
-    switch (rule) {
-        case KeyRule::timecode:
-            return compareTimecodes(a, b);
-        case KeyRule::ignoringCase:
-            return Ascii::compareFolded(a, b);
-        case KeyRule::dictionary:
-            break;
-    }
-    return strxcmp(a, b);
 }
 
 // Rows without a record come last, whatever the direction.
@@ -63,8 +34,9 @@ int dbr_cmp(void* first, void* second) {
         // Two empty values deliberately end the comparison: later keys are not consulted.
         if (textA.empty()) return textB.empty() ? 0 : 1;
         if (textB.empty()) return -1;
-        const int result =
-            compareTexts(sortKeys.rule(*field), skipSpace(textA.c_str()), skipSpace(textB.c_str()));
+        const int result = KeyRules::withRule(sortKeys.rule(*field), [&](auto rule) {
+            return rule.compare(Ascii::skipSpace(textA.c_str()), Ascii::skipSpace(textB.c_str()));
+        });
         if (result != 0) return result;
     }
     return 0;
@@ -78,8 +50,9 @@ int dbr_backcmp(void* first, void* second) {
     if (!a || !b) return compareMissing(a, b);
 
     for (const int* field = cmp_fields; field && *field >= 0; ++field) {
-        const int result = Ascii::compareFolded(a->getField(static_cast<unsigned short>(*field)).c_str(),
-                                                b->getField(static_cast<unsigned short>(*field)).c_str());
+        const int result =
+            KeyRules::Folded::compare(a->getField(static_cast<unsigned short>(*field)).c_str(),
+                                      b->getField(static_cast<unsigned short>(*field)).c_str());
         if (result != 0) return -result;
     }
     return 0;
@@ -102,13 +75,12 @@ int kesta::getSortFieldIdx() const {
 }
 
 void kesta::sortPrepare(int /*direction*/, int caseInsensitive) {
+    sortKeys.clear(caseInsensitive != 0);
     unsigned count = 0;
     for (; count < m_sortFields.size() && count < SortKeys::maxKeys; ++count) {
         sortKeys.fields[count] = m_sortFields[count];
     }
     sortKeys.fields[count] = -1;
-    sortKeys.ignoreCase = caseInsensitive != 0;
-    sortKeys.timecodeField = -1;
     cmp_fields = sortKeys.fields;
 
     // A bad field number ends the keys at its place, yet the fields after it are deliberately still looked
@@ -118,8 +90,8 @@ void kesta::sortPrepare(int /*direction*/, int caseInsensitive) {
         const int field = sortKeys.fields[i];
         if (static_cast<unsigned>(field) >= columns) {
             sortKeys.fields[i] = -1;
-        } else if (get_field_type(static_cast<unsigned>(field)) == DBFieldTypes::eTimecode) {
-            sortKeys.timecodeField = field;
+        } else {
+            sortKeys.setType(field, get_field_type(static_cast<unsigned>(field)));
         }
     }
 }

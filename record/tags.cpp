@@ -45,7 +45,7 @@ int kesta::get_num_tags() {
 }
 
 unsigned kesta::delete_tagged_records() {
-    if (m_showTagsOnly) return notFound;
+    if (m_showTagsOnly) return Zr::notFound;
     // A listener may let go of the last Ptr to this database, which then lives to the end of the walk; or end
     // it, where no Ptr holds it.
     const Zr::Ptr<iObject> alive(refCount() > 0 ? this : nullptr);
@@ -88,7 +88,7 @@ unsigned kesta::index_tags() {
     // of the index just emptied.
     unsigned rows = get_num_records();
     for (unsigned row = 0; row < rows; ++row, rows = get_num_records()) {
-        Zr::Ptr<dbrecord> record = listedRecord(row);
+        Zr::Ptr<dbrecord> record = m_records.valueAt(row);
         if (!record || record->get_tag() != 0) tagged.push_back(std::move(record));
     }
     m_taggedIndex.swap(tagged);
@@ -97,16 +97,16 @@ unsigned kesta::index_tags() {
 
 unsigned kesta::get_new_row(unsigned rawRow) {
     if (!m_showTagsOnly) return rawRow;
-    if (rawRow >= m_records.size()) return notFound;
+    if (rawRow >= m_records.size()) return Zr::notFound;
     const auto found = std::find(m_taggedIndex.begin(), m_taggedIndex.end(), m_records[rawRow]);
-    return found == m_taggedIndex.end() ? notFound : static_cast<unsigned>(found - m_taggedIndex.begin());
+    return found == m_taggedIndex.end() ? Zr::notFound : static_cast<unsigned>(found - m_taggedIndex.begin());
 }
 
 unsigned kesta::get_raw_row(unsigned row) {
     if (!m_showTagsOnly) return row;
-    if (row >= m_taggedIndex.size()) return notFound;  // the row behind the last is no record's either
+    if (row >= m_taggedIndex.size()) return Zr::notFound;  // the row after the last is no record's either
     for (unsigned raw = 0; raw < m_records.size(); ++raw) {
         if (m_records[raw] == m_taggedIndex[row]) return raw;
     }
-    return notFound;
+    return Zr::notFound;
 }

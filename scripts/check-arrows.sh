@@ -15,8 +15,8 @@ support/misc            support
 record                  support record/parts
 record/parts            support record
 expr                    support record/iKST.h
-search                  support record record/parts/Prefetch.h
-view                    support record search expr view/parts record/parts/SortKeys.h
+search                  support record record/parts
+view                    support record search expr view/parts record/parts/SortKeys.h record/parts/RecordsAhead.h
 view/parts              support record view
 fieldmap                support record search expr view
 container               support record support/misc/FileReplacement.h

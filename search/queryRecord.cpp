@@ -1,43 +1,10 @@
 // kesta: matching records against the query, and tagging by match or by distinct value.
-#include <algorithm>
 #include <cstring>
 #include <vector>
 
-#include "record/StandardColumns.h"
 #include "record/kesta.h"
-#include "record/parts/Prefetch.h"
+#include "search/Matching.h"
 #include "support/Ascii.h"
-
-namespace {
-
-// The columns that hold the two ends of one code range.
-struct CodeRange {
-    LightweightString<char> start;
-    LightweightString<char> end;
-};
-
-// The range that a column is an end of, by its exact name; null when of none. Look-ups take strings, which
-// are not made for each record.
-const CodeRange* codeRangeOf(const LightweightString<char>& name) {
-    static const std::vector<CodeRange> ranges = [] {
-        std::vector<CodeRange> made;
-        for (const StandardColumn& column : StandardColumns::all) {
-            if (column.end.empty()) continue;
-            made.push_back({LightweightString<char>(column.name), LightweightString<char>(column.end)});
-        }
-        return made;
-    }();
-    const auto found = std::find_if(ranges.begin(), ranges.end(), [&name](const CodeRange& range) {
-        return range.start == name || range.end == name;
-    });
-    return found == ranges.end() ? nullptr : &*found;
-}
-
-const LightweightString<char>& textOf(const dbrecord& record, unsigned field) noexcept {
-    return record.getField(static_cast<unsigned short>(field));
-}
-
-}  // namespace
 
 void kesta::set_query(dbrecord* query) {
     if (!query || query->get_num_fields() < get_num_fields()) return;
@@ -50,30 +17,23 @@ void kesta::set_query(dbrecord* query) {
     setQuery(criteria);
 }
 
-// A query text in either field of a pair finds the records whose range from start to end touches it.
+// A query text in either column of a pair finds the records whose range from start to end touches it.
 bool kesta::found_in_special_label_field(const dbrecord* record, int index) const {
     const auto field = static_cast<unsigned>(index);
-    if (field >= m_query.size() || m_query[field].empty()) return true;
-    const CodeRange* const range = field < m_fields.size() ? codeRangeOf(m_fields[field].name) : nullptr;
+    const TextSearch::Criteria* const criteria = m_query.criteriaFor(field);
+    const Matching::CodeRange* const range =
+        criteria && field < m_fields.size() ? Matching::codeRangeOf(m_fields[field].name) : nullptr;
     if (!range) return true;
 
     const unsigned startField = get_fieldnum(range->start);
-    if (!record || startField == notFound) return false;
-    const LightweightString<char>& start = textOf(*record, startField);
-    if (start.empty()) return false;
-
-    // Only the first criterion counts, and only its text. As many characters as it has are compared, so it
-    // stands for every code that begins with it.
-    const LightweightString<char>& sought = m_query[field].getCriterion(0).text();
-    const unsigned length = sought.length();
-    const int againstStart = std::strncmp(sought.c_str(), start.c_str(), length);
-    if (againstStart == 0) return true;
-
+    if (!record || startField == Zr::notFound) return false;
+    const LightweightString<char>& start = record->getField(static_cast<unsigned short>(startField));
     const unsigned endField = get_fieldnum(range->end);
-    if (endField == notFound) return false;
-    const LightweightString<char>& end = textOf(*record, endField);
-    if (end.empty() || againstStart < 0) return false;
-    return std::strncmp(sought.c_str(), end.c_str(), length) <= 0;
+    const LightweightString<char> none;
+    const LightweightString<char>& end =
+        endField == Zr::notFound ? none : record->getField(static_cast<unsigned short>(endField));
+    // Only the first criterion counts, and only its text.
+    return Matching::rangeHolds(criteria->getCriterion(0).text(), start, end);
 }
 
 bool kesta::match_field(const dbrecord* record, int index) const {
@@ -81,41 +41,33 @@ bool kesta::match_field(const dbrecord* record, int index) const {
     if (field < m_specialLabels.size() && m_specialLabels[field]) {
         return found_in_special_label_field(record, index);
     }
-    if (field >= m_query.size() || m_query[field].empty()) return true;
-    return matchField(record, static_cast<unsigned short>(field), m_query[field]);
+    const TextSearch::Criteria* const criteria = m_query.criteriaFor(field);
+    return !criteria || matchField(record, static_cast<unsigned short>(field), *criteria);
 }
 
 int kesta::match_record(const Zr::Ptr<dbrecord>& record) const {
     if (!record || m_query.empty()) return -1;
     // Fields without a condition match, so only the others are looked at.
-    for (const unsigned field : m_conditions) {
+    for (const unsigned field : m_query.conditions()) {
         if (field >= get_num_fields()) break;
         if (!match_field(record.get(), static_cast<int>(field))) return 0;
     }
     return 1;
 }
 
-// Callers walk the rows in order, and a text that has to come from main memory costs more than its match.
-void kesta::prefetchForMatch(std::size_t row) const noexcept {
-    if (m_showTagsOnly || m_conditions.empty() || row + Prefetch::recordAhead >= m_records.size()) return;
-    const auto field = static_cast<unsigned short>(m_conditions.front());
-    Prefetch::record(m_records[row + Prefetch::recordAhead].get());
-    const dbrecord* const second = m_records[row + Prefetch::fieldAhead].get();
-    const dbrecord* const first = m_records[row + Prefetch::textAhead].get();
-    if (second) Prefetch::field(second->getField(field));
-    if (first) Prefetch::text(first->getField(field));
-}
-
 int kesta::match_record(int row) const {
-    prefetchForMatch(static_cast<unsigned>(row));
-    return match_record(get_record(static_cast<unsigned>(row)));
+    const auto at = static_cast<unsigned>(row);
+    if (!m_showTagsOnly && !m_query.conditions().empty()) {
+        Matching::askAhead(m_records, at, m_query.conditions().front());
+    }
+    return match_record(get_record(at));
 }
 
 int kesta::tag_matching_records(int keepTags) {
     if (m_query.empty()) return 0;
     int count = 0;
     for (unsigned row = 0; row < get_num_records(); ++row) {
-        // Deliberately not only 1: a row without a record, which answers -1, counts as well.
+        // Deliberately not only 1: a row without a record, for which it is -1, counts as well.
         if (match_record(static_cast<int>(row)) != 0) {
             ++count;
             set_tag(row, 1);

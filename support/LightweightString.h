@@ -20,8 +20,7 @@
 
 #include "support/Ascii.h"
 #include "support/Exception.h"
-#include "support/OS.h"
-#include "support/Ptr.h"
+#include "support/SharedBlock.h"
 
 template <class Char>
 class LightweightString {
@@ -44,12 +43,11 @@ class LightweightString {
     /// The bytes that the string of a text takes in a block of memory with other things (makeInBlock).
     static std::size_t sizeInBlock(View text) { return Body::sizeFor(text.size()); }
 
-    /// Makes the string of a text that is not empty at `place`, which has sizeInBlock bytes. It lies in a
-    /// block of OS()->allocator()'s that begins with `count`, the count of what lives in it; the string takes
-    /// over a share that has been counted. The last share gives back the block.
-    static LightweightString makeInBlock(Zr::RefCounter* count, void* place, View text) noexcept {
+    /// Makes the string of a text that is not empty at `place` in the block, which has sizeInBlock bytes
+    /// there. The string takes over a share of the block.
+    static LightweightString makeInBlock(Zr::SharedBlock& block, void* place, View text) noexcept {
         LightweightString string;
-        string.m_body = BodyPtr::adopt(count, Body::put(place, text, 0));  // no room: never written in place
+        string.m_body = block.adopt(Body::put(place, text, 0));  // no room: never written in place
         return string;
     }
 
@@ -138,12 +136,7 @@ class LightweightString {
 
  private:
     struct Body;
-    /// The count stands at the block's beginning, so whoever gives back the last share gives back the block.
-    struct BlockTraits {
-        static void destroy(Body*) noexcept {}
-        static void discard(Zr::RefCounter* count) noexcept { OS()->allocator()->release(count); }
-    };
-    using BodyPtr = Zr::Ptr<Body, BlockTraits, BlockTraits>;
+    using BodyPtr = Zr::SharedBlock::PtrInside<Body>;
 
     struct Body {
         std::uint32_t length;
@@ -172,11 +165,12 @@ class LightweightString {
         /// counted.
         static BodyPtr make(View text, std::size_t capacity) {
             // Blocks of the C library's heap hold 16 k + 8 bytes: the room up to there costs nothing.
-            const std::size_t needed = sizeof(Zr::RefCounter) + sizeFor(capacity);
-            const std::size_t size = needed <= 24 ? 24 : (needed - 8 + 15) / 16 * 16 + 8;
-            const std::size_t room = (size - sizeof(Zr::RefCounter) - sizeof(Body)) / sizeof(Char) - 1;
-            Zr::RefCounter* const count = new (OS()->allocator()->allocate(size)) Zr::RefCounter(1);
-            return BodyPtr::adopt(count, put(count + 1, text, room));
+            const std::size_t needed = sizeof(Zr::SharedBlock) + sizeFor(capacity);
+            const std::size_t size =
+                (needed <= 24 ? 24 : (needed - 8 + 15) / 16 * 16 + 8) - sizeof(Zr::SharedBlock);
+            const std::size_t room = (size - sizeof(Body)) / sizeof(Char) - 1;
+            Zr::SharedBlock* const block = Zr::SharedBlock::make(size, 1);
+            return block->adopt(put(block->room(), text, room));
         }
     };
 
@@ -194,59 +188,7 @@ class LightweightString {
         m_body->characters()[length] = Char();
     }
 
-    template <class>
-    friend class StringStock;
-
     BodyPtr m_body;
-};
-
-/// A string with copies in stock: their shares are counted some dozens at a time, so that to hand one out is
-/// no atomic step, which would wait for all that was written before.
-template <class Char>
-class StringStock {
- public:
-    using String = LightweightString<Char>;
-
-    StringStock() noexcept = default;
-
-    /// A string for which `stock` further shares have been counted.
-    explicit StringStock(String string, std::int32_t stock = 0) noexcept
-        : m_string(std::move(string)), m_stock(stock) {}
-    StringStock(StringStock&& other) noexcept { swap(other); }
-    StringStock& operator=(StringStock other) noexcept {
-        swap(other);
-        return *this;
-    }
-    ~StringStock() {
-        // The string's own share is still there, so these are not the last.
-        if (m_stock != 0) m_string.m_body.count()->fetch_sub(m_stock, std::memory_order_release);
-    }
-
-    const String& string() const noexcept { return m_string; }
-
-    String copy() noexcept {
-        if (!m_string.m_body) return {};
-        Zr::RefCounter* const count = m_string.m_body.count();
-        if (m_stock == 0) {
-            count->fetch_add(restock, std::memory_order_relaxed);
-            m_stock = restock;
-        }
-        --m_stock;
-        String result;
-        result.m_body = String::BodyPtr::adopt(count, m_string.m_body.get());
-        return result;
-    }
-
-    void swap(StringStock& other) noexcept {
-        std::swap(m_string, other.m_string);
-        std::swap(m_stock, other.m_stock);
-    }
-
- private:
-    static constexpr std::int32_t restock = 48;
-
-    String m_string;
-    std::int32_t m_stock = 0;
 };
 
 /// An order of texts that ignores ASCII case, for maps and sets.

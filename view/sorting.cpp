@@ -1,6 +1,7 @@
 // KSTViewRep: sorting the rows of a view.
 #include <vector>
 
+#include "record/parts/RecordsAhead.h"
 #include "record/parts/SortKeys.h"
 #include "support/NotFound.h"
 #include "view/KSTViewRep.h"
@@ -22,7 +23,7 @@ std::vector<const dbrecord*> recordsOf(const KSTViewRep& view) {
     std::vector<const dbrecord*> found(rows.size());
     for (std::size_t i = 0; i < rows.size(); ++i) {
         const kesta* const base = database.get();  // to ask for a record may end it
-        if (base && i + later < rows.size()) base->expectRecords(rows[i + later], rows[i + sooner]);
+        if (base && i + later < rows.size()) RecordsAhead(*base).expect(rows[i + later], rows[i + sooner]);
         if (!plain) {
             found[i] = view[static_cast<int>(i)];
         } else if (base && rows[i] != Zr::notFound) {

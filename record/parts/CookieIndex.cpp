@@ -1,3 +1,4 @@
+// The table of slots: probing, growing.
 #include "record/parts/CookieIndex.h"
 
 namespace {
@@ -19,9 +20,9 @@ std::size_t CookieIndex::probe(const std::vector<Slot>& slots, const Cookie& id)
 }
 
 unsigned CookieIndex::find(const Cookie& id) const noexcept {
-    if (m_size == 0) return notFound;
+    if (m_size == 0) return Zr::notFound;
     const Slot& slot = m_slots[probe(m_slots, id)];
-    return slot.used ? slot.row : notFound;
+    return slot.used ? slot.row : Zr::notFound;
 }
 
 void CookieIndex::reserve(std::size_t count) {

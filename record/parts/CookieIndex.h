@@ -8,15 +8,14 @@
 #include <vector>
 
 #include "support/Cookie.h"
+#include "support/NotFound.h"
 
 class CookieIndex {
  public:
-    static constexpr unsigned notFound = static_cast<unsigned>(-1);
-
     bool empty() const noexcept { return m_size == 0; }
     void clear() noexcept;
 
-    /// The row filed under `id`, or notFound.
+    /// The row filed under `id`, or Zr::notFound.
     unsigned find(const Cookie& id) const noexcept;
 
     /// Files `row` under `id` unless a row is there already.

@@ -1,3 +1,4 @@
+// The memory of a list: growing, shrinking, moving.
 #include "record/parts/FieldList.h"
 
 #include <algorithm>
@@ -26,13 +27,10 @@ void FieldList::swap(FieldList& other) noexcept {
 }
 
 void FieldList::resize(std::size_t count) {
-    if (count <= m_size) {
-        truncate(count);
-    } else {
-        if (count > m_capacity) grow(count);
-        std::uninitialized_default_construct(end(), m_fields + count);
-        m_size = static_cast<std::uint32_t>(count);
-    }
+    if (count <= m_size) return truncate(count);
+    if (count > m_capacity) grow(count);
+    std::uninitialized_default_construct(end(), m_fields + count);
+    m_size = static_cast<std::uint32_t>(count);
 }
 
 void FieldList::erase(std::size_t i) noexcept {
@@ -53,7 +51,7 @@ void FieldList::grow(std::size_t least) {
     moveTo(nullptr, place, static_cast<std::uint32_t>(capacity));
 }
 
-void FieldList::moveTo(Zr::RefCounter* block, void* place, std::uint32_t capacity) noexcept {
+void FieldList::moveTo(Zr::SharedBlock* block, void* place, std::uint32_t capacity) noexcept {
     Field* const fields = static_cast<Field*>(place);
     std::uninitialized_move(begin(), end(), fields);
     std::destroy(begin(), end());
@@ -64,9 +62,9 @@ void FieldList::moveTo(Zr::RefCounter* block, void* place, std::uint32_t capacit
 }
 
 void FieldList::giveBackPlace() noexcept {
-    if (!m_block) {
+    if (m_block) {
+        m_block->release();
+    } else {
         OS()->allocator()->release(m_fields);
-    } else if (m_block->fetch_sub(1, std::memory_order_acq_rel) == 1) {
-        OS()->allocator()->release(m_block);
     }
 }

@@ -1,7 +1,7 @@
 // FieldList: the fields of a record, side by side in memory.
 //
 // A list has a block of memory of its own, or, where many records are made one after the other, a place in a
-// block with other lists and texts, which counts what lives in it (RecordMemory).
+// block with other lists and texts (RecordMemory).
 //
 // Thread-safety: as a std::vector's.
 #pragma once
@@ -56,10 +56,9 @@ class KESTA_API FieldList {
     /// Drops all fields and keeps their place.
     void clear() noexcept { truncate(0); }
 
-    /// Moves into the place at `place`, which has room for `capacity` fields, no fewer than there are. It
-    /// lies in a block of OS()->allocator()'s that begins with its count; the list takes over a share that
-    /// has been counted.
-    void moveTo(Zr::RefCounter* block, void* place, std::uint32_t capacity) noexcept;
+    /// Moves to `place` in the block, which has room for `capacity` fields there, no fewer than there are.
+    /// The list takes over a share of the block.
+    void moveTo(Zr::SharedBlock* block, void* place, std::uint32_t capacity) noexcept;
 
     friend bool operator==(const FieldList& a, const FieldList& b) noexcept {
         return std::equal(a.begin(), a.end(), b.begin(), b.end());
@@ -74,5 +73,5 @@ class KESTA_API FieldList {
     Field* m_fields = nullptr;
     std::uint32_t m_size = 0;
     std::uint32_t m_capacity = 0;
-    Zr::RefCounter* m_block = nullptr;  // null when the fields have a block of their own
+    Zr::SharedBlock* m_block = nullptr;  // null when the fields have a block of their own
 };

@@ -36,6 +36,9 @@ class GapVector {
     T& operator[](std::size_t i) noexcept { return m_data[slot(i)]; }
     const T& operator[](std::size_t i) const noexcept { return m_data[slot(i)]; }
 
+    /// A copy of the element; past the end a default-made one.
+    T valueAt(std::size_t i) const { return i < m_size ? (*this)[i] : T(); }
+
     void push_back(T value) {
         moveGap(m_size);
         if (m_gapSize == 0) grow(1);

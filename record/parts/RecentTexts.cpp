@@ -1,3 +1,4 @@
+// Finding a text by hash, and which columns are worth watching.
 #include "record/parts/RecentTexts.h"
 
 #include <algorithm>
@@ -34,7 +35,7 @@ std::size_t RecentTexts::placeOf(const Ends& ends) noexcept {
 
 bool RecentTexts::holds(const Place& place, const Ends& ends, std::string_view text) noexcept {
     return place.ends.head == ends.head && place.ends.tail == ends.tail && place.ends.length == ends.length &&
-           (ends.length <= 16 || std::memcmp(place.text.string().c_str(), text.data(), ends.length) == 0);
+           (ends.length <= 16 || std::memcmp(place.text.c_str(), text.data(), ends.length) == 0);
 }
 
 inline RecentTexts::Column* RecentTexts::columnToWatch(std::size_t number) {
@@ -60,11 +61,11 @@ void RecentTexts::append(FieldList& fields, std::string_view text) {
         keep(text, ends, place);
         if (--column->patience == 0) rest(*column);
     }
-    fields.push_back(place.text.copy());
+    fields.push_back(place.text);
 }
 
 void RecentTexts::keep(std::string_view text, const Ends& ends, Place& place) {
-    place.text = m_memory.makeStock(text);
+    place.text = m_memory.makeText(text);
     place.ends = ends;
 }
 

@@ -40,7 +40,7 @@ class RecentTexts {
 
     struct Place {
         Ends ends;
-        StringStock<char> text;
+        LightweightString<char> text;
     };
     struct Column {
         std::unique_ptr<Place[]> places;

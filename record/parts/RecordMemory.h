@@ -1,6 +1,6 @@
 // RecordMemory: memory for the fields and texts of records that are made one after the other, as a load does.
 //
-// They lie one behind the other in blocks of 64 KB, smaller ones first, which takes less time and memory than
+// They lie one after the other in blocks of 64 KB, smaller ones first, which takes less time and memory than
 // blocks of their own. A block counts what lives in it and goes with the last of it. So whatever is left of a
 // log, be it one text that was copied elsewhere, keeps the blocks in which it lies.
 //
@@ -24,15 +24,7 @@ class RecordMemory {
     /// A string of that text, which is not empty.
     LightweightString<char> makeText(std::string_view text) {
         void* const place = take(LightweightString<char>::sizeInBlock(text), alignof(std::uint32_t));
-        return LightweightString<char>::makeInBlock(m_count, place, text);
-    }
-
-    /// The same with one copy in stock.
-    StringStock<char> makeStock(std::string_view text) {
-        LightweightString<char> string = makeText(text);
-        const bool oneMore = m_unusedShares != 0;
-        if (oneMore) --m_unusedShares;
-        return StringStock<char>(std::move(string), oneMore ? 1 : 0);
+        return LightweightString<char>::makeInBlock(*m_block, place, text);
     }
 
     /// Makes room for `count` fields in an empty list.
@@ -60,9 +52,9 @@ class RecordMemory {
     void nextBlock(std::size_t least);
     void closeBlock() noexcept;
 
-    // The block that is being filled. Its count includes shares that nobody has yet, so that to hand out one
+    // The block that is being filled. Its count includes shares that nobody has yet, so that handing one out
     // is no atomic step.
-    Zr::RefCounter* m_count = nullptr;
+    Zr::SharedBlock* m_block = nullptr;
     char* m_at = nullptr;
     char* m_end = nullptr;
     std::int32_t m_unusedShares = 0;

@@ -4,31 +4,50 @@
 // read it. Thread-safety: none; only one sort may run at a time in a process.
 #pragma once
 
+#include <iterator>
 #include <vector>
+
+#include "record/parts/KeyRules.h"
 
 class dbrecord;
 
-/// How two texts compare. Descending order knows only ignoringCase.
-enum class KeyRule {
-    dictionary,    ///< strxcmp's order
-    ignoringCase,  ///< by folded characters
-    timecode       ///< by folded characters, the ninth of which is left out
-};
-
 /// What the last sortPrepare left.
-struct SortKeys {
+class SortKeys {
+ public:
     static constexpr unsigned maxKeys = 9;
 
-    int fields[maxKeys + 1] = {
-        -1};  ///< in order of priority, ended by a negative one; read through cmp_fields
-    bool ignoreCase = false;
-    int timecodeField = -1;  ///< the one key that compares by the time-code rule; -1 when none
+    /// In order of priority, ended by a negative one; read through cmp_fields.
+    int fields[maxKeys + 1] = {-1};
+
+    constexpr SortKeys() noexcept { clear(false); }
+
+    /// No keys.
+    constexpr void clear(bool ignoreCase) noexcept {
+        fields[0] = -1;
+        m_ignoreCase = ignoreCase;
+        for (int& field : m_ownFields) field = -1;
+    }
+
+    /// Tells of a key's type. Of several keys of a type that has a rule of its own the last one gets it.
+    void setType(int field, DBFieldTypes::eType type) noexcept {
+        for (std::size_t i = 0; i < std::size(m_ownFields); ++i) {
+            if (KeyRules::ofTypes[i].type == type) m_ownFields[i] = field;
+        }
+    }
 
     /// The rule for a key in ascending order.
     KeyRule rule(int field) const noexcept {
-        if (field == timecodeField) return KeyRule::timecode;
-        return ignoreCase ? KeyRule::ignoringCase : KeyRule::dictionary;
+        for (std::size_t i = 0; i < std::size(m_ownFields); ++i) {
+            if (m_ownFields[i] == field) return KeyRules::ofTypes[i].rule;
+        }
+        return m_ignoreCase ? KeyRule::folded : KeyRule::dictionary;
     }
+
+ private:
+    bool m_ignoreCase = false;
+
+    // For each type that has a rule of its own the key that it holds for, or -1.
+    int m_ownFields[std::size(KeyRules::ofTypes)] = {};
 };
 
 extern SortKeys sortKeys;

@@ -34,10 +34,8 @@ int main() {
     const LightweightString<wchar_t> wide(L"caf\u00e9.log");
 
     using Text = LightweightString<char>;
-    auto* const block =
-        new (OS()->allocator()->allocate(sizeof(Zr::RefCounter) + Text::sizeInBlock("loaded")))
-            Zr::RefCounter(1);
-    const Text loaded = Text::makeInBlock(block, block + 1, "loaded");
+    Zr::SharedBlock* const block = Zr::SharedBlock::make(Text::sizeInBlock("loaded"), 1);
+    const Text loaded = Text::makeInBlock(*block, block->room(), "loaded");
 
     const Zr::Ptr<dbrecord> none;
     const Zr::Ptr<dbrecord> record(new dbrecord(3));
