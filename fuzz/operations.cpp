@@ -20,21 +20,18 @@ constexpr int mostRows = 500;  // more would only be slow
 constexpr int mostSteps = 150;
 constexpr int stepsPerCheck = 8;
 
-const std::vector<DBFieldDesc>& columns() {
-    static const std::vector<DBFieldDesc> all = {{"Name", DBFieldTypes::eText},
-                                                 {"Start time", DBFieldTypes::eTimecode},
-                                                 {"End time", DBFieldTypes::eTimecodeS},
-                                                 {"Cookie", DBFieldTypes::eTextS},
-                                                 {"Tag", DBFieldTypes::eNumeric}};
-    return all;
-}
+const std::vector<DBFieldDesc> columns = {{"Name", DBFieldTypes::eText},
+                                          {"Start time", DBFieldTypes::eTimecode},
+                                          {"End time", DBFieldTypes::eTimecodeS},
+                                          {"Cookie", DBFieldTypes::eTextS},
+                                          {"Tag", DBFieldTypes::eNumeric}};
 
 /// Two databases, views on them, and the arguments that the input gives their operations.
 class World {
  public:
     explicit World(Fuzz::Input& in) : input(in) {
         for (DatabasePtr& each : databases) {
-            each = DatabasePtr(new kesta(columns()));
+            each = DatabasePtr(new kesta(columns));
             each->add_param("Title", "Low Water");
             // Views note what goes in another way when they are long.
             each->add_records(static_cast<int>(input.below(8) == 0 ? 400 : input.below(12)));
@@ -72,13 +69,25 @@ class World {
     /// A column's name, mostly.
     Fuzz::Text name() {
         const std::size_t which = pick(12);
-        return which < columns().size() ? columns()[which].name : text();
+        return which < columns.size() ? columns[which].name : text();
     }
 
     Cookie identifier() {
         Zr::UUID uuid;
         uuid.bytes[0] = static_cast<std::uint8_t>(input.below(8));
         return Cookie(uuid, flag() ? 'I' : 'M', 1);
+    }
+
+    CookieVec identifiers() {
+        CookieVec ids;
+        for (std::size_t i = pick(5); i > 0; --i) ids.push_back(identifier());
+        return ids;
+    }
+
+    CookieSet identifierSet() {
+        CookieSet set;
+        for (const Cookie& id : identifiers()) set.add(id);
+        return set;
     }
 
     kesta& database() { return *databases[pick(2)]; }
@@ -104,12 +113,10 @@ class World {
     void renewViews() {
         kesta* const log = databases[0].get();
         const char* names[] = {"Name", "nothing", nullptr};
-        std::vector<KSTView> renewed;
-        renewed.emplace_back(new KSTViewRep(log));
-        renewed.emplace_back(new KSTViewRep(log, "Name\tCookie"));
+        std::vector<KSTView> renewed = {
+            KSTView(new KSTViewRep(log)), KSTView(new KSTViewRep(log, "Name\tCookie")),
+            KSTView(new KSTViewRep(log, names)), KSTView(new KSTViewRep(databases[1].get()))};
         renewed[1]->baseView(renewed[0].rep());
-        renewed.emplace_back(new KSTViewRep(log, names));
-        renewed.emplace_back(new KSTViewRep(databases[1].get()));
         for (const KSTView& each : renewed) {
             each->displayAllRecords();
             listenTo(*each);
@@ -127,17 +134,6 @@ class World {
     void renewDatabase(DatabasePtr made) {
         listenTo(*made);
         databases[pick(2)] = std::move(made);
-    }
-
-    template <class Operation>
-    void withIdentifiers(const Operation& operation) {
-        CookieVec ids;
-        CookieSet set;
-        for (std::size_t i = pick(5); i > 0; --i) {
-            ids.push_back(identifier());
-            set.add(ids.back());
-        }
-        operation(ids, set);
     }
 
     void sort(iKST& where) {
@@ -253,12 +249,13 @@ class World {
     }
 
     void listenTo(Notifier& notifier) {
-        for (const char* const type : {"recordsDeleted", "recordsChanged"}) {
-            guards.push_back(notifier.registerNotification(NotifyMsgTypeDictionary::instance().intern(type),
-                                                           [this](const NotifyMsg&) {
-                                                               if (std::exchange(ambush, false)) step();
-                                                               return 0;
-                                                           }));
+        const auto stepWhenAmbushed = [this](const NotifyMsg&) {
+            if (std::exchange(ambush, false)) step();
+            return 0;
+        };
+        for (const char* const name : {"recordsDeleted", "recordsChanged"}) {
+            const auto type = NotifyMsgTypeDictionary::instance().intern(name);
+            guards.push_back(notifier.registerNotification(type, stepWhenAmbushed));
         }
     }
 
@@ -295,12 +292,10 @@ class World {
         if (view.get_num_records() > 50) return;  // it would take most of the time
         int tags = 0;
         for (int row = 0; row < static_cast<int>(view.get_num_records()); ++row) {
-            Fuzz::promise(view.tag(row) != view.notTagged(row));
-            Fuzz::promise(view.tag(row) == (view.get_tag(static_cast<unsigned>(row)) != 0));
-            tags += view.tag(row);
+            const bool tagged = view.tag(row);
+            Fuzz::promise(tagged != view.notTagged(row) && tagged == (view.get_tag(unsigned(row)) != 0));
+            tags += tagged && view.db();  // without a source nothing counts
         }
-        // Without a source nothing counts.
-        if (!view.db()) tags = 0;
         Fuzz::promise(tags == view.countTags() && tags == view.get_num_tags());
     }
 
@@ -416,12 +411,8 @@ constexpr Operation operations[] = {
     [](World& w) { w.view().displayTaggedRecordsAt(w.number()); },
     [](World& w) { w.view().displayAllFromAt(w.anyView(), w.number()); },
     [](World& w) { w.view().insertBlankRecords(w.number(), w.count()); },
-    [](World& w) {
-        w.withIdentifiers([&](auto& list, auto&) { w.view().displayRecordsAt(list, w.number()); });
-    },
-    [](World& w) {
-        w.withIdentifiers([&](auto&, auto& set) { w.view().displayRecordsAt(set, w.number()); });
-    },
+    [](World& w) { w.view().displayRecordsAt(w.identifiers(), w.number()); },
+    [](World& w) { w.view().displayRecordsAt(w.identifierSet(), w.number()); },
     [](World& w) { w.view().displayAllRecords(); },
     [](World& w) { w.view().displayAllRecordsWithBaseTagStatus(); },
     [](World& w) { w.view().setupViewTagsFromKestaTagField(); },
@@ -470,7 +461,7 @@ constexpr Operation operations[] = {
     [](World& w) { w.database().free(); },
     [](World& w) { w.database().init(); },
     [](World& w) { w.database().post_init(); },
-    [](World& w) { w.database().setFields(columns()); },
+    [](World& w) { w.database().setFields(columns); },
     [](World& w) { w.renewDatabase(DatabasePtr(new kesta(w.database(), w.flag()))); },
 
     // Listeners.

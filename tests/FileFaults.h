@@ -74,6 +74,16 @@ Function* next(const char* name) noexcept {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
+template <class Result, class... Arguments>
+Result callNext(const char* name, Arguments... arguments) noexcept {
+    return next<Result(Arguments...)>(name)(arguments...);
+}
+
+template <class Result, class... Arguments>
+Result failOr(const char* name, Arguments... arguments) noexcept {
+    return fails(name) ? -1 : callNext<Result>(name, arguments...);
+}
+
 }  // namespace FileFaults
 
 // Under names of their own, so that what the headers say of the functions does not matter here.
@@ -98,76 +108,68 @@ extern "C" {
 }
 
 int faultyOpen(const char* path, int flags, ...) {
-    static const auto real = FileFaults::next<int(const char*, int, ...)>("open");
     va_list arguments;
     va_start(arguments, flags);
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    return FileFaults::fails("open") ? -1 : real(path, flags, mode);
+    if (FileFaults::fails("open")) return -1;
+    return FileFaults::next<int(const char*, int, ...)>("open")(path, flags, mode);
 }
 
 // A descriptor is gone also when closing it fails.
 int faultyClose(int file) {
-    static const auto real = FileFaults::next<int(int)>("close");
-    if (!FileFaults::fails("close")) return real(file);
+    const bool fails = FileFaults::fails("close");
     const int error = errno;
-    real(file);
+    const int result = FileFaults::callNext<int>("close", file);
+    if (!fails) return result;
     errno = error;
     return -1;
 }
 
 int faultyStat(const char* path, struct stat* status) {
-    static const auto real = FileFaults::next<int(const char*, struct stat*)>("stat");
-    return FileFaults::fails("stat") ? -1 : real(path, status);
+    return FileFaults::failOr<int>("stat", path, status);
 }
 
 int faultyFstat(int file, struct stat* status) {
-    static const auto real = FileFaults::next<int(int, struct stat*)>("fstat");
-    return FileFaults::fails("fstat") ? -1 : real(file, status);
+    return FileFaults::failOr<int>("fstat", file, status);
 }
 
 ssize_t faultyReadlink(const char* path, char* target, size_t size) {
-    static const auto real = FileFaults::next<ssize_t(const char*, char*, size_t)>("readlink");
-    return FileFaults::fails("readlink") ? -1 : real(path, target, size);
+    return FileFaults::failOr<ssize_t>("readlink", path, target, size);
 }
 
 int faultyAccess(const char* path, int mode) {
-    static const auto real = FileFaults::next<int(const char*, int)>("access");
-    return FileFaults::fails("access") ? -1 : real(path, mode);
+    return FileFaults::failOr<int>("access", path, mode);
 }
 
 int faultyFaccessat(int folder, const char* path, int mode, int flags) {
-    static const auto real = FileFaults::next<int(int, const char*, int, int)>("faccessat");
-    return FileFaults::fails("faccessat") ? -1 : real(folder, path, mode, flags);
+    return FileFaults::failOr<int>("faccessat", folder, path, mode, flags);
 }
 
 int faultyFchown(int file, uid_t owner, gid_t group) {
-    static const auto real = FileFaults::next<int(int, uid_t, gid_t)>("fchown");
-    return FileFaults::fails("fchown") ? -1 : real(file, owner, group);
+    return FileFaults::failOr<int>("fchown", file, owner, group);
 }
 
 int faultyFchmod(int file, mode_t mode) {
-    static const auto real = FileFaults::next<int(int, mode_t)>("fchmod");
-    return FileFaults::fails("fchmod") ? -1 : real(file, mode);
+    return FileFaults::failOr<int>("fchmod", file, mode);
 }
 
 int faultyChmod(const char* path, mode_t mode) {
-    static const auto real = FileFaults::next<int(const char*, mode_t)>("chmod");
-    return FileFaults::fails("chmod") ? -1 : real(path, mode);
+    return FileFaults::failOr<int>("chmod", path, mode);
 }
 
 // What is read and written through the standard streams is no file's.
 ssize_t faultyRead(int file, void* bytes, size_t size) {
-    static const auto real = FileFaults::next<ssize_t(int, void*, size_t)>("read");
-    return file > STDERR_FILENO && FileFaults::fails("read") ? -1 : real(file, bytes, size);
+    if (file <= STDERR_FILENO) return FileFaults::callNext<ssize_t>("read", file, bytes, size);
+    return FileFaults::failOr<ssize_t>("read", file, bytes, size);
 }
 
 ssize_t faultyWrite(int file, const void* bytes, size_t size) {
-    static const auto real = FileFaults::next<ssize_t(int, const void*, size_t)>("write");
-    if (file <= STDERR_FILENO) return real(file, bytes, size);
+    if (file <= STDERR_FILENO) return FileFaults::callNext<ssize_t>("write", file, bytes, size);
     const bool isShort = FileFaults::state.plan.kind == FileFaults::Kind::shortWrite && size > 1;
-    if (isShort && FileFaults::isItsTurn("write")) return real(file, bytes, size / 2);
-    return FileFaults::fails("write") ? -1 : real(file, bytes, size);
+    if (isShort && FileFaults::isItsTurn("write"))
+        return FileFaults::callNext<ssize_t>("write", file, bytes, size / 2);
+    return FileFaults::failOr<ssize_t>("write", file, bytes, size);
 }
 
 // Nothing is flushed: what survives a power failure is not looked at, and a thousand flushes take their time.
@@ -176,21 +178,17 @@ int faultyFsync(int) {
 }
 
 int faultyRename(const char* from, const char* to) {
-    static const auto real = FileFaults::next<int(const char*, const char*)>("rename");
-    return FileFaults::fails("rename") ? -1 : real(from, to);
+    return FileFaults::failOr<int>("rename", from, to);
 }
 
 int faultyUnlink(const char* path) {
-    static const auto real = FileFaults::next<int(const char*)>("unlink");
-    return FileFaults::fails("unlink") ? -1 : real(path);
+    return FileFaults::failOr<int>("unlink", path);
 }
 
 int faultyFlock(int file, int operation) {
-    static const auto real = FileFaults::next<int(int, int)>("flock");
-    return FileFaults::fails("flock") ? -1 : real(file, operation);
+    return FileFaults::failOr<int>("flock", file, operation);
 }
 
 ssize_t faultyGetrandom(void* bytes, size_t size, unsigned flags) {
-    static const auto real = FileFaults::next<ssize_t(void*, size_t, unsigned)>("getrandom");
-    return FileFaults::fails("getrandom") ? -1 : real(bytes, size, flags);
+    return FileFaults::failOr<ssize_t>("getrandom", bytes, size, flags);
 }

@@ -93,9 +93,8 @@ class TempFolder {
     /// The names of everything in it, in order: to see that nothing was left behind.
     std::vector<std::string> names() const {
         std::vector<std::string> found;
-        for (const auto& entry : std::filesystem::directory_iterator(m_path)) {
+        for (const auto& entry : std::filesystem::directory_iterator(m_path))
             found.push_back(entry.path().filename().string());
-        }
         std::sort(found.begin(), found.end());
         return found;
     }
@@ -112,8 +111,7 @@ class TempFolderTest : public ::testing::Test {
 /// A text file in memory.
 class Lines : public TextFile {
  public:
-    Lines() = default;
-    explicit Lines(const std::vector<std::string>& lines) {
+    explicit Lines(const std::vector<std::string>& lines = {}) {
         for (const std::string& line : lines) appendLine(text(line));
     }
 
@@ -130,6 +128,14 @@ inline std::vector<DBFieldDesc> textColumns(const std::vector<std::string>& name
     std::vector<DBFieldDesc> columns;
     for (const std::string& name : names) columns.emplace_back(text(name), DBFieldTypes::eText);
     return columns;
+}
+
+/// A record of these texts that no database holds, unchanged.
+inline Zr::Ptr<dbrecord> makeRecord(const Fields& fields) {
+    Zr::Ptr<dbrecord> record(new dbrecord(static_cast<unsigned short>(fields.size())));
+    for (unsigned short i = 0; i < fields.size(); ++i) record->setField(i, text(fields[i]));
+    record->clear_changed();
+    return record;
 }
 
 /// Appends records with these texts, leading white space kept, and leaves everything unchanged.
@@ -177,10 +183,8 @@ inline std::vector<Fields> rowsOf(const iKST& source) {
 
 /// The texts of one column.
 inline Fields columnOf(const iKST& source, unsigned field) {
-    Fields values;
-    for (unsigned row = 0; row < source.get_num_records(); ++row) {
-        values.push_back(str(source.getField(row, field)));
-    }
+    Fields values(source.get_num_records());
+    for (unsigned row = 0; row < values.size(); ++row) values[row] = str(source.getField(row, field));
     return values;
 }
 
@@ -277,10 +281,8 @@ class CountingAllocator : public iAllocator {
 
     void* allocate(std::size_t size) override {
         ++m_requests;
-        if (m_failAt != 0 && (m_requests == m_failAt || (m_requests > m_failAt && m_lasting))) {
-            throw Zr::Exception::BadAlloc();
-        }
-        void* const block = std::malloc(size ? size : 1);
+        const bool fails = m_failAt != 0 && (m_requests == m_failAt || (m_requests > m_failAt && m_lasting));
+        void* const block = fails ? nullptr : std::malloc(size ? size : 1);
         if (!block) throw Zr::Exception::BadAlloc();
         m_held.insert(block);
         return block;

@@ -31,16 +31,14 @@ struct Subject {
 
     /// Everything that shows.
     std::vector<Fields> state() {
-        std::vector<Fields> all = rowsOf(*log);
-        const std::vector<Fields> others = rowsOf(*alone);
-        all.insert(all.end(), others.begin(), others.end());
-        all.push_back(columnNames(*log));
+        std::vector<Fields> all = {columnNames(*log), {"shown", str(columns.asString())}};
         for (const auto& [name, value] : paramsOf(*log)) all.push_back({"parameter", name, value});
-        all.push_back({"shown", str(columns.asString())});
+        for (const auto& shown : {rowsOf(*log), rowsOf(*alone)})
+            all.insert(all.end(), shown.begin(), shown.end());
         for (const KSTView& view : {base, top}) {
-            for (unsigned row = 0; row < view->get_num_records(); ++row) {
-                all.push_back({"row of a view", std::to_string(view->baseIndex(static_cast<int>(row))),
-                               view->get_tag(row) != 0 ? "tagged" : ""});
+            for (int row = 0; row < int(view->get_num_records()); ++row) {
+                all.push_back(
+                    {"row of a view", std::to_string(view->baseIndex(row)), view->tag(row) ? "tagged" : ""});
             }
         }
         return all;
@@ -49,9 +47,8 @@ struct Subject {
     /// Every row of a view names a record, and the view can go on.
     void expectWhole() const {
         for (const KSTView& view : {base, top}) {
-            for (unsigned row = 0; row < view->get_num_records(); ++row) {
-                ASSERT_LT(static_cast<unsigned>(view->baseIndex(static_cast<int>(row))),
-                          log->get_num_records());
+            for (int row = 0; row < int(view->get_num_records()); ++row) {
+                ASSERT_LT(unsigned(view->baseIndex(row)), log->get_num_records());
             }
         }
         base->displayAllRecords();
@@ -70,7 +67,7 @@ struct Subject {
 };
 
 /// How much of an operation that failed may be done.
-enum class Leaves {
+enum Leaves {
     oldState,   // nothing
     wholeState  // some of its steps: its parts hold together
 };
@@ -82,68 +79,64 @@ struct Operation {
 };
 
 const Operation operations[] = {
-    {"add_records", Leaves::oldState, [](Subject& s) { s.log->add_records(40); }},
-    {"insert_records", Leaves::oldState, [](Subject& s) { s.log->insert_records(1, 40); }},
-    {"delete_records", Leaves::oldState,
+    {"add_records", oldState, [](Subject& s) { s.log->add_records(40); }},
+    {"insert_records", oldState, [](Subject& s) { s.log->insert_records(1, 40); }},
+    {"delete_records", oldState,
      [](Subject& s) {
          const CapturedNotifications heard(*s.alone);
          s.alone->delete_records(2, 3);
      }},
-    {"delete_records under views", Leaves::wholeState, [](Subject& s) { s.log->delete_records(2, 3); }},
-    {"addRecord", Leaves::wholeState, [](Subject& s) { s.log->addRecord(Cookie("a new clip", false)); }},
-    {"set_field", Leaves::oldState,
+    {"delete_records under views", wholeState, [](Subject& s) { s.log->delete_records(2, 3); }},
+    {"addRecord", wholeState, [](Subject& s) { s.log->addRecord(Cookie("a new clip", false)); }},
+    {"set_field", oldState,
      [](Subject& s) { s.log->set_field(2, 1, "a text that needs a body of its own"); }},
-    {"set_field of an identifier", Leaves::wholeState,
-     [](Subject& s) { s.log->set_field(1, Cookie("another clip", false)); }},
-    {"addField", Leaves::wholeState,
+    {"set_field, identifier", wholeState, [](Subject& s) { s.log->set_field(1, Cookie("another", false)); }},
+    {"addField", wholeState,
      [](Subject& s) {
-         s.log->addField({"Comment of many letters", DBFieldTypes::eText});
+         s.log->addField({"Many letters", DBFieldTypes::eText});
      }},
-    {"removeField", Leaves::wholeState, [](Subject& s) { s.log->removeField("Start time"); }},
-    {"set_fieldname", Leaves::wholeState,
-     [](Subject& s) { s.log->set_fieldname(1, "Com&ment on the clip"); }},
-    {"add_param", Leaves::oldState, [](Subject& s) { s.log->add_param("Another", "value of a parameter"); }},
-    {"set_param_val", Leaves::oldState,
-     [](Subject& s) { s.log->set_param_val("mode", "another long value"); }},
-    {"copy", Leaves::oldState, [](Subject& s) { const kesta copy(*s.log, 1); }},
-    {"getRowIndexByID", Leaves::oldState,
-     [](Subject& s) { s.log->getRowIndexByID(Cookie("clip 3", false)); }},
-    {"findFirst", Leaves::oldState, [](Subject& s) { s.log->findFirst("Name", "none", 0); }},
-    {"sort", Leaves::wholeState,
+    {"removeField", wholeState, [](Subject& s) { s.log->removeField("Start time"); }},
+    {"set_fieldname", wholeState, [](Subject& s) { s.log->set_fieldname(1, "Com&ment on a clip"); }},
+    {"add_param", oldState, [](Subject& s) { s.log->add_param("Another", "a value to keep"); }},
+    {"set_param_val", oldState, [](Subject& s) { s.log->set_param_val("mode", "another long value"); }},
+    {"copy", oldState, [](Subject& s) { const kesta copy(*s.log, 1); }},
+    {"getRowIndexByID", oldState, [](Subject& s) { s.log->getRowIndexByID(Cookie("clip 3", false)); }},
+    {"findFirst", oldState, [](Subject& s) { s.log->findFirst("Name", "none", 0); }},
+    {"sort", wholeState,
      [](Subject& s) {
          s.log->set_sortfield(2);
          s.log->sort(1, 0);
      }},
-    {"set_query", Leaves::oldState, [](Subject& s) { s.log->set_query(s.log->get_record(2).get()); }},
-    {"add_kesta", Leaves::oldState,
+    {"set_query", oldState, [](Subject& s) { s.log->set_query(s.log->get_record(2).get()); }},
+    {"add_kesta", oldState,
      [](Subject& s) {
          kesta other(s.otherName, INT_MAX, true);
          s.log->add_kesta(&other);
      }},
-    {"merge_all_matching", Leaves::wholeState,
+    {"merge_all_matching", wholeState,
      [](Subject& s) {
          kesta other(s.otherName, INT_MAX, true);
          s.log->merge_all_matching(&other);
      }},
-    {"view: displayAllRecords", Leaves::wholeState, [](Subject& s) { s.top->displayAllRecords(); }},
-    {"view: displayRecordsAt", Leaves::oldState, [](Subject& s) { s.top->displayRecordsAt(0, 11, 3); }},
-    {"view: query and tagMatches", Leaves::wholeState,
+    {"view: displayAllRecords", wholeState, [](Subject& s) { s.top->displayAllRecords(); }},
+    {"view: displayRecordsAt", oldState, [](Subject& s) { s.top->displayRecordsAt(0, 11, 3); }},
+    {"view: query, tagMatches", wholeState,
      [](Subject& s) {
          const Zr::Ptr<dbrecord> query = s.base->make_dummy_record();
          query->set_field(1, "name", true);
          s.base->set_query(query.get());
          s.base->tagMatches(0);
      }},
-    {"view: tagDuplicates", Leaves::wholeState, [](Subject& s) { s.base->tagDuplicates(2); }},
-    {"view: sort", Leaves::wholeState,
+    {"view: tagDuplicates", wholeState, [](Subject& s) { s.base->tagDuplicates(2); }},
+    {"view: sort", wholeState,
      [](Subject& s) {
          s.top->set_sortfield(2);
          s.top->sort(1, 0);
      }},
-    {"view: deleteTagged", Leaves::wholeState, [](Subject& s) { s.top->deleteTagged(); }},
-    {"view: insertBlankRecords", Leaves::wholeState, [](Subject& s) { s.top->insertBlankRecords(2, 3); }},
-    {"view: cursor", Leaves::wholeState, [](Subject& s) { KSTViewCursor(s.top).remove(); }},
-    {"view: subview and copies", Leaves::wholeState,
+    {"view: deleteTagged", wholeState, [](Subject& s) { s.top->deleteTagged(); }},
+    {"view: insertBlankRecords", wholeState, [](Subject& s) { s.top->insertBlankRecords(2, 3); }},
+    {"view: cursor", wholeState, [](Subject& s) { KSTViewCursor(s.top).remove(); }},
+    {"view: subview and copies", wholeState,
      [](Subject& s) {
          const KSTView sub(s.top->newTagSubview());
          const KSTView copied = s.base.copy();
@@ -151,19 +144,17 @@ const Operation operations[] = {
          s.base->displayAllFromAt(copied.rep(), 3);
          s.top.copyWithNewBaseView()->deleteRecords(0, 4);
      }},
-    {"columns: append", Leaves::oldState,
-     [](Subject& s) { s.columns.append("Notes of many letters", true); }},
-    {"columns: setName", Leaves::oldState,
-     [](Subject& s) { s.columns.setName(1, "a name of many letters"); }},
-    {"columns: copy", Leaves::oldState, [](Subject& s) { const FieldMap copy(s.columns); }},
-    {"view: save", Leaves::oldState, [](Subject& s) { s.top->saveAsText(s.saved, false); }},
-    {"save", Leaves::wholeState,
+    {"columns: append", oldState, [](Subject& s) { s.columns.append("Notes of many letters", true); }},
+    {"columns: setName", oldState, [](Subject& s) { s.columns.setName(1, "a name of many letters"); }},
+    {"columns: copy", oldState, [](Subject& s) { const FieldMap copy(s.columns); }},
+    {"view: save", oldState, [](Subject& s) { s.top->saveAsText(s.saved, false); }},
+    {"save", wholeState,
      [](Subject& s) {
          s.log->set_filename(s.saved);
          s.log->save_text();
      }},
-    {"container: save", Leaves::oldState, [](Subject& s) { s.container.save(s.saved); }},
-    {"container: read", Leaves::oldState,
+    {"container: save", oldState, [](Subject& s) { s.container.save(s.saved); }},
+    {"container: read", oldState,
      [](Subject& s) {
          const ZRContainerFile::Reader reader(s.logName, false);
          reader.contains(Cookie("clip 3", false));
@@ -216,7 +207,7 @@ class OutOfMemory : public TempFolderTest {
                 isReached = memory.requests() >= request;
                 memory.failNever();
                 // A failure that is not reported, because the operation could do without, leaves no trace.
-                if (!failed || operation.leaves == Leaves::oldState) {
+                if (!failed || operation.leaves == oldState) {
                     ASSERT_TRUE(same(subject.state(), failed ? before : after));
                 }
                 subject.expectWhole();
@@ -253,13 +244,11 @@ TEST_F(OutOfMemory, ALoadThatCannotBeFinishedLeavesNothingToBeTakenForTheLog) {
     const WideText log = wide(folder / "log");
     kesta database(textColumns({"held before"}));
     database.set_filename(log);
-    const unsigned failures = failEachRequest([&] { database.loadFromFile(INT_MAX, true); },
-                                              [&] {
-                                                  EXPECT_EQ(database.get_valid(), 0);
-                                                  EXPECT_EQ(database.get_num_fields(), 0U);
-                                                  EXPECT_EQ(database.get_num_records(), 0U);
-                                                  EXPECT_TRUE(database.params().empty());
-                                              });
-    EXPECT_GT(failures, 10U);
+    const auto load = [&] { database.loadFromFile(INT_MAX, true); };
+    const auto isEmpty = [&] {
+        EXPECT_EQ(database.get_valid() + database.get_num_fields() + database.get_num_records(), 0U);
+        EXPECT_TRUE(database.params().empty());
+    };
+    EXPECT_GT(failEachRequest(load, isEmpty), 10U);
     EXPECT_EQ(database.get_num_records(), unsigned(rows));
 }

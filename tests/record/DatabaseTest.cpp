@@ -19,8 +19,6 @@ void expectEmpty(const kesta& database, int valid) {
 
 }  // namespace
 
-// --- Construction and life cycle ---
-
 TEST(DatabaseConstruction, GivesTheDescribedColumnsAndNothingElse) {
     expectEmpty(*Zr::Ptr<kesta>(new kesta), 0);
     expectEmpty(*makeDatabase(std::vector<DBFieldDesc>()), 1);
@@ -48,9 +46,7 @@ TEST(DatabaseLifeCycle, InitKeepsRecordsAndFreeReleasesThem) {
     EXPECT_FALSE(database->get_changed() || database->get_valid());
     database->setFields(sceneAndDate);
     EXPECT_EQ(record->refCount(), 1) << "columns come with the old records gone";
-    EXPECT_EQ(database->get_valid(), 1);
-    EXPECT_EQ(database->get_fieldnum("date"), 1U);
-    EXPECT_TRUE(database->params().empty());
+    EXPECT_TRUE(database->get_valid() && database->get_fieldnum("date") == 1 && database->params().empty());
 
     database->add_records(2);
     database->set_sortfield(1);
@@ -77,9 +73,8 @@ TEST(DatabaseCopy, SharesParametersAndCopiesColumnsAndRecordsOnDemand) {
     const Zr::Ptr<kesta> copy(new kesta(*original, -1));
     EXPECT_EQ(rowsOf(*copy), (std::vector<Fields>{{"1", "  2"}, {"", ""}, {"", ""}, {"changed", "4"}}))
         << "empty records for missing ones";
-    EXPECT_EQ(copy->get_tag(0), 0);
-    EXPECT_EQ(copy->get_record(3)->get_container(), nullptr);
-    EXPECT_FALSE(copy->get_record(3)->get_changed());
+    const Zr::Ptr<dbrecord> copied = copy->get_record(3);
+    EXPECT_FALSE(copy->get_tag(0) || copied->get_container() || copied->get_changed());
     copy->set_field(0, 0, "other");
     copy->addField({"New", DBFieldTypes::eText});
     EXPECT_EQ(fieldsOf(*original->get_record(0)), (Fields{"1", "  2"}));
@@ -90,16 +85,13 @@ TEST(DatabaseCopy, SharesParametersAndCopiesColumnsAndRecordsOnDemand) {
     EXPECT_EQ(paramsOf(*original), (Pairs{{"KESTA", "Rev 1"}, {"Mode", "y"}, {"Other", "z"}}));
 }
 
-// --- Columns ---
-
 TEST(DatabaseColumns, AreFoundByTheFirstOfEqualNamesAndNeverByNone) {
     const Zr::Ptr<kesta> database = makeTextDatabase({"Date", "Scene", "", "SCENE"});
     EXPECT_EQ(database->get_fieldnum("sCENE"), 1U);
-    for (const char* const missing : {"", "Scene ", "Scen"}) {
-        EXPECT_EQ(database->get_fieldnum(missing), notFound) << missing;
-    }
+    for (const char* const missing : {"", "Scene ", "Scen"})
+        EXPECT_EQ(database->get_fieldnum(missing), notFound);
     EXPECT_EQ(database->getFieldNameIndexMap().size(), 3U);
-    for (const unsigned unnamed : {2U, 4U, notFound}) EXPECT_STREQ(database->get_fieldname(unnamed), "");
+    EXPECT_STREQ(database->get_fieldname(notFound), "");
     for (const char* const nothing : {"&", static_cast<const char*>(nullptr)}) {
         EXPECT_TRUE(database->set_fieldname(0, "x") && database->set_fieldname(0, nothing));
         EXPECT_STREQ(database->get_fieldname(0), "");
@@ -116,11 +108,8 @@ TEST(DatabaseColumns, EndWithTheMostThatARecordCanHold) {
     EXPECT_EQ(database->get_fieldtype(65534), DBFieldTypes::eText) << "a column always has a type";
     EXPECT_EQ(database->addField({"one more", DBFieldTypes::eText}), notFound);
     EXPECT_EQ(database->get_num_fields(), 65535U);
-    EXPECT_EQ(database->set_field(0, 65534, "y"), 1);
-    EXPECT_EQ(database->getField(0, 65534), "y");
+    EXPECT_TRUE(database->set_field(0, 65534, "y") == 1 && database->getField(0, 65534) == "y");
 }
-
-// --- Parameters ---
 
 TEST(DatabaseParameters, AreKeptInOrderAfterTheRevision) {
     kesta database;
@@ -134,17 +123,13 @@ TEST(DatabaseParameters, AreKeptInOrderAfterTheRevision) {
     EXPECT_EQ(str(database.params()[1].asString()), "Mode=y");
     EXPECT_EQ(database.get_revision(), 1);
 
-    EXPECT_STREQ(database.get_param_val("mODE"), "y");
-    EXPECT_EQ(database.getParamVal("Mode"), "y");
+    EXPECT_EQ(database.get_param_val("mODE") + str(database.getParamVal("Mode")), "yy");
     for (const char* const empty : {"missing", "Empty", "", static_cast<const char*>(nullptr)}) {
-        EXPECT_STREQ(database.get_param_val(empty), "");
-        EXPECT_TRUE(database.getParamVal(empty).empty());
+        EXPECT_EQ(database.get_param_val(empty) + str(database.getParamVal(empty)), "");
     }
     EXPECT_EQ(database.findParamIndex("EMPTY"), 2);
     EXPECT_EQ(database.findParamIndex("missing"), -1);
 }
-
-// --- Fields by row and column ---
 
 TEST(DatabaseFields, AreStoredAndReadAsTextNumbersAndFlags) {
     const Zr::Ptr<kesta> database = makeTextDatabase({"a", "b"}, {{"", ""}});
@@ -169,11 +154,11 @@ TEST(DatabaseFields, AreStoredAndReadAsTextNumbersAndFlags) {
                                                   {8, bytes("12abc \0#\0#")}};
     const Zr::Ptr<dbrecord> record = database->get_record(0);
     for (const auto& [length, copy] : copies) {
-        char buffer[] = "##########";
-        char second[] = "##########";
-        EXPECT_TRUE(database->in_field(0, 1, buffer, length) && record->in_field(1, second, length));
-        EXPECT_EQ(std::string(buffer, 10), copy) << length;
-        EXPECT_EQ(std::string(second, 10), copy) << length;
+        std::string buffer(10, '#');
+        std::string second = buffer;
+        EXPECT_TRUE(database->in_field(0, 1, buffer.data(), length) &&
+                    record->in_field(1, second.data(), length));
+        EXPECT_EQ(buffer + second, copy + copy) << length;
     }
     for (const char* const value : {"tomorrow", "f", "T", "1"}) {
         database->set_field(0, 1, value);
@@ -212,8 +197,7 @@ TEST(DatabaseFields, EmptyAndMissingOnesLeaveTheDestinationAlone) {
 namespace {
 
 // Knows a column of its own, presents two rows in reverse, and hears what is set.
-class Derived : public kesta {
- public:
+struct Derived : kesta {
     using kesta::get_record;
     using kesta::kesta;
     Zr::Ptr<dbrecord> get_record(unsigned row) const override { return kesta::get_record(1 - row); }
@@ -237,13 +221,12 @@ TEST(DerivedDatabase, IsAskedForItsRecordsFieldsAndColumns) {
     database.add_records(2);
     kesta& base = database;
     EXPECT_TRUE(base.set_field(0, 0, 5) && base.set_field(0, 1, "6") == 1 && base.setField(1, 0, "7"));
+    EXPECT_EQ(rowsOf(base), (std::vector<Fields>{{"5", "6"}, {"7", ""}})) << "where they are shown";
     EXPECT_EQ(fieldsOf(*base.kesta::get_record(1U)), (Fields{"5", "6"}));
-    EXPECT_EQ(fieldsOf(*base.kesta::get_record(0U)), (Fields{"7", ""}));
     int number = 0;
     EXPECT_TRUE(base.in_field(1, 1, number));
     EXPECT_EQ(number, 7);
-    EXPECT_EQ(rowsOf(kesta(base, 1)), (std::vector<Fields>{{"5", "6"}, {"7", ""}})) << "as they are shown";
-
+    EXPECT_EQ(rowsOf(kesta(base, 1)), rowsOf(base)) << "as they are shown";
     EXPECT_EQ(base.addField({"known", DBFieldTypes::eText}), 77U);
     EXPECT_EQ(base.get_num_fields(), 2U);
     base.set_param_val("key", "value");
@@ -254,7 +237,7 @@ TEST(DerivedDatabase, IsAskedForItsRecordsFieldsAndColumns) {
 
 namespace {
 
-// Ends the process with the number of the first expectation that does not hold, or with 0.
+// Ends the process with 0, or with a bit for each expectation that does not hold.
 [[noreturn]] void testWithSettingsOff() {
     config_set_int("remove_fieldname_ampersands", 0);
     config_set_int("dbv_reel_field_editable", 0);
@@ -265,15 +248,10 @@ namespace {
     database->set_fieldname(0, "Sc&ene");
     config_set_int("remove_fieldname_ampersands", 1);
     database->set_fieldname(1, "&b");
-    int number = 1;
-    for (const bool holds :
-         {exported, block.find("reelid") && block.find("who") && block.find("name"),
-          !block.find("reelid1") && !block.find("lab_reel"),
-          columnNames(*database) == Fields{"Sc&ene", "&b", "snd reel", "lab reel", "who"}}) {
-        if (!holds) std::_Exit(number);
-        ++number;
-    }
-    std::_Exit(0);
+    const bool names = columnNames(*database) == Fields{"Sc&ene", "&b", "snd reel", "lab reel", "who"};
+    const bool kept = block.find("reelid") && block.find("who") && block.find("name");
+    const bool leftOut = !block.find("reelid1") && !block.find("lab_reel");
+    std::_Exit(!exported + !names * 2 + !kept * 4 + !leftOut * 8);
 }
 
 }  // namespace

@@ -20,15 +20,13 @@ const char* const exampleFile = R"("KESTA:Rev 1"
 "Shot 2","01:00:10:00","1"
 )";
 
-const char* const wrongCount = "kesta::add_text: returning because not all fields filled\n";
-const char* const noMoreLines = "kesta::add_text: returning because no more lines\n";
-
-const std::vector<DBFieldDesc> exampleColumns = {
-    {"Name", DBFieldTypes::eText}, {"Start time", DBFieldTypes::eTimecode}, {"Tag", DBFieldTypes::eText}};
+constexpr auto wrongCount = "kesta::add_text: returning because not all fields filled\n";
+constexpr auto noMoreLines = "kesta::add_text: returning because no more lines\n";
 
 Zr::Ptr<kesta> makeExample() {
-    const Zr::Ptr<kesta> database =
-        makeDatabase(exampleColumns, {{"Shot 1", "01:00:00:00", ""}, {"Shot 2", "01:00:10:00", ""}});
+    const Zr::Ptr<kesta> database = makeTextDatabase(
+        {"Name", "Start time", "Tag"}, {{"Shot 1", "01:00:00:00", ""}, {"Shot 2", "01:00:10:00", ""}});
+    database->set_fieldtype(1, DBFieldTypes::eTimecode);
     database->add_param("Mode", "x");
     database->set_tag(1, 1);
     return database;
@@ -39,11 +37,10 @@ std::string fileOf(unsigned columns, const std::vector<std::string>& lines) {
     std::string types;
     std::string names;
     for (unsigned i = 0; i < columns; ++i) {
-        const std::string comma = i == 0 ? "" : ",";
-        types += comma + "\"text\"";
-        names += comma + '"' + static_cast<char>('a' + i) + '"';
+        types += "text,";
+        names += {static_cast<char>('a' + i % 26), ','};
     }
-    std::string content = "\"KESTA:Rev 1\"\n\"KESTA\"\n\"1\"\n" + types + '\n' + names + '\n';
+    std::string content = "KESTA:Rev 1\nKESTA\n1\n" + types + '\n' + names + '\n';
     for (const std::string& line : lines) content += line + '\n';
     return content;
 }
@@ -70,24 +67,21 @@ class File : public TempFolderTest {
         log.clear();
         const Zr::Ptr<kesta> database = load(content, maxRecords, strict);
         const LineModel::Database actual = LineModel::contentsOf(*database);
-        const std::vector<int> state = {actual.valid, actual.revision, database->get_changed()};
-        for (auto& result :
-             {same(state, {expected.valid, expected.revision, false}), same(actual.params, expected.params),
-              same(actual.names, expected.names), same(actual.types, expected.types),
-              same(actual.rows, expected.rows), same(log.messages(), expected.messages)}) {
-            if (!result)
-                return testing::AssertionResult(result) << " in\n"
-                                                        << testing::PrintToString(content).substr(0, 1000);
+        if (actual.seen() == expected.seen() && log.messages() == expected.messages &&
+            !database->get_changed()) {
+            return testing::AssertionSuccess();
         }
-        return testing::AssertionSuccess();
+        return testing::AssertionFailure() << testing::PrintToString(actual.seen()) << "\nnot\n"
+                                           << testing::PrintToString(expected.seen()) << "\nin\n"
+                                           << testing::PrintToString(content);
     }
 
     CapturedLog log;
 };
 
-class FileLoading : public File {};
-class FileSaving : public File {};
-class CSVInput : public File {};
+using FileLoading = File;
+using FileSaving = File;
+using CSVInput = File;
 
 }  // namespace
 
@@ -95,7 +89,6 @@ class CSVInput : public File {};
 
 TEST_F(FileSaving, WritesParametersHeaderAndRecordsAndClearsTheRecordsMarks) {
     const Zr::Ptr<kesta> database = makeExample();
-    database->clear_changed();
     database->get_record(1)->set_field(1, "01:00:10:00", true);
     EXPECT_EQ(save(*database), 2);
     EXPECT_EQ(readFile(folder / "a.kst"), exampleFile);
@@ -124,23 +117,21 @@ TEST_F(FileSaving, WritesParametersHeaderAndRecordsAndClearsTheRecordsMarks) {
     EXPECT_EQ(columnOf(*loadDatabase(folder / "a.kst"), 0), (Fields{"Shot 1", "", "Shot 2"}));
 
     // Saving an empty database returns zero though it is written.
-    EXPECT_EQ(save(*makeTextDatabase({"a"})), 0);
+    EXPECT_EQ(save(*makeTextDatabase({"a"})) + save(*Zr::Ptr<kesta>(new kesta), "b.kst"), 0);
     EXPECT_EQ(readFile(folder / "a.kst"), "\"KESTA\"\n\"4\"\n\"text\"\n\"a\"\n");
-    EXPECT_EQ(save(*Zr::Ptr<kesta>(new kesta)), 0);
-    EXPECT_EQ(readFile(folder / "a.kst"), "\"KESTA\"\n\n\n\n");
-    EXPECT_EQ(folder.names(), (std::vector<std::string>{"a.kst"}));
+    EXPECT_EQ(readFile(folder / "b.kst"), "\"KESTA\"\n\n\n\n");
+    EXPECT_EQ(folder.names(), (Fields{"a.kst", "b.kst"}));
 }
 
 TEST_F(FileSaving, WidthsAreTheLongestTextsWhereThoseExceedTheLeastWidth) {
-    const Zr::Ptr<kesta> database =
-        makeTextDatabase({"TAG", "comment", "Mdrive"}, {{"", "12345", "1234"}, {"", "1234", "12345"}});
+    const Zr::Ptr<kesta> database = makeTextDatabase({"TAG", "comment"}, {{"", "12345"}, {"", "1234"}});
     database->set_tag(0, 200);
     EXPECT_EQ(saved(*database), R"("KESTA"
-"1","5","5"
-"text","text","text"
-"TAG","comment","Mdrive"
-"200","12345","1234"
-"0","1234","12345"
+"1","5"
+"text","text"
+"TAG","comment"
+"200","12345"
+"0","1234"
 )") << "widths are taken before the tags are stored, and there are no parameters to write";
 }
 
@@ -159,10 +150,9 @@ TEST_F(FileSaving, WritesParametersAsTheyAreAndCutsHeaderFieldsAt254Bytes) {
 
 TEST_F(FileSaving, FailureReturnsZeroAndLeavesTheOldFileWhole) {
     const Zr::Ptr<kesta> database = makeExample();
-    EXPECT_EQ(save(*database, std::filesystem::path("missing") / "a.kst"), 0);
+    EXPECT_EQ(save(*database, "missing/a.kst"), 0);
     std::filesystem::create_directory(folder / "a.kst");
-    EXPECT_EQ(save(*database), 0);
-    EXPECT_EQ(database->save_text_without_header(), 0);
+    EXPECT_EQ(save(*database) + database->save_text_without_header(), 0);
     database->set_filename(WideText());
     EXPECT_EQ(database->save_text(), 0);
     EXPECT_EQ(folder.names(), (std::vector<std::string>{"a.kst"}));
@@ -170,8 +160,7 @@ TEST_F(FileSaving, FailureReturnsZeroAndLeavesTheOldFileWhole) {
 }
 
 TEST_F(FileSaving, AsksADerivedClass) {
-    class Derived : public kesta {
-     public:
+    struct Derived : kesta {
         using kesta::kesta;
         unsigned get_fieldsize(unsigned field) const override { return 70 + field; }
         unsigned get_fieldnum(const Text& name) const override {
@@ -195,7 +184,6 @@ TEST_F(FileLoading, GivesBackWhatWasSavedUnchanged) {
     const Zr::Ptr<kesta> database = load(exampleFile);
     EXPECT_EQ(str(toUTF8(database->get_filename())), (folder / "a.kst").string());
     const Zr::Ptr<dbrecord> record = database->get_record(1);
-    EXPECT_EQ(fieldsOf(*record), (Fields{"Shot 2", "01:00:10:00", "1"}));
     EXPECT_FALSE(record->get_changed() || record->get_tag()) << "tags are text in a column";
     EXPECT_EQ(record->get_container(), database.get());
     database->set_tag(1, 1);
@@ -223,9 +211,7 @@ TEST_F(FileLoading, ScratchRecordHoldsTheMarkerLineAfterTheParameters) {
     dbrecord line(24);
     database.read_params(file, &line);
     EXPECT_EQ(fieldsOf(line), (Fields{"kesta", "more"}));
-    EXPECT_EQ(file.cursor(), 3U);
-    EXPECT_EQ(database.params().size(), 2U);
-
+    EXPECT_TRUE(file.cursor() == 3 && database.params().size() == 2);
     database.read_params(file, &line);
     EXPECT_EQ(fieldsOf(line), (Fields{"32"}));
     EXPECT_TRUE(database.params().empty()) << "emptied even when there are none to read";
@@ -236,8 +222,7 @@ TEST_F(FileLoading, AddingTextBeginsAtTheCursorAndMaySkipItsFirstLine) {
     Lines file({"0,0", "1,2", "3,4", "5,6"});
     file.setCursor(1);
     EXPECT_EQ(database->add_text(file, 0, 2), 2);
-    EXPECT_EQ(file.cursor(), 3U);
-    EXPECT_TRUE(database->get_changed());
+    EXPECT_TRUE(file.cursor() == 3 && database->get_changed());
     for (const int none : {0, -1}) EXPECT_EQ(database->add_text(file, 0, none), 0);
     EXPECT_EQ(database->add_text(file, 0, 9), 1);
     EXPECT_EQ(database->add_text(file, 0, 9), 0);
@@ -252,16 +237,14 @@ TEST_F(FileLoading, AddingTextBeginsAtTheCursorAndMaySkipItsFirstLine) {
     Lines alone({"a,b"});
     EXPECT_EQ(database->add_text(alone, 1, 9), 0);
     EXPECT_EQ(log.messages(), (std::vector<std::string>{wrongCount, noMoreLines}));
-    EXPECT_EQ(rowsOf(*database),
-              (std::vector<Fields>{{"1", "2"}, {"3", "4"}, {"5", "6"}, {"7", "8", "9"}, {"9", "0"}}));
+    EXPECT_EQ(rowsOf(*database)[3], (Fields{"7", "8", "9"}));
 
     // So a plain file is loaded from the line after its names on.
     database->set_filename(wide(folder.with("plain", "a,b\n11,12\n")));
     EXPECT_EQ(database->load_text(9), 1);
-    EXPECT_EQ(database->getField(5, 1), "12");
     database->set_filename(wide(folder / "missing"));
     EXPECT_EQ(database->load_text(9), 0);
-    EXPECT_EQ(database->get_num_records(), 6U);
+    EXPECT_EQ(columnOf(*database, 1), (Fields{"2", "4", "6", "8", "0", "12"}));
 }
 
 TEST_F(FileLoading, AgreesWithTheModelOnForeignCutAndDamagedFiles) {
@@ -349,11 +332,10 @@ TEST_F(FileLoading, TextsThatComeAgainAreSharedAndNoOthers) {
 
 // Texts as short as they come use up a block's shares before its room.
 TEST_F(FileLoading, ARejectedLineGivesItsMemoryBackHoweverManyTextsItHas) {
-    for (unsigned fields = 60; fields < 400; ++fields) {
-        std::string line = "\"100\"";
-        for (unsigned i = 1; i < fields; ++i) line += ",\"" + std::to_string(100 + i) + '"';
-        const WideText name =
-            wide(folder.with("in", "\"KESTA:Rev 1\"\n\"KESTA\"\n\"1\"\n\"text\"\n\"a\"\n" + line));
+    std::string line;
+    for (unsigned fields = 1; fields < 400; ++fields) {
+        line += std::to_string(100 + fields) + ',';
+        const WideText name = wide(folder.with("in", fileOf(1, {line + "x"})));
         CountingAllocator memory;
         {
             const kesta database(name, 10, true);
@@ -364,16 +346,8 @@ TEST_F(FileLoading, ARejectedLineGivesItsMemoryBackHoweverManyTextsItHas) {
 }
 
 TEST_F(FileLoading, MoreColumnsThan16BitsCountDoNoHarm) {
-    std::string types;
-    std::string names;
-    for (unsigned i = 0; i < 70000; ++i) {
-        types += "t,";
-        names += 'n' + std::to_string(i) + ',';
-    }
-    const Zr::Ptr<kesta> database =
-        load("KESTA:Rev 1\nKESTA\n1\n" + types + '\n' + names + '\n' + names + '\n');
-    EXPECT_EQ(database->get_valid(), 1);
-    EXPECT_EQ(database->get_num_fields(), 70000U);
+    const Zr::Ptr<kesta> database = load(fileOf(70000, {std::string(70000, ',')}));
+    EXPECT_TRUE(database->get_valid() && database->get_num_fields() == 70000);
     EXPECT_EQ(database->get_num_records(), 0U) << "a record's number of fields is taken as 16 bits";
     EXPECT_EQ(log.messages(), (std::vector<std::string>{wrongCount}));
 
@@ -386,10 +360,9 @@ TEST_F(FileLoading, MoreColumnsThan16BitsCountDoNoHarm) {
 // --- Comma-separated files ---
 
 TEST_F(CSVInput, TakesTheFirstLineForColumnsAndTheOthersForRecordsWithoutALimit) {
-    const Zr::Ptr<kesta> database = loadDatabase(
-        folder.with("a.csv",
-                    "a,\"b\", c ,,c\r\n1,2\n\n1,2,3,4,5,6\n\"x,y\",\"say \\\"hi, you\\\"\", z \nlast"),
-        0);
+    constexpr auto content =
+        "a,\"b\", c ,,c\r\n1,2\n\n1,2,3,4,5,6\n\"x,y\",\"say \\\"hi, you\\\"\", z \nlast";
+    const Zr::Ptr<kesta> database = loadDatabase(folder.with("a.csv", content), 0);
     EXPECT_EQ(database->get_valid(), 1);
     EXPECT_EQ(columnNames(*database), (Fields{"a", "\"b\"", " c ", "", "c"}));
     EXPECT_EQ(columnTypes(*database), std::vector<int>(5, 65));
@@ -403,8 +376,7 @@ TEST_F(CSVInput, TakesTheFirstLineForColumnsAndTheOthersForRecordsWithoutALimit)
 TEST_F(CSVInput, IsValidThoughEmptyWhenItsNameEndsInLowerCase) {
     for (const char* const content : {"", "\n", "\na,b\n1,2\n"}) {
         const Zr::Ptr<kesta> database = loadDatabase(folder.with("a.csv", content));
-        EXPECT_EQ(database->get_valid(), 1);
-        EXPECT_EQ(database->get_num_fields() + database->get_num_records(), 0U);
+        EXPECT_TRUE(database->get_valid() && !database->get_num_fields() && !database->get_num_records());
     }
     EXPECT_EQ(loadDatabase(folder / "missing.csv")->get_valid(), 0);
     const std::filesystem::path before = std::filesystem::current_path();
@@ -418,8 +390,7 @@ TEST_F(CSVInput, IsValidThoughEmptyWhenItsNameEndsInLowerCase) {
 }
 
 TEST_F(CSVInput, AddsRecordsThroughTheInterface) {
-    class Derived : public kesta {
-     public:
+    struct Derived : kesta {
         unsigned add_records(int count) override { return refusing ? 0xFFFFFFFF : kesta::add_records(count); }
         bool refusing = false;
     };

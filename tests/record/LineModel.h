@@ -41,24 +41,21 @@ inline Line readLine(const std::string& line) {
         std::string field;
         while (!atEnd() && field.size() < longestField) {
             const char c = line[at];
+            if (c == ',' && !quoted) break;
             if (c == '"' && next('"')) {
-                field += '"';
-                at += 2;
+                field += line[++at];
             } else if (c == '"') {
                 quoted = false;
-                ++at;
             } else if (c == '\\' && next('n')) {
                 field += '\n';
-                at += 2;
+                ++at;
             } else if (c == '\\' && next('\\') && field.size() + 1 < longestField) {
                 field += "\\\\";
-                at += 2;
-            } else if (c == ',' && !quoted) {
-                break;
+                ++at;
             } else {
                 field += c;  // a backslash before anything else too
-                ++at;
             }
+            ++at;
         }
         while (!field.empty() && Ascii::isSpace(field.back())) field.pop_back();
         if (!atEnd()) ++at;

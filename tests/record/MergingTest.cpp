@@ -5,13 +5,13 @@ namespace {
 
 using namespace TestSupport;
 
-std::vector<DBFieldDesc> columns() {
-    return {{"Name", DBFieldTypes::eText}, {"Start", DBFieldTypes::eTimecode}};
-}
+const DBFieldDesc name("Name", DBFieldTypes::eText);
+const DBFieldDesc start("Start", DBFieldTypes::eTimecode);
+const std::vector<DBFieldDesc> columns = {name, start};
 
 TEST(Appending, CopiesTheRecordsOfALikeDatabase) {
-    const auto target = makeDatabase(columns(), {{"a", "1"}});
-    const auto source = makeDatabase(columns(), {{"  b", "2"}, {"c", "3"}});
+    const auto target = makeDatabase(columns, {{"a", "1"}});
+    const auto source = makeDatabase(columns, {{"  b", "2"}, {"c", "3"}});
     source->set_all_tags(1);
     EXPECT_EQ(target->add_kesta(source.get()), 2);
     EXPECT_EQ(rowsOf(*target), (std::vector<Fields>{{"a", "1"}, {"  b", "2"}, {"c", "3"}}));
@@ -25,34 +25,28 @@ TEST(Appending, CopiesTheRecordsOfALikeDatabase) {
 }
 
 TEST(Appending, RefusesWhatIsNotAlike) {
-    const auto name = columns()[0];
-    const auto start = columns()[1];
-    const auto target = makeDatabase(columns(), {{"a", "1"}});
+    const auto target = makeDatabase(columns, {{"a", "1"}});
     const std::vector<DBFieldDesc> others[] = {
         {name, {"start", start.type}}, {name, {"Start", DBFieldTypes::eTimecodeS}}, {start, name}, {name}};
     for (const auto& other : others) EXPECT_EQ(target->add_kesta(makeDatabase(other, {{"b"}}).get()), -1);
     EXPECT_EQ(target->add_kesta(nullptr), -1);
-    EXPECT_EQ(target->add_kesta(makeDatabase(columns()).get()), 0);
+    EXPECT_EQ(target->add_kesta(makeDatabase(columns).get()), 0);
 
     const CapturedLog log;
     const TempFolder folder;
-    const auto older = loadDatabase(folder.with("older", R"("KESTA:Rev 0"
-"KESTA"
-"1","1"
-"text","timecode"
-"Name","Start"
-)"));
+    const auto older =
+        loadDatabase(folder.with("older", "KESTA:Rev 0\nKESTA\n1,1\ntext,timecode\nName,Start\n"));
     ASSERT_EQ(columnNames(*older), columnNames(*target));
     EXPECT_EQ(target->add_kesta(older.get()), -1);
 
     target->set_show_tags_only(1);
-    EXPECT_EQ(target->add_kesta(makeDatabase(columns(), {{"b", "2"}}).get()), -1);
+    EXPECT_EQ(target->add_kesta(makeDatabase(columns, {{"b", "2"}}).get()), -1);
     target->set_show_tags_only(0);
     EXPECT_EQ(columnOf(*target, 0), Fields{"a"});
 }
 
 TEST(Merging, ReadsItselfOnceAndMissingRowsAsEmptyRecords) {
-    const auto database = makeDatabase(columns(), {{"a", "1"}, {"b", "2"}});
+    const auto database = makeDatabase(columns, {{"a", "1"}, {"b", "2"}});
     database->insert_records(2, 2);
     EXPECT_EQ(database->add_kesta(database.get()), 4);
     ASSERT_EQ(columnOf(*database, 0), (Fields{"a", "b", "", "", "a", "b", "", ""}));
@@ -84,13 +78,7 @@ TEST(Merging, FillsColumnsOfTheSameNameOnly) {
 TEST(Merging, ConvertsTimecodesBetweenTheirTypes) {
     constexpr auto stored = DBFieldTypes::eTimecodeS;
     constexpr auto shown = DBFieldTypes::eTimecode;
-    struct Case {
-        DBFieldTypes::eType from;
-        const char* text;
-        DBFieldTypes::eType to;
-        const char* merged;
-    };
-    const Case cases[] = {
+    const std::tuple<DBFieldTypes::eType, const char*, DBFieldTypes::eType, const char*> cases[] = {
         {stored, "01000010;", shown, "01:00:00;10"},
         {shown, "01:00:00;10", stored, "01000010;"},
         {shown, "no code", stored, "no code"},
@@ -98,17 +86,16 @@ TEST(Merging, ConvertsTimecodesBetweenTheirTypes) {
         {stored, "01000010", DBFieldTypes::eText, "01000010"},
         {DBFieldTypes::eText, "01:00:00:10", stored, "01:00:00:10"},
     };
-    for (const Case& c : cases) {
-        const auto target = makeDatabase({{"Start", c.to}});
-        target->merge_all_matching(makeDatabase({{"Start", c.from}}, {{c.text}}).get());
-        EXPECT_EQ(target->getField(0, 0), c.merged) << c.text;
+    for (const auto& [from, text, to, merged] : cases) {
+        const auto target = makeDatabase({{"Start", to}});
+        target->merge_all_matching(makeDatabase({{"Start", from}}, {{text}}).get());
+        EXPECT_EQ(target->getField(0, 0), merged) << text;
     }
 }
 
 TEST(Merging, SeesTheRowsAndColumnsThatADerivedClassPresents) {
     // Presents one record, as often as its count says, and counts one less at every look.
-    class Derived : public kesta {
-     public:
+    struct Derived : kesta {
         using kesta::kesta;
         unsigned get_num_records() const override { return presenting ? rows-- : kesta::get_num_records(); }
         Zr::Ptr<dbrecord> get_record(unsigned) const override { return kesta::get_record(0); }
@@ -121,9 +108,9 @@ TEST(Merging, SeesTheRowsAndColumnsThatADerivedClassPresents) {
         mutable unsigned rows = 6;
         bool presenting = false;
     };
-    const Zr::Ptr<Derived> source(new Derived(columns()));
+    const Zr::Ptr<Derived> source(new Derived(columns));
     fill(*source, {{"own", "1"}});
-    const auto target = makeDatabase(columns());
+    const auto target = makeDatabase(columns);
     EXPECT_EQ(target->merge_all_matching(source.get()), 1);
     EXPECT_EQ(rowsOf(*target), (std::vector<Fields>{{"01000010", "01000010"}}));
 

@@ -19,6 +19,8 @@ struct Row {
     bool changed = false;
 };
 
+const Row noRow = {false, {}, 0, false};
+
 // The database, and what it should hold.
 class Operations {
  public:
@@ -38,33 +40,28 @@ class Operations {
     }
 
  private:
-    struct Operation {
-        const char* name;
-        void (Operations::*run)();
-    };
-
     void operate() {
-        static constexpr Operation all[] = {{"insert_records", &Operations::insertRecords},
-                                            {"add_records", &Operations::addRecords},
-                                            {"delete_records", &Operations::deleteRecords},
-                                            {"delete_tagged_records", &Operations::deleteTagged},
-                                            {"addField", &Operations::addField},
-                                            {"removeField", &Operations::removeField},
-                                            {"set_fieldname", &Operations::setFieldName},
-                                            {"set_tag", &Operations::setTag},
-                                            {"invert_tag", &Operations::invertTag},
-                                            {"set_all_tags", &Operations::setAllTags},
-                                            {"invert_all_tags", &Operations::invertAllTags},
-                                            {"set_field identifier", &Operations::setIdentifier},
-                                            {"addRecord", &Operations::addRecord},
-                                            {"getRowIndexByID", &Operations::findIdentifier},
-                                            {"clear_changed", &Operations::clearChanged},
-                                            {"set_show_tags_only", &Operations::showTagsOnly},
-                                            {"set_field", &Operations::storeText},
-                                            {"setField", &Operations::storeString}};
-        const Operation& operation = all[random(std::size(all))];
-        m_operation = operation.name;
-        (this->*operation.run)();
+        static constexpr std::pair<const char*, void (Operations::*)()> all[] = {
+            {"insert_records", &Operations::insertRecords},
+            {"add_records", &Operations::addRecords},
+            {"delete_records", &Operations::deleteRecords},
+            {"delete_tagged_records", &Operations::deleteTagged},
+            {"addField", &Operations::addField},
+            {"removeField", &Operations::removeField},
+            {"set_fieldname", &Operations::setFieldName},
+            {"set_tag", &Operations::setTag},
+            {"invert_tag", &Operations::invertTag},
+            {"set_all_tags", &Operations::setAllTags},
+            {"invert_all_tags", &Operations::invertAllTags},
+            {"set_field identifier", &Operations::setIdentifier},
+            {"addRecord", &Operations::addRecord},
+            {"getRowIndexByID", &Operations::findIdentifier},
+            {"clear_changed", &Operations::clearChanged},
+            {"set_show_tags_only", &Operations::showTagsOnly},
+            {"set_field or setField", &Operations::storeText}};
+        const auto& [name, operation] = all[random(std::size(all))];
+        m_operation = name;
+        (this->*operation)();
     }
 
     // --- Arguments; they are noted beside the operation's name ---
@@ -88,7 +85,7 @@ class Operations {
     }
 
     std::string anyText() {
-        static const char* const texts[] = {"", "a", "B", "  b", "ab", "A b ", "c", " \t"};
+        static const char* const texts[] = {"", "a", "B", "  b", "ab", "A b ", "c", "\xA0x", " \t\n\v\f\r "};
         return noted(std::string(texts[random(std::size(texts))]));
     }
 
@@ -99,7 +96,7 @@ class Operations {
         const unsigned count = number(4);
         m_database.insert_records(at, count);
         if (m_taggedOnly || at > m_rows.size()) return;
-        m_rows.insert(m_rows.begin() + at, count, Row{false, {}, 0, false});
+        m_rows.insert(m_rows.begin() + at, count, noRow);
         if (count != 0) m_rows[at] = newRow();  // deliberately the one record of the whole room
         m_index.clear();
     }
@@ -238,11 +235,9 @@ class Operations {
         m_database.set_show_tags_only(m_taggedOnly);
     }
 
-    void storeText() { storeBy(true); }
-    void storeString() { storeBy(false); }
-
     // Storing a text trims it and always marks the record; a string marks it when it differs.
-    void storeBy(bool asText) {
+    void storeText() {
+        const bool asText = number(2) == 0;
         const unsigned row = anyRow();
         const unsigned field = anyField();
         const std::string value = anyText();
@@ -304,17 +299,16 @@ class Operations {
     using State = std::vector<std::string>;
 
     State actualState() {
+        const kesta& database = m_database;
         State state = {
             stateOf(m_answer, m_database.get_changed(), m_database.get_num_tags(), m_heard.texts())};
-        for (unsigned field = 0; field < m_database.get_num_fields(); ++field) {
-            state.push_back(
-                columnState(m_database.get_fieldname(field), m_database.isSpecialLabelField(field)));
+        for (unsigned field = 0; field < database.get_num_fields(); ++field) {
+            state.push_back(columnState(database.get_fieldname(field), database.isSpecialLabelField(field)));
         }
-        for (unsigned row = 0; row < m_database.get_num_records(); ++row) {
-            const Zr::Ptr<dbrecord> record = m_database.get_record(row);
-            state.push_back(
-                rowState(record ? Row{true, fieldsOf(*record), record->get_tag(), record->get_changed()}
-                                : Row{false, {}, 0, false}));
+        for (unsigned row = 0; row < database.get_num_records(); ++row) {
+            const Zr::Ptr<dbrecord> record = database.get_record(row);
+            state.push_back(rowState(
+                record ? Row{true, fieldsOf(*record), record->get_tag(), record->get_changed()} : noRow));
         }
         return state;
     }

@@ -17,9 +17,7 @@ LineModel::Line readLine(const std::string& line) {
 
 std::string writeLine(const Fields& fields) {
     Lines file;
-    dbrecord record(static_cast<unsigned short>(fields.size()));
-    for (unsigned short i = 0; i < fields.size(); ++i) record.setField(i, text(fields[i]));
-    record.write(file);
+    makeRecord(fields)->write(file);
     return file.size() == 1 ? str(file[0]) : "no line";
 }
 
@@ -90,7 +88,8 @@ TEST(RecordLines, AgreeWithTheModelOnRandomBytes) {
         ASSERT_EQ(read.count, expected.count) << "line " << i;
         ASSERT_TRUE(same(read.fields, expected.fields)) << "line " << i;
 
-        const Fields fields = {line.substr(0, i % 70), line.substr(line.size() / 2)};
+        Fields fields = {line.substr(0, i % 70), line.substr(line.size() / 2), ""};
+        fields.resize(random() % 4);
         ASSERT_TRUE(same(writeLine(fields), LineModel::writeLine(fields))) << "line " << i;
     }
 }
@@ -122,10 +121,4 @@ TEST(RecordLineReading, TakesOneLineAtATimeAndMarksTheRecordChangedUnlessTheLine
     EXPECT_EQ(record->get_tag(), 7);
     EXPECT_EQ(record->get_container(), database.get());
     EXPECT_EQ(record->read(file) + record->get_num_fields(), 0) << "there are no more lines";
-}
-
-TEST(RecordLineWriting, QuotesEveryFieldAndEscapesOnlyQuotesAndLineFeeds) {
-    EXPECT_EQ(writeLine({"Reel 1", "", R"(say "hi")"}), R"("Reel 1","","say ""hi""")");
-    EXPECT_EQ(writeLine({}), "");
-    EXPECT_EQ(writeLine({" a\rb\r", "\n", "\\n"}), R"(" ab","\n","\n")");
 }
