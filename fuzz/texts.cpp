@@ -1,102 +1,20 @@
 // Texts in memory. Strings that share what they hold do what plain ones do; a text file is saved the same
 // whether its lines go to the disk as they come or at the end, and loads again. The first byte says which.
-#include <algorithm>
-#include <array>
-#include <utility>
 #include <vector>
 
 #include "fuzz/Fuzz.h"
 #include "support/TextFile.h"
+#include "tests/support/StringsModel.h"
 
 namespace {
 
-/// Strings and what they hold.
-class Strings {
- public:
-    explicit Strings(Fuzz::Input& input) : m_input(input) {}
-
-    void run() {
-        while (!m_input.empty()) {
-            step();
-            check();
-        }
-    }
-
- private:
-    std::size_t place() { return m_input.below(static_cast<unsigned>(m_strings.size())); }
-
-    void step() {
-        const std::size_t i = place();
-        const std::size_t j = place();
-        switch (m_input.below(8)) {
-            case 0:
-                m_plain[i] = m_input.take(m_input.byte());
-                m_strings[i] = Fuzz::Text(m_plain[i]);
-                break;
-            case 1:
-                m_plain[i] = m_plain[j];
-                m_strings[i] = m_strings[j];
-                break;
-            case 2:
-                if (m_plain[i].size() + m_plain[j].size() > mostBytes) break;
-                m_plain[i] += m_plain[j];
-                m_strings[i] += m_strings[j];
-                break;
-            case 3:
-                if (char* const text = m_strings[i].writableText()) m_plain[i][0] = text[0] = '#';
-                break;
-            case 4: {
-                const unsigned length = m_input.byte();
-                m_strings[i].resizeFor(length);
-                m_plain[i] = m_plain[i].substr(0, length);
-                break;
-            }
-            case 5:
-                // A text's end, which lies in its own memory.
-                m_strings[i].append(m_strings[i].view().substr(m_plain[i].size() / 2));
-                m_plain[i] += m_plain[i].substr(m_plain[i].size() / 2);
-                if (m_plain[i].size() > mostBytes) m_strings[i] = {}, m_plain[i].clear();
-                break;
-            case 6:
-                m_plain[i] = (m_plain[j] + m_input.text()).substr(0, m_plain[j].size() + 1);
-                m_strings[i] = Fuzz::Text(m_plain[i]);
-                break;
-            default:
-                makeInOneBlock(i, j);
-        }
-    }
-
-    void makeInOneBlock(std::size_t i, std::size_t j) {
-        const std::string first = m_input.text() + '.';
-        const std::string second = m_input.text() + '.';
-        const std::size_t sizes[] = {Fuzz::Text::sizeInBlock(first), Fuzz::Text::sizeInBlock(second)};
-        Zr::SharedBlock* const block = Zr::SharedBlock::make(sizes[0] + sizes[1], 2);
-        m_strings[i] = Fuzz::Text::makeInBlock(*block, block->room(), first);
-        m_strings[j] = Fuzz::Text::makeInBlock(*block, block->room() + sizes[0], second);
-        m_plain[i] = first;
-        m_plain[j] = second;
-    }
-
-    void check() const {
-        for (std::size_t i = 0; i < m_strings.size(); ++i) {
-            Fuzz::promise(m_strings[i].view() == m_plain[i]);
-            Fuzz::promise(m_strings[i].c_str()[m_plain[i].size()] == '\0');
-            Fuzz::promise((m_strings[i] == m_strings[0]) == (m_plain[i] == m_plain[0]));
-        }
-    }
-
-    static constexpr std::size_t mostBytes = 1000;
-
-    Fuzz::Input& m_input;
-    std::array<Fuzz::Text, 6> m_strings;
-    std::array<std::string, 6> m_plain;
-};
-
 void strings(Fuzz::Input& input) {
-    Strings(input).run();
+    StringsModel model(input);
+    while (!input.empty()) {
+        model.step();
+        Fuzz::promise(model.holds());
+    }
 }
-
-// --- Files ---
 
 /// Of one line, without the mark that begins some files.
 std::string lineText(Fuzz::Input& input) {

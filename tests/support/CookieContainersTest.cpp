@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <climits>
+#include <random>
 #include <string>
 
 #include "support/CookieContainers.h"
@@ -19,78 +20,67 @@ CookieSet setOf(int count) {
     return set;
 }
 
-CookieVec entriesOf(const Array& array) {
-    return CookieVec(array.begin(), array.end());
-}
-
 }  // namespace
 
-TEST(Array, InternsEachIdentifierOnceWhereverOtherOperationsPlacedIt) {
-    Array array;
-    const Cookie one = clip(1);
-    const Cookie two = clip(2);
-    const Cookie three = clip(3);
-    unsigned index = 99;
-    // Whether it is new, and where it is.
-    const auto interned = [&](const Cookie* cookie) {
-        const bool isNew = array.intern(cookie, index);
-        return std::pair(isNew, index);
-    };
-    EXPECT_EQ(interned(&one), std::pair(true, 0U));
-    array.appendDatum(&two);
-    EXPECT_EQ(interned(&two), std::pair(false, 1U));
-    array.insertDatum(&three, 0);
-    EXPECT_EQ(entriesOf(array), (CookieVec{three, one, two}));
-    EXPECT_EQ(interned(&two), std::pair(false, 2U));
-    array.replaceDatum(0, &two);
-    EXPECT_EQ(interned(&two), std::pair(false, 0U)) << "of equal entries, the first";
-    EXPECT_EQ(interned(&three), std::pair(true, 3U));
-    array.sort();
-    EXPECT_TRUE(std::is_sorted(array.begin(), array.end()));
-    EXPECT_FALSE(interned(&three).first);
-    EXPECT_EQ(array[index], three);
-    EXPECT_EQ(interned(nullptr), std::pair(false, Array::notFound));
-
-    array.init();
-    EXPECT_EQ(array.find(one), Array::notFound);
-    EXPECT_EQ(interned(&two), std::pair(true, 0U));
-}
-
-TEST(Array, TakesItsOwnEntriesAndIgnoresBadArguments) {
-    Array array;
-    const Cookie first = clip(0);
-    array.insertDatum(&first, 1000);
-    for (int i = 0; i < 100; ++i) {
-        array.appendDatum(array.begin());
-        array.insertDatum(array.begin(), 0);
-        unsigned index = 99;
-        EXPECT_FALSE(array.intern(array.end() - 1, index));
-        EXPECT_EQ(index, 0u);
+TEST(Array, DoesWhatAPlainListDoesAndIgnoresBadArguments) {
+    std::mt19937 random(1);
+    const auto below = [&](std::size_t bound) { return static_cast<unsigned>(random() % bound); };
+    for (int sequence = 0; sequence < 500; ++sequence) {
+        Array array;
+        CookieVec list;
+        for (int step = 0; step < 60; ++step) {
+            const unsigned index = below(list.size() + 2);
+            const Cookie other = clip(static_cast<int>(below(20)));
+            const Cookie* const datum = index < list.size() && below(3) == 0 ? &array[index] : &other;
+            const Cookie value = *datum;
+            const auto same = std::find(list.begin(), list.end(), value);
+            const auto at = static_cast<unsigned>(same - list.begin());
+            unsigned found = 99;
+            switch (below(5)) {
+                case 0:
+                    array.appendDatum(datum);
+                    list.push_back(value);
+                    break;
+                case 1:
+                    array.insertDatum(datum, index);
+                    list.insert(list.begin() + std::min<std::ptrdiff_t>(index, list.end() - list.begin()),
+                                value);
+                    break;
+                case 2:
+                    array.replaceDatum(index, datum);
+                    if (index < list.size()) list[index] = value;
+                    break;
+                case 3:
+                    ASSERT_EQ(array.intern(datum, found), same == list.end());
+                    ASSERT_EQ(found, at) << "of equal entries, the first";
+                    if (same == list.end()) list.push_back(value);
+                    break;
+                default:
+                    ASSERT_EQ(array.find(value), same == list.end() ? Array::notFound : at);
+                    if (below(20) == 0) array.init(), list.clear();
+                    if (below(10) == 0) array.sort(), std::sort(list.begin(), list.end());
+            }
+            array.appendDatum(nullptr);
+            array.insertDatum(nullptr, 0);
+            array.replaceDatum(0, nullptr);
+            ASSERT_FALSE(array.intern(nullptr, found));
+            ASSERT_EQ(found, Array::notFound);
+            ASSERT_EQ(CookieVec(array.begin(), array.end()), list) << sequence << ", step " << step;
+            ASSERT_TRUE(array[array.size()].isNull());
+        }
     }
-    EXPECT_EQ(entriesOf(array), CookieVec(201, first));
-
-    array.appendDatum(nullptr);
-    array.insertDatum(nullptr, 0);
-    array.replaceDatum(0, nullptr);
-    const Cookie other = clip(1);
-    array.replaceDatum(201, &other);
-    EXPECT_EQ(entriesOf(array), CookieVec(201, first));
-    EXPECT_TRUE(array[201].isNull());
 }
 
 TEST(Array, PrintsTextFormsWithASpaceBetween) {
     Array array;
-    GrowString nothing;
-    array.printOn(nothing);
-    EXPECT_STREQ(nothing, "");
-
     const Cookie one = Cookie("M0000000000000000000000000000000001", false);
-    const Cookie two = Cookie("B0000000000000000000000000000000002", false);
-    array.appendDatum(&one);
-    array.appendDatum(&two);
-    GrowString text;
-    array.printOn(text);
-    EXPECT_STREQ(text, "M0000000000000000000000000000000001 B0000000000000000000000000000000002");
+    for (const char* expected : {"", "M0000000000000000000000000000000001",
+                                 "M0000000000000000000000000000000001 M0000000000000000000000000000000001"}) {
+        GrowString text;
+        array.printOn(text);
+        EXPECT_STREQ(text, expected);
+        array.appendDatum(&one);
+    }
 }
 
 TEST(CookieSet, KeepsDistinctIdentifiersInTheOrderTheyCame) {
@@ -101,14 +91,11 @@ TEST(CookieSet, KeepsDistinctIdentifiersInTheOrderTheyCame) {
     int next = count;
     for (const Cookie& cookie : set) ASSERT_EQ(cookie, clip(--next));
     EXPECT_EQ(next, 0);
-    EXPECT_EQ(set[0], clip(count - 1));
     EXPECT_TRUE(set.contains(clip(7)));
     EXPECT_FALSE(set.contains(clip(count)));
-
     for (const int outside : {-1, count, INT_MIN, INT_MAX}) EXPECT_TRUE(set[outside].isNull()) << outside;
     EXPECT_TRUE(CookieSet()[0].isNull());
     EXPECT_FALSE(CookieSet().contains(Cookie()));
-    EXPECT_EQ(CookieSet().begin(), CookieSet().end());
 }
 
 TEST(CookieSet, CopiesNeverSeeEachOthersChanges) {
@@ -118,8 +105,6 @@ TEST(CookieSet, CopiesNeverSeeEachOthersChanges) {
     EXPECT_EQ(copy.begin(), set.begin()) << "shared until one changes";
     EXPECT_TRUE(copy.add(clip(3)));
     EXPECT_EQ(set.size(), 3u);
-    EXPECT_EQ(copy.size(), 4u);
-
     CookieSet own = copy;
     copy.purge();
     EXPECT_TRUE(copy.empty());

@@ -33,6 +33,10 @@ class NotifierTest : public ::testing::Test {
         };
     }
 
+    GuardPtr listen(char name, std::function<void()> act = {}, int type = deleted) {
+        return notifier->registerNotification(type, noting(name, std::move(act)));
+    }
+
     std::string heardAfterIssue(int type = deleted) {
         heard.clear();
         notifier->issueNotification(message, type);
@@ -58,22 +62,20 @@ class NotingClient : public Notifier::Client {
 }  // namespace
 
 TEST_F(NotifierTest, DeliversByTypeInOrderOfRegistrationUntilTheLastGuardGoes) {
-    const GuardPtr a = notifier->registerNotification(deleted, noting('a'));
-    const GuardPtr b = notifier->registerNotification(changed, noting('b'));
-    GuardPtr c = notifier->registerNotification(deleted, noting('c'));
-    GuardPtr d = notifier->registerNotification(deleted, noting('d'));
+    const GuardPtr a = listen('a');
+    const GuardPtr b = listen('b', {}, changed);
+    GuardPtr c = listen('c');
+    GuardPtr d = listen('d');
     EXPECT_EQ(heardAfterIssue(deleted), "acd");
     EXPECT_EQ(heardAfterIssue(changed), "b");
     EXPECT_EQ(heardAfterIssue(0), "");
-    EXPECT_FALSE(notifier->hasListeners(0));
-
     const GuardPtr again = c;
     c.reset();
     EXPECT_EQ(heardAfterIssue(), "acd");
     const GuardPtr left = d;
     notifier->deregisterNotification(d);
     EXPECT_FALSE(d);
-    d = notifier->registerNotification(deleted, noting('e'));
+    d = listen('e');
     EXPECT_EQ(heardAfterIssue(), "ace") << "although a copy of the guard is left";
 
     // Foreign and null guards are only emptied.
@@ -107,14 +109,14 @@ TEST_F(NotifierTest, ClientsListenToSeveralTypesUntilTheirStampIsDeregistered) {
 TEST_F(NotifierTest, ListenersRegisteredDuringADeliveryWaitForTheNext) {
     std::vector<GuardPtr> late;
     const auto registerAnother = [&] {
-        if (late.size() < 2) late.push_back(notifier->registerNotification(deleted, noting('b')));
+        if (late.size() < 2) late.push_back(listen('b'));
     };
     const auto issueAnother = [&] {
         if (heard.size() < 3) notifier->issueNotification(message, changed);
     };
-    const GuardPtr nested = notifier->registerNotification(changed, noting('-', issueAnother));
+    const GuardPtr nested = listen('-', issueAnother, changed);
     EXPECT_EQ(heardAfterIssue(changed), "---") << "messages nest";
-    const GuardPtr guard = notifier->registerNotification(deleted, noting('a', registerAnother));
+    const GuardPtr guard = listen('a', registerAnother);
     EXPECT_EQ(heardAfterIssue(), "a");
     EXPECT_EQ(heardAfterIssue(), "ab");
     EXPECT_EQ(heardAfterIssue(), "abb");
@@ -122,16 +124,27 @@ TEST_F(NotifierTest, ListenersRegisteredDuringADeliveryWaitForTheNext) {
 
 TEST_F(NotifierTest, ListenersDeregisteredDuringADeliveryAreNotReached) {
     GuardPtr a, b, c;
-    const auto endBoth = [&] {
-        a.reset();
-        c.reset();
-    };
     a = notifier->registerNotification(deleted, noting('a', [&] { b.reset(); }));
-    b = notifier->registerNotification(deleted, noting('b'));
-    c = notifier->registerNotification(deleted, noting('c', endBoth));
-    const GuardPtr d = notifier->registerNotification(deleted, noting('d'));
+    b = listen('b');
+    c = listen('c', [&] { a.reset(), c.reset(); });
+    const GuardPtr d = listen('d');
     EXPECT_EQ(heardAfterIssue(), "acd");
     EXPECT_EQ(heardAfterIssue(), "d");
+}
+
+TEST_F(NotifierTest, TheNotifierMayBeDestroyedDuringADelivery) {
+    GuardPtr a = listen('a');
+    GuardPtr b = notifier->registerNotification(deleted, noting('b', [&] { notifier.reset(); }));
+    GuardPtr c = listen('c');
+    notifier->issueNotification(message, deleted);
+    EXPECT_EQ(heard, "ab");
+    a.reset();
+
+    Notifier other;
+    const GuardPtr d = other.registerNotification(deleted, noting('d'));
+    other.deregisterNotification(b);
+    c.reset();
+    EXPECT_TRUE(other.hasListeners(deleted));
 }
 
 TEST_F(NotifierTest, ACallbackThatEndsItselfLivesUntilItReturns) {
@@ -146,32 +159,16 @@ TEST_F(NotifierTest, ACallbackThatEndsItselfLivesUntilItReturns) {
     EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(NotifierTest, TheNotifierMayBeDestroyedDuringADelivery) {
-    GuardPtr a = notifier->registerNotification(deleted, noting('a'));
-    GuardPtr b = notifier->registerNotification(deleted, noting('b', [&] { notifier.reset(); }));
-    GuardPtr c = notifier->registerNotification(deleted, noting('c'));
-    notifier->issueNotification(message, deleted);
-    EXPECT_EQ(heard, "ab");
-    a.reset();
-
-    Notifier other;
-    const GuardPtr d = other.registerNotification(deleted, noting('d'));
-    other.deregisterNotification(b);
-    c.reset();
-    EXPECT_TRUE(other.hasListeners(deleted));
-}
-
 TEST_F(NotifierTest, CallbacksMayOwnGuardsOfTheirNotifier) {
     auto owner = std::make_shared<std::vector<GuardPtr>>();
     NotingClient client(heard);
     for (int i = 0; i < 3; ++i) {
-        Notifier::Callback callback = [owner](const NotifyMsg&) { return static_cast<int>(owner->size()); };
-        owner->push_back(notifier->registerNotification(deleted, callback));
+        owner->push_back(listen('a', [owner] {}));
         owner->push_back(notifier->registerNotification(deleted, &client));
     }
     const std::weak_ptr<std::vector<GuardPtr>> watched = owner;
     notifier->deregisterNotification(client.id());
-    EXPECT_EQ(heardAfterIssue(), "");
+    EXPECT_EQ(heardAfterIssue(), "aaa");
     owner.reset();
     notifier.reset();
     EXPECT_TRUE(watched.expired());
@@ -179,9 +176,9 @@ TEST_F(NotifierTest, CallbacksMayOwnGuardsOfTheirNotifier) {
 
 TEST_F(NotifierTest, WhatAListenerThrowsIsPassedOnAndKeepsNoOtherFromHearing) {
     const auto fail = [] { throw Zr::Exception::BadAlloc(); };
-    const GuardPtr a = notifier->registerNotification(deleted, noting('a'));
-    GuardPtr b = notifier->registerNotification(deleted, noting('b', fail));
-    const GuardPtr c = notifier->registerNotification(deleted, noting('c'));
+    const GuardPtr a = listen('a');
+    GuardPtr b = listen('b', fail);
+    const GuardPtr c = listen('c');
     EXPECT_THROW(notifier->issueNotification(message, deleted), Zr::Exception::BadAlloc);
     EXPECT_EQ(heard, "abc");
     b.reset();
@@ -190,7 +187,7 @@ TEST_F(NotifierTest, WhatAListenerThrowsIsPassedOnAndKeepsNoOtherFromHearing) {
 
 TEST_F(NotifierTest, DeliveryNeedsNoMemoryAndRegistrationFailsCleanly) {
     GuardPtr guard;
-    TestSupport::failEachRequest([&] { guard = notifier->registerNotification(deleted, noting('a')); },
+    TestSupport::failEachRequest([&] { guard = listen('a'); },
                                  [&] { EXPECT_FALSE(notifier->hasListeners(deleted)); });
     const TestSupport::CountingAllocator memory;
     EXPECT_EQ(heardAfterIssue(), "a");

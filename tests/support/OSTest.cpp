@@ -11,6 +11,7 @@
 
 using namespace TestSupport;
 
+namespace fs = std::filesystem;
 using Files = TempFolderTest;
 
 // Sanitizers end the process when malloc is asked for more than there can be, unless they are told to answer
@@ -41,16 +42,17 @@ TEST(Allocator, LibrariesKeepTheirMemoryOperatorsToThemselves) {
     for (const char* symbol : {"_Znwm", "_Znam", "_ZdlPv", "_ZdlPvm", "_ZnwmRKSt9nothrow_t"}) {
         Dl_info owner{};
         ASSERT_NE(dladdr(dlsym(RTLD_DEFAULT, symbol), &owner), 0);
-        const std::string file = std::filesystem::path(owner.dli_fname).filename();
+        const std::string file = fs::path(owner.dli_fname).filename();
         for (const char* library : {"libOS.", "libzr.", "libmisc.", "libkesta."}) {
             EXPECT_NE(file.rfind(library, 0), 0u) << symbol << " comes from " << file;
         }
     }
 }
 
-TEST_F(Files, AMoveThatFailsLeavesBothNames) {
-    const WideText from = wide(folder.with("source", "source text"));
-    const WideText to = wide(folder.with("target", "target text"));
+TEST_F(Files, MoveReplacesTheTargetOrLeavesBothNamesWhichMayBeAnyBytes) {
+    const fs::path source = folder.with("\xED\xB2\x80\xFFreel", "source text");
+    const WideText from = wide(source);
+    const WideText to = wide(folder.with("\xC3\xA9", "target text"));
     const WideText cutShort = to + WideText(L"\0x", 2);  // the system would take it for another file's name
     const std::pair<WideText, WideText> moves[] = {{wide(folder / "missing"), to},
                                                    {from, wide(folder / "no folder" / "target")},
@@ -58,22 +60,14 @@ TEST_F(Files, AMoveThatFailsLeavesBothNames) {
                                                    {from, WideText()},
                                                    {WideText(), to},
                                                    {from, cutShort}};
-    for (const auto& [source, target] : moves) EXPECT_FALSE(OS()->fileSystem()->move(source, target, 0));
-    EXPECT_FALSE(fileExists(cutShort));
-    EXPECT_EQ(readFile(folder / "source"), "source text");
-    EXPECT_EQ(readFile(folder / "target"), "target text");
-}
+    for (const auto& [old, target] : moves) EXPECT_FALSE(OS()->fileSystem()->move(old, target, 0));
+    EXPECT_EQ(readFile(source), "source text");
+    EXPECT_EQ(readFile(folder / "\xC3\xA9"), "target text");
+    EXPECT_TRUE(OS()->fileSystem()->move(from, to, 0));
+    EXPECT_EQ(readFile(folder / "\xC3\xA9"), "source text");
 
-TEST_F(Files, NamesMayBeAnyBytes) {
-    for (const char* name : {"\xC3\xA9", "\xFFreel", "\xED\xB2\x80"}) {
-        const auto file = folder.with(name, "text");
-        EXPECT_TRUE(fileExists(wide(file)));
-        EXPECT_TRUE(OS()->fileSystem()->move(wide(file), wide(folder.with("plain", "old text")), 0));
-        EXPECT_FALSE(fileExists(wide(file)));
-        EXPECT_EQ(readFile(folder / "plain"), "text") << "it replaces the target";
-    }
-    EXPECT_TRUE(fileExists(wide(folder.path())));
-    EXPECT_FALSE(fileExists(WideText()));
+    for (const WideText& missing : {from, cutShort, WideText()}) EXPECT_FALSE(fileExists(missing));
+    for (const WideText& there : {to, wide(folder.path())}) EXPECT_TRUE(fileExists(there));
 }
 
 TEST(Log, MessagesReachStandardErrorOrTheSinkInOnePieceAlsoWithoutMemory) {
@@ -86,9 +80,8 @@ TEST(Log, MessagesReachStandardErrorOrTheSinkInOnePieceAlsoWithoutMemory) {
     dorp_printf("row %d of %s\n", 7, "reel");
     LogBoth("%s\n", longText.c_str());
     kes_splat("100%s\n");
-    dorp_printf("%s", "");
     kes_splat(nullptr);
-    EXPECT_EQ(log.messages(), (std::vector<std::string>{"row 7 of reel\n", longText + "\n", "100%s\n", ""}));
+    EXPECT_EQ(log.messages(), (Fields{"row 7 of reel\n", longText + "\n", "100%s\n"}));
 
     CountingAllocator memory;
     memory.failAt(1, true);

@@ -1,8 +1,6 @@
 // Text files: how bytes become lines and lines become files, and that no file is ever damaged.
-#include <fcntl.h>
 #include <random>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "support/TextFile.h"
 #include "tests/TestSupport.h"
@@ -45,12 +43,6 @@ class TextFiles : public TempFolderTest {
     }
 };
 
-mode_t permissionsOf(const fs::path& path) {
-    struct stat status {};
-    EXPECT_EQ(stat(path.c_str(), &status), 0);
-    return status.st_mode & 07777;
-}
-
 }  // namespace
 
 TEST_F(TextFiles, LinesEndAtLineFeedsWithOrWithoutCarriageReturns) {
@@ -86,11 +78,10 @@ TEST_F(TextFiles, LongFilesAndLongLinesComeThroughWhole) {
     while (lines.size() < 30000) lines.emplace_back(random() % 150, static_cast<char>('a' + random() % 26));
     std::string content;
     for (const std::string& line : lines) content += line + "\r\n";
-    EXPECT_TRUE(linesOf(content.substr(0, content.size() - 2)) == lines);
     Lines loaded;
     ASSERT_TRUE(loaded.load(wide(folder.with("in", content)), '\n', false));
-    EXPECT_TRUE(loaded.all() == lines);
-    EXPECT_TRUE(linesByCursor(content) == lines);
+    EXPECT_TRUE(same(loaded.all(), lines));
+    EXPECT_TRUE(same(linesByCursor(content), lines));
     EXPECT_TRUE(saved(loaded, TextFile::eCRLF) == content);
     EXPECT_TRUE(saved(Lines(lines), TextFile::eCRLF) == content);
 
@@ -131,27 +122,19 @@ TEST_F(TextFiles, LoadingReplacesLinesAndAppendingFollowsThem) {
     EXPECT_TRUE(file[6].empty());
     EXPECT_TRUE(file[0xFFFFFFFF].empty());
     EXPECT_EQ(file.lineView(3), "def");
-    EXPECT_EQ(saved(file), bytes("a\nb\nc\ndef\n\ng\0\n\n"));
     EXPECT_EQ(saved(file, TextFile::eCRLF), bytes("a\r\nb\r\nc\r\ndef\r\n\r\ng\0\n\r\n"));
     EXPECT_EQ(saved(TextFile()), "");
-}
-
-TEST_F(TextFiles, NamesAreUTF8OrAnyOtherBytes) {
-    for (const char* const name : {"Caf\xC3\xA9 \xE6\x97\xA5 \xF0\x9F\x8E\xAC", "Caf\xE9"}) {
-        EXPECT_TRUE(Lines({"x"}).save(wide(folder / name), TextFile::eLF));
-        EXPECT_EQ(readFile(folder / name), "x\n");
-    }
 }
 
 TEST_F(TextFiles, SavingKeepsPermissionsAndGivesNewFilesTheUsualOnes) {
     const mode_t mask = umask(027);
     saved(Lines({"x"}));
     umask(mask);
-    EXPECT_EQ(permissionsOf(folder / "out"), 0640U);
+    EXPECT_EQ(fs::status(folder / "out").permissions(), fs::perms(0640));
     for (const mode_t permissions : {0600U, 0664U, 0777U, 0604U}) {
-        ASSERT_EQ(chmod((folder / "out").c_str(), permissions), 0);
+        fs::permissions(folder / "out", fs::perms(permissions));
         saved(Lines({"y"}));
-        EXPECT_EQ(permissionsOf(folder / "out"), permissions);
+        EXPECT_EQ(fs::status(folder / "out").permissions(), fs::perms(permissions));
     }
 }
 
@@ -166,8 +149,6 @@ TEST_F(TextFiles, SavingFollowsSymbolicLinks) {
     }
     EXPECT_TRUE(fs::is_symlink(folder / "out"));
     EXPECT_TRUE(fs::is_symlink(away / "link"));
-    EXPECT_FALSE(fs::is_symlink(away / "file"));
-
     fs::create_symlink(folder / "round", folder / "about");
     fs::create_symlink(folder / "about", folder / "round");
     EXPECT_FALSE(Lines({"x"}).save(wide(folder / "round"), TextFile::eLF));
@@ -187,65 +168,53 @@ TEST_F(TextFiles, FailureLeavesEverythingAsItWas) {
 }
 
 TEST_F(TextFiles, ASaveThatIsBegunTakesLinesAsTheyComeAndReplacesTheFileAtItsEnd) {
-    const auto fill = [](TextFile& file, const std::string& line) {
-        for (int i = 0; i < 300; ++i) file.appendLine(text(line));
+    const auto fill = [](TextFile& file) {
+        for (int i = 0; i < 300; ++i) file.appendLine(text(std::string(1000, 'x')));
         file.appendLine(text(std::string(200000, 'l')));  // longer than a block
-        file.appendLine(text(line));
+        file.appendLine("last");
     };
-    const fs::path out = folder.with("out", "old\n");
+    const fs::path out = folder.with("begun", "old\n");
     for (const auto style : {TextFile::eLF, TextFile::eCRLF}) {
+        const std::string before = readFile(out);
         TextFile whole;
         TextFile begun;
         whole.appendLine("header");
         begun.appendLine("header");
         begun.beginSave(wide(out), style);
-        const std::string before = readFile(out);
-        fill(whole, std::string(1000, 'x'));
-        fill(begun, std::string(1000, 'x'));
+        fill(whole);
+        fill(begun);
         EXPECT_EQ(begun.size(), whole.size());
         EXPECT_TRUE(begun[0].empty() && begun[begun.size() - 1].empty()) << "its lines are forgotten";
-        EXPECT_EQ(readFile(out), before);
+        EXPECT_TRUE(readFile(out) == before);
         EXPECT_FALSE(begun.save(wide(folder / "other"), style)) << "begun under another name";
         EXPECT_TRUE(begun.save(wide(out), style));
-        const std::string written = readFile(out);
-        EXPECT_TRUE(written == saved(whole, style));
+        EXPECT_TRUE(readFile(out) == saved(whole, style));
         EXPECT_FALSE(begun.save(wide(out), style)) << "once";
-
-        fs::remove(out);
-        TextFile hopeless;
-        hopeless.beginSave(wide(out), style);
-        fill(hopeless, "z");
-        fs::create_directory(out);  // a file cannot take its name now
-        EXPECT_FALSE(hopeless.save(wide(out), style));
-        EXPECT_EQ(folder.names(), (Strings{"out"})) << "the temporary file is gone with the answer";
-        fs::remove(out);
-        writeFile(out, written);
     }
-    {
+    fs::create_directory(folder / "taken");
+    for (const auto& [name, error] :
+         {std::pair(folder / "taken", EISDIR), {folder / "missing" / "x", ENOENT}}) {
+        TextFile hopeless;
         TextFile abandoned;
+        hopeless.beginSave(wide(name), TextFile::eLF);
         abandoned.beginSave(wide(out), TextFile::eLF);
-        fill(abandoned, "y");
-        TextFile nowhere;
-        nowhere.beginSave(wide(folder / "missing" / "file"), TextFile::eLF);
-        fill(nowhere, "y");
+        fill(hopeless);
+        fill(abandoned);
         errno = 0;
-        EXPECT_FALSE(nowhere.save(wide(folder / "missing" / "file"), TextFile::eLF));
-        EXPECT_EQ(errno, ENOENT);
+        EXPECT_FALSE(hopeless.save(wide(name), TextFile::eLF));
+        EXPECT_EQ(errno, error);
     }
     EXPECT_EQ(readFile(out).substr(0, 7), "header\r");
-    EXPECT_EQ(folder.names(), (Strings{"out"}));
+    EXPECT_EQ(folder.names(), (Strings{"begun", "out", "taken"})) << "no temporary file is left";
 }
 
 TEST_F(TextFiles, APipeIsWrittenToAndNotReplaced) {
     const fs::path pipe = folder / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    const int reader = open(pipe.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
-    ASSERT_GE(reader, 0);
+    std::fstream reader(pipe);  // read and write, so that neither end waits
     EXPECT_TRUE(Lines({"through"}).save(wide(pipe), TextFile::eLF));
-    char buffer[20] = {};
-    EXPECT_EQ(read(reader, buffer, sizeof buffer), 8);
-    EXPECT_STREQ(buffer, "through\n");
-    close(reader);
+    std::string line;
+    EXPECT_EQ(std::getline(reader, line) ? line : "nothing", "through");
     EXPECT_TRUE(fs::is_fifo(pipe));
     EXPECT_EQ(folder.names(), (Strings{"pipe"}));
 }
