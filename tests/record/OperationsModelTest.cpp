@@ -197,10 +197,12 @@ class Operations {
         const std::string id = anyText();
         const unsigned field = fieldOf("cookie");
         Row* const found = field == none ? nullptr : shownRow(row);
-        answers(m_database.set_field(row, Cookie(id.c_str(), false)), found != nullptr);
-        if (!found) return;
+        const bool stored = m_database.set_field(row, Cookie(id.c_str(), false));
+        if (!found) return answers(stored, false);
         store(*found, field, idText(id));
         m_index[idText(id)] = row;  // even into an index that was never built
+        answers(std::pair(stored, m_database.getRowIndexByID(Cookie(id.c_str(), false))),
+                std::pair(true, row));
     }
 
     void addRecord() {
