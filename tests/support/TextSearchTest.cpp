@@ -1,19 +1,16 @@
 // Text matching, against a slow and obvious model of it.
-#include <gtest/gtest.h>
 #include <memory>
 #include <random>
-#include <string>
-#include <string_view>
 
 #include "support/TextSearch.h"
+#include "tests/TestSupport.h"
 
-namespace {
-
+using namespace TestSupport;
 using TextSearch::Criteria;
 using TextSearch::Criterion;
 using TextSearch::eMatchMethod;
 
-using Text = LightweightString<char>;
+namespace {
 
 std::string canonical(std::string_view text, unsigned options) {
     std::string result(text);
@@ -39,50 +36,38 @@ bool contains(std::string_view text, std::string_view query) {
     return Criterion(Text(query), TextSearch::eContains).matches(text, 0);
 }
 
-/// Random texts, of few characters so that much matches.
-class Texts {
- public:
-    std::string make(std::size_t length) {
-        constexpr std::string_view characters("aAbB;:.,\0\xC1\xE1@[`{zZ", 18);
-        const std::size_t kinds = number(1, characters.size());
-        std::string text;
-        while (text.size() < length) text += characters[number(0, kinds - 1)];
-        return text;
-    }
-
-    std::size_t number(std::size_t lowest, std::size_t highest) {
-        return std::uniform_int_distribution<std::size_t>(lowest, highest)(m_random);
-    }
-
- private:
-    std::mt19937 m_random{20240229};
-};
-
 }  // namespace
 
 TEST(TextSearch, AgreesWithTheModelOnRandomTexts) {
-    Texts texts;
+    std::mt19937 random(1);
+    const auto below = [&](std::size_t bound) { return static_cast<unsigned>(random() % bound); };
+    // Of few characters, so that much matches.
+    const auto make = [&](unsigned length) {
+        constexpr std::string_view characters("aAbB;:.,\0\xC1\xE1@[`{zZ", 18);
+        const unsigned kinds = 1 + below(characters.size());
+        std::string text(length, '\0');
+        for (char& c : text) c = characters[below(kinds)];
+        return text;
+    };
     for (int i = 0; i < 200000; ++i) {
-        const std::string made = texts.make(texts.number(0, i % 10 == 0 ? 200 : 50));
+        const std::string made = make(below(i % 10 == 0 ? 201 : 51));
         // A block of its own, so that reading beyond the text is seen by tools that watch memory.
         const std::unique_ptr<char[]> block(new char[made.size()]);
         made.copy(block.get(), made.size());
-        const std::string_view text(block.get(), made.size());
+        const std::string_view shown(block.get(), made.size());
 
         // Mostly a piece of the text, written otherwise or with one character changed.
-        const std::size_t at = texts.number(0, made.size());
-        std::string query = made.substr(at, texts.number(0, i % 4 == 0 ? 200 : 6));
-        if (i % 3 == 0) query = canonical(query, static_cast<unsigned>(texts.number(0, 3)));
-        if (i % 5 == 0 && !query.empty()) query[texts.number(0, query.size() - 1)] = 'b';
-        if (i % 7 == 0) query = texts.make(texts.number(0, 5));
+        const std::size_t at = below(made.size() + 1);
+        std::string query = made.substr(at, below(i % 4 == 0 ? 201 : 7));
+        if (i % 3 == 0) query = canonical(query, below(4));
+        if (i % 5 == 0 && !query.empty()) query[below(query.size())] = 'b';
+        if (i % 7 == 0) query = make(below(6));
 
-        const auto method =
-            static_cast<eMatchMethod>(texts.number(0, 4));  // of an unknown one, the whole text
-        const auto options = static_cast<unsigned>(texts.number(0, 3));
-        ASSERT_EQ(Criterion(Text(std::string_view(query)), method).matches(text, options),
-                  modelMatches(text, query, method, options))
-            << "text \"" << made << "\" query \"" << query << "\" method " << method << " options "
-            << options;
+        const auto method = static_cast<eMatchMethod>(below(5));  // of an unknown one, the whole text
+        const unsigned options = below(4);
+        ASSERT_EQ(Criterion(text(query), method).matches(shown, options),
+                  modelMatches(shown, query, method, options))
+            << "text " << made << ", query " << query << ", method " << method << ", options " << options;
     }
 }
 
@@ -120,8 +105,6 @@ TEST(TextSearch, AllCriteriaMustMatch) {
     criteria.add(Criterion("12:04", TextSearch::eEndsWith));
     EXPECT_FALSE(TextSearch::match(reel, criteria, 0));
     EXPECT_TRUE(TextSearch::match(reel, criteria, TextSearch::eSeparatorsEqual));
-
-    ASSERT_EQ(criteria.size(), 3U);
     EXPECT_EQ(criteria.getCriterion(1).text(), "reel");
     EXPECT_EQ(criteria.getCriterion(2).method(), TextSearch::eEndsWith);
     EXPECT_TRUE(criteria.getCriterion(3).text().empty());

@@ -2,24 +2,16 @@
 #include "support/time_def.h"
 #include "tests/TestSupport.h"
 
-namespace {
-
-struct Form {
-    const char* text;
-    const char* stored;
-    const char* shown;
-};
-
-}  // namespace
-
 TEST(TimeDef, ReadsEverySpellingOfATimeCode) {
-    const Form forms[] = {
+    const struct {
+        const char *text, *stored, *shown;
+    } forms[] = {
         {"01020304", "01020304", "01:02:03:04"},     {"01020304;", "01020304;", "01:02:03;04"},
         {"01:02:03:04", "01020304", "01:02:03:04"},  {"01:02:03;04", "01020304;", "01:02:03;04"},
         {"01:02:03,04", "01020304;", "01:02:03;04"}, {"01.02.03.04", "01020304", "01:02:03:04"},
         {"01;02,03:04", "01020304", "01:02:03:04"},
     };
-    for (const Form& form : forms) {
+    for (const auto& form : forms) {
         const time_def code(form.text, eTimecodeLabel);
         EXPECT_TRUE(code.valid()) << form.text;
         EXPECT_EQ(code.get_database_str(), form.stored) << form.text;
@@ -32,8 +24,7 @@ TEST(TimeDef, OtherTextComesBackUnchanged) {
                              "01:02:03:4", "1:02:03:04", "01-02-03-04", "01::02:03:4", "01:02:03:04;",
                              "01:02:0x;04", "01020304 ", "KU 23 1234-5678+10", ":::::::::::"}) {
         const time_def code(text, eTimecodeLabel);
-        EXPECT_FALSE(code.valid()) << text;
-        EXPECT_FALSE(code.dropFrame()) << text;
+        EXPECT_FALSE(code.valid() || code.dropFrame()) << text;
         EXPECT_EQ(code.get_database_str(), text);
         EXPECT_EQ(code.get_punctuated_str(), text);
     }
