@@ -8,7 +8,7 @@ file(GLOB support_headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PRO
 set(public_headers
     ${support_headers}
     expr/SExpr.h
-    record/DBFieldTypes.h record/KSTBase.h record/dbrecord.h record/iKST.h record/kesta.h
+    record/DBFieldTypes.h record/KSTBase.h record/LoadObserver.h record/dbrecord.h record/iKST.h record/kesta.h
     record/parts/CookieIndex.h record/parts/FieldList.h record/parts/GapVector.h record/parts/OnDemand.h
     record/parts/ParamList.h record/parts/Query.h
     view/KSTView.h view/KSTViewCursor.h view/KSTViewRep.h

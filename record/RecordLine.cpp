@@ -1,3 +1,4 @@
+// How a record line is taken apart and put together.
 #include "record/RecordLine.h"
 
 #include <algorithm>
@@ -8,6 +9,8 @@
 #include <emmintrin.h>
 #endif
 
+#include "record/LoadObserver.h"
+#include "record/dbrecord.h"
 #include "record/parts/RecentTexts.h"
 #include "support/Ascii.h"
 
@@ -46,7 +49,7 @@ __m128i escapedBytes(__m128i bytes) noexcept {
         _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n')));
 }
 
-/// Copies a text of at least sixteen bytes; the last sixteen overlap those before. Answers whether no byte of
+/// Copies a text of at least sixteen bytes; the last sixteen overlap those before. Returns whether no byte of
 /// it is an escaped one: otherwise the copy is of no use.
 bool copyLongIfPlain(const char* from, std::size_t size, char* to) noexcept {
     __m128i escaped = _mm_setzero_si128();
@@ -75,8 +78,8 @@ bool copyShortIfPlain(const char* from, std::size_t size, char* to) noexcept {
 
 #endif
 
-/// Copies the text while that can be done without a look at each byte. Answers whether all of it is copied
-/// and none of its bytes is an escaped one.
+/// Copies the text as far as that can be done without a look at each byte. Returns whether all of it is
+/// copied and none of its bytes is an escaped one.
 bool copyIfPlain(const char* from, std::size_t size, char* to) noexcept {
 #if defined(__SSE2__)
     if (size >= 16) return copyLongIfPlain(from, size, to);
@@ -111,8 +114,12 @@ std::string_view withoutTrailingSpace(const char* begin, const char* end) noexce
 /// Takes a line apart, field by field.
 class Reader {
  public:
-    Reader(std::string_view line, FieldList& fields, RecentTexts* recent) noexcept
-        : m_at(line.data()), m_end(line.data() + line.size()), m_fields(fields), m_recent(recent) {}
+    Reader(std::string_view line, FieldList& fields, RecentTexts* recent, RecordLine::Hearer hearer) noexcept
+        : m_at(line.data()),
+          m_end(line.data() + line.size()),
+          m_fields(fields),
+          m_recent(recent),
+          m_hearer(hearer) {}
 
     int readAll() {
         if (m_recent) m_recent->beginLine(m_fields);
@@ -120,7 +127,7 @@ class Reader {
         while (m_at != m_end) {
             if (count != INT_MAX) ++count;
             if (Ascii::isControl(*m_at)) {
-                ++m_at;  // counts, but is no field: callers see that the line is not as it should be
+                ++m_at;  // counts, but is no field
             } else if (!(*m_at == '"' ? readUsualQuoted() : readUsualUnquoted())) {
                 readAnyField();
             }
@@ -147,13 +154,13 @@ class Reader {
     // A field that goes on beyond the greatest length is no usual one: no need to look further, which would
     // be done again for each of the pieces that it is cut into.
     const char* searchEnd(const char* begin) const noexcept {
-        return begin + std::min(static_cast<std::size_t>(m_end - begin), RecordLine::longestField);
+        return begin + std::min(static_cast<std::size_t>(m_end - begin), dbrecord::longestField);
     }
 
-    // Goes on behind the comma at `next`.
+    // Goes on after the comma at `next`.
     bool appendUsual(const char* begin, const char* end, const char* next) {
         const auto size = static_cast<std::size_t>(end - begin);
-        if (size >= RecordLine::longestField) return false;
+        if (size >= dbrecord::longestField) return false;
         if (size != 0 && (mayBeSpace(*begin) || mayBeSpace(end[-1]))) return false;
         append({begin, size});
         m_at = next == m_end ? next : next + 1;
@@ -164,11 +171,13 @@ class Reader {
 
     void readAnyField() {
         bool quoted = *m_at == '"';
+        Losses losses;
+        losses.opened = quoted;
         if (quoted) ++m_at;
-        while (m_at != m_end && Ascii::isSpace(*m_at)) ++m_at;
-        char buffer[RecordLine::longestField];
+        losses.space = skipSpace() && (quoted || m_at == m_end || *m_at != '"');
+        char buffer[dbrecord::longestField];
         char* out = buffer;
-        const char* const full = buffer + RecordLine::longestField;
+        const char* const full = buffer + dbrecord::longestField;
         while (m_at != m_end && out < full) {
             const bool last = m_at + 1 == m_end;
             if (*m_at == '"') {
@@ -176,6 +185,7 @@ class Reader {
                     *out++ = '"';
                     m_at += 2;
                 } else {
+                    if (m_hearer.observer) judgeQuote(out == buffer, out, losses);
                     ++m_at;  // a quote inside an unquoted field is simply dropped
                     quoted = false;
                 }
@@ -192,8 +202,62 @@ class Reader {
                 *out++ = *m_at++;
             }
         }
-        append(withoutTrailingSpace(buffer, out));
+        const std::string_view text = withoutTrailingSpace(buffer, out);
+        append(text);
+        if (m_hearer.observer) {
+            if (text.data() + text.size() < (losses.textEnd ? losses.textEnd : out)) losses.space = true;
+            tell(losses, quoted);
+        }
         if (m_at != m_end) ++m_at;  // the comma, or the byte at which a long field was cut
+    }
+
+    /// What an observer is to hear of a field.
+    struct Losses {
+        bool opened = false;            // by a quote
+        const char* textEnd = nullptr;  // where the quote stood that closes the field
+        bool quote = false;             // one that stands in the text was dropped
+        bool space = false;             // around the text
+    };
+
+    // The quote that opens a field, if only after white space, and the one that closes what was opened, with
+    // nothing but blanks before the comma, are no part of the text; any other was meant to be.
+    void judgeQuote(bool comesFirst, const char* out, Losses& losses) const noexcept {
+        const char* next = m_at + 1;
+        while (next != m_end && (*next == ' ' || *next == '\t')) ++next;
+        if (comesFirst && !losses.opened) {
+            losses.opened = true;
+        } else if (losses.opened && (next == m_end || *next == ',')) {
+            losses.textEnd = out;
+        } else {
+            losses.quote = true;
+        }
+    }
+
+    // The field has been appended; `quoted` says whether the reader is inside quotes still.
+    void tell(const Losses& losses, bool quoted) {
+        if (losses.quote) tell(LoadEvent::eQuoteDropped);
+        const bool atComma = m_at != m_end && *m_at == ',' && !quoted;
+        const bool atLastQuote = m_end - m_at == 1 && *m_at == '"';
+        if (m_at != m_end && !atComma && !atLastQuote) {
+            tell(LoadEvent::eFieldCut);
+            m_hearer.observer = nullptr;
+            return;
+        }
+        if (m_at == m_end && quoted) tell(LoadEvent::eQuoteNotClosed);
+        if (losses.space) tell(LoadEvent::eSpaceTrimmed);
+    }
+
+    void tell(LoadEvent::Kind kind) {
+        LoadEvent event{kind};
+        event.line = m_hearer.line;
+        event.field = static_cast<unsigned>(m_fields.size());
+        m_hearer.observer->lost(event);
+    }
+
+    bool skipSpace() noexcept {
+        const char* const begin = m_at;
+        while (m_at != m_end && Ascii::isSpace(*m_at)) ++m_at;
+        return m_at != begin;
     }
 
     void append(std::string_view text) {
@@ -208,12 +272,13 @@ class Reader {
     const char* const m_end;
     FieldList& m_fields;
     RecentTexts* const m_recent;
+    RecordLine::Hearer m_hearer;
 };
 
 }  // namespace
 
-int RecordLine::read(std::string_view line, FieldList& fields, RecentTexts* recent) {
-    return Ascii::trimmed(line).empty() ? 0 : Reader(line, fields, recent).readAll();
+int RecordLine::read(std::string_view line, FieldList& fields, RecentTexts* recent, Hearer hearer) {
+    return Ascii::trimmed(line).empty() ? 0 : Reader(line, fields, recent, hearer).readAll();
 }
 
 std::size_t RecordLine::longestLine(const FieldList& fields) noexcept {

@@ -105,39 +105,6 @@ bool kesta::set_fieldtype(unsigned field, DBFieldTypes::eType type) {
     return true;
 }
 
-unsigned kesta::get_fieldsize(unsigned field) const {
-    if (field >= m_fields.size()) return 0;
-    if (measured && measured->database() == this && field < measured->widths().size()) {
-        return measured->widths()[field];
-    }
-    unsigned widest = 0;
-    for (std::size_t row = 0; row < m_records.size(); ++row) {
-        if (!m_records[row]) continue;
-        const FieldList& fields = m_records[row]->fields();
-        if (field < fields.size()) widest = std::max(widest, fields[field].length());
-    }
-    return widest;
-}
-
-thread_local const kesta::MeasuredWidths* kesta::measured = nullptr;
-
-kesta::MeasuredWidths::MeasuredWidths(const kesta& database)
-    : m_database(database), m_widths(database.m_fields.size()), m_outer(measured) {
-    for (std::size_t row = 0; row < database.m_records.size(); ++row) {
-        if (!database.m_records[row]) continue;
-        const FieldList& fields = database.m_records[row]->fields();
-        const std::size_t count = std::min(fields.size(), m_widths.size());
-        for (std::size_t field = 0; field < count; ++field) {
-            m_widths[field] = std::max(m_widths[field], fields[field].length());
-        }
-    }
-    measured = this;
-}
-
-kesta::MeasuredWidths::~MeasuredWidths() {
-    measured = m_outer;
-}
-
 int kesta::getMinFieldSize(const char* name) {
     const StandardColumn* const standard = name ? StandardColumns::find(name) : nullptr;
     return standard ? standard->leastWidth : leastWidthOfOthers;

@@ -149,17 +149,8 @@ void dbrecord::resizeRecord(int n, int* fill, bool) {
 void dbrecord::resizeField(int, int) {}
 
 int dbrecord::read(TextFile& file) {
-    return readLine(file, nullptr);
-}
-
-int dbrecord::read(TextFile& file, RecentTexts& recent) {
-    return readLine(file, &recent);
-}
-
-int dbrecord::readLine(TextFile& file, RecentTexts* recent) {
     m_fields.clear();
-    const unsigned line = file.cursor();
-    const int count = RecordLine::read(file.lineView(line), m_fields, recent);
+    const int count = RecordLine::read(file.lineView(file.cursor()), m_fields, nullptr, {});
     file.nextLine();
     if (count != 0) markChanged();
     return count;

@@ -16,7 +16,6 @@
 #include "support/LightweightString.h"
 #include "support/iObject.h"
 
-class RecentTexts;
 class TextFile;
 class configb;
 class kesta;
@@ -25,6 +24,9 @@ class KESTA_API dbrecord : public iObject {
  public:
     /// The most fields that a record can address.
     static constexpr unsigned mostFields = 0xFFFF;
+
+    /// The longest field that is read from a line in one piece, in bytes.
+    static constexpr std::size_t longestField = 4095;
 
     /// `n` empty fields, no container, unchanged, untagged.
     explicit dbrecord(unsigned short n);
@@ -97,15 +99,12 @@ class KESTA_API dbrecord : public iObject {
 
     // --- Text lines ---
 
-    /// Replaces the fields with those of the file's next line and moves the file's cursor on. Answers the
+    /// Replaces the fields with those of the file's next line and moves the file's cursor on. Returns the
     /// number of fields plus the number of control characters skipped between fields; 0, with no fields and
     /// the changed mark as it was, for a blank line and past the end.
     int read(TextFile& file);
 
-    /// As above; a text that a field of the same column had not long ago shares that field's characters.
-    int read(TextFile& file, RecentTexts& recent);
-
-    /// Appends the record as one line and clears the changed mark. Always answers true.
+    /// Appends the record as one line and clears the changed mark. Always returns true.
     bool write(TextFile& file) const;
 
     // --- Marks ---
@@ -123,7 +122,8 @@ class KESTA_API dbrecord : public iObject {
     int update(configb* cfg) const;
 
  private:
-    int readLine(TextFile& file, RecentTexts* recent);
+    friend class kesta;  // reads whole files
+
     void markChanged() noexcept;
 
     WatchedPtr<kesta> m_container;

@@ -12,7 +12,7 @@
 //
 // Thread-safety: not locked. Callers serialise changes; reading while nobody writes is safe. Only one sort
 // may run at a time in a process. Memory: running out throws Zr::Exception::BadAlloc; nothing else is ever
-// thrown, unless by a listener.
+// thrown, unless by a listener or an observer.
 #pragma once
 
 #include <map>
@@ -28,6 +28,7 @@
 #include "support/Notifier.h"
 #include "support/TextSearch.h"
 
+class LoadObserver;
 class TextFile;
 
 /// The version of the library, four numbers with dots between.
@@ -129,7 +130,7 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     /// As KSTBase's; the first parameter of a database is always preceded by its revision, "KESTA" = "Rev 1".
     int add_param(const LightweightString<char>& key, const LightweightString<char>& value) override;
 
-    // --- The file (files.cpp) ---
+    // --- The file (loading.cpp, saving.cpp) ---
 
     void set_filename(LightweightString<wchar_t> name) override;
     LightweightString<wchar_t> get_filename() const override;
@@ -144,13 +145,16 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     /// The same, with another file name.
     void loadFromFile(const LightweightString<wchar_t>& fileName, int maxRecords, bool strict);
 
-    /// Appends the records of the database's file, whose first line is dropped; see add_text. Answers how
+    /// The first one, with an observer that hears where each record comes from and what is left out.
+    void loadFromFile(int maxRecords, bool strict, LoadObserver& observer);
+
+    /// Appends the records of the database's file, whose first line is dropped; see add_text. Returns how
     /// many; 0, with nothing appended, when the file cannot be read.
     int load_text(int maxRecords);
 
     /// Appends records from the file's cursor on, until a blank line, a line with a wrong number of fields,
     /// the end, or `maxRecords` of them. With `skipFirst` non-zero the first line, which must have the right
-    /// number of fields, is dropped for the second. Answers how many were appended.
+    /// number of fields, is dropped for the second. Returns how many were appended.
     int add_text(TextFile& file, int skipFirst, int maxRecords);
 
     /// Reads parameter lines into the parameter list; `line` is the scratch record and holds the last line
@@ -330,33 +334,8 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     friend class dbrecord;      // marks its database changed
     friend class RecordsAhead;  // asks memory for records
 
-    // The widths of all columns, measured in one pass over the records, which the writer of a header holds:
-    // while it asks for each column's width, this thread's get_fieldsize answers from them.
-    class MeasuredWidths {
-     public:
-        explicit MeasuredWidths(const kesta& database);
-        MeasuredWidths(const MeasuredWidths&) = delete;
-        MeasuredWidths& operator=(const MeasuredWidths&) = delete;
-        ~MeasuredWidths();
-
-        const kesta* database() const noexcept { return &m_database; }
-        const std::vector<unsigned>& widths() const noexcept { return m_widths; }
-
-     private:
-        const kesta& m_database;
-        std::vector<unsigned> m_widths;
-        const MeasuredWidths* m_outer;
-    };
-    static thread_local const MeasuredWidths* measured;
-
-    void takeBackRecords(std::size_t before) noexcept;
-    void loadLog(TextFile& file, int maxRecords, bool strict);
-    void readColumns(TextFile& file);
-    void takeColumnNames(const dbrecord& names);
-    void appendParam(const LightweightString<char>& line);
-    void loadCSV(TextFile& file);
-    int saveWithHeader(bool namesOnly);
-    void saveWidths(TextFile& file) const;
+    class Loader;
+    class Saver;
 
     // Columns; a column's number is its index.
     std::vector<DBFieldDesc> m_fields;

@@ -8,7 +8,7 @@ const std::string head = "\"KESTA:Rev 1\"\n\"KESTA\"\n\"4\",\"4\"\n\"text\",\"te
 struct Case {
     const char* what;
     std::string content;
-    std::vector<std::string> findings;  // behind the file's name, each the beginning of a line
+    std::vector<std::string> findings;  // after the file's name, each the beginning of a line
 };
 
 class CheckTest : public ProgramTest {
@@ -28,11 +28,18 @@ class CheckTest : public ProgramTest {
 };
 
 TEST_F(CheckTest, NamesThePlaceOfEverythingTheLoaderWouldStopAtDropOrWarnOf) {
-    const std::string longest(4094, 'x');
+    const std::string longest(dbrecord::longestField - 1, 'x');
     const std::vector<Case> cases = {
         {"a clean log", head + "\"1\",\"say \"\"x\"\"\"\n\"2\",\"a\\nb\"\n", {}},
         {"blank lines at the end", head + "\"1\",\"2\"\n\n  \n", {}},
-        {"unquoted, spaced and padded fields", head + "1,2\n\"1\", \"2  \"\n", {}},
+        {"unquoted and spaced fields", head + "1,2\n \"1\" , \"2\"\n", {}},
+        {"padded fields, told after all else",
+         "\"KESTA:Rev 1\"\n\"Mode: x\"\n" + head.substr(14) + "1, 2\n\" 1 \",\"2\"\n\"3\"\n",
+         {":9: column 2 (B): 1 field",
+          ":2: the white space around the value, and around 2 further values, is not read; saving"}},
+        {"a padded field",
+         head + "\"1\", \"2  \"\n",
+         {":6: column 2 (B): the white space around the value is not"}},
         {"widths that are no numbers", "\"KESTA:Rev 1\"\n\"KESTA\"\n\"?\"\n\"text\"\n\"A\"\n\"1\"\n", {}},
         {"a field of the greatest length", head + '"' + longest + "\",\"2\"\n", {}},
         {"too few fields",
@@ -47,7 +54,7 @@ TEST_F(CheckTest, NamesThePlaceOfEverythingTheLoaderWouldStopAtDropOrWarnOf) {
         {"a long field whose rest happens to give the right number",
          head + '"' + longest + "  \",\"2\"\n",
          {":6: column 1 (A): the field is longer"}},
-        {"a blank line with records behind it",
+        {"a blank line with records after it",
          head + "\"1\",\"2\"\n\n\"3\",\"4\"\n\"5\",\"6\"\n",
          {":7: a blank line ends the log; 2 lines"}},
         {"a file that has been cut off",
@@ -65,6 +72,7 @@ TEST_F(CheckTest, NamesThePlaceOfEverythingTheLoaderWouldStopAtDropOrWarnOf) {
         {"a value that saving would change",
          head + "\"1\",\"a\rb\"\n\"\\\"n,\"2\"\n",
          {":6: column 2 (B): the value would change when the log is saved: it holds a carriage return",
+          ":7: column 1 (A): a double quote inside the field is dropped",
           ":7: column 1 (A): the value would change when the log is saved"}},
         {"a header among the records",
          "\"KESTA:Rev 1\"\n\"KESTA\"\n\"4\"\n\"text\"\n\"A\"\n\"Kesta\"\n\"1\"\n\"2\"\n\"3\"\n\"4\"\n",

@@ -88,7 +88,9 @@ TEST_F(ExchangeTest, EveryColumnKeepsItsValues) {
 }
 
 TEST_F(ExchangeTest, ValuesThatALogCannotHoldAreNamed) {
-    const std::string tooLong = std::string(4093, 'x') + "\xC3\xA9" + "tail";
+    const std::string longer = "is longer than " + std::to_string(dbrecord::longestField - 1) +
+                               " bytes, the most that a field takes";
+    const std::string tooLong = std::string(dbrecord::longestField - 2, 'x') + "\xC3\xA9" + "tail";
     const Outcome import = this->import(
         "a.csv", "Name,Notes,X\n\" a\",b ,c\n\"1\r\n2\",\\n," + tooLong + "\n" + tooLong + ",\"q\"\"\",d\n");
     EXPECT_EQ(import.exitCode, 1);
@@ -98,12 +100,12 @@ TEST_F(ExchangeTest, ValuesThatALogCannotHoldAreNamed) {
              {"2: column 2 (Notes)", "ends with white space, which is dropped"},
              {"3: column 1 (Name)", "holds a carriage return, which is dropped"},
              {"3: column 2 (Notes)", "holds a backslash followed by n, which is read as a line end"},
-             {"3: column 3 (X)", "is longer than 4094 bytes, the most that a field takes"},
-             {"5: column 1 (Name)", "is longer than 4094 bytes, the most that a field takes"}})
+             {"3: column 3 (X)", longer},
+             {"5: column 1 (Name)", longer}})
         said += "kesta: warning: a.csv:" + place + ": the value is not kept exactly: it " + why + '\n';
     EXPECT_EQ(import.err, said);
     EXPECT_EQ(import.out, "a.log: 3 records, 3 columns, 6 values not kept exactly\n");
-    const std::string cut(4093, 'x');
+    const std::string cut(dbrecord::longestField - 2, 'x');
     EXPECT_EQ(exported("csv"),
               "Name,Notes,X\r\na,b,c\r\n\"1\n2\",," + cut + "\r\n" + cut + ",\"q\"\"\",d\r\n");
     EXPECT_EQ(run("check a.log").exitCode, 0);

@@ -23,7 +23,7 @@ struct Line {
 };
 
 inline Line readLine(const std::string& line) {
-    constexpr std::size_t longestField = 4095;
+    constexpr std::size_t longestField = dbrecord::longestField;
     Line result;
     if (Ascii::trimmed(line).empty()) return result;
     std::size_t at = 0;

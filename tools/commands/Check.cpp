@@ -1,7 +1,9 @@
 // kesta check: what is wrong with logs, and where.
 #include <algorithm>
 #include <map>
+#include <unordered_map>
 
+#include "record/StandardColumns.h"
 #include "record/dbrecord.h"
 #include "support/Ascii.h"
 #include "support/Cookie.h"
@@ -11,7 +13,7 @@
 #include "tools/commands/Commands.h"
 #include "tools/logs/EveryLog.h"
 #include "tools/logs/LogForm.h"
-#include "tools/logs/LogInspector.h"
+#include "tools/logs/LogReading.h"
 #include "tools/terminal/DisplayText.h"
 #include "tools/terminal/Output.h"
 #include "tools/terminal/Progress.h"
@@ -22,12 +24,6 @@ struct Options {
     std::vector<std::string> logs;
 };
 
-constexpr const char* codePairs[][2] = {{"Start time", "End time"},
-                                        {"snd start", "snd end"},
-                                        {"start 24P code", "end 24P code"},
-                                        {"start camcode", "end camcode"},
-                                        {"start inkcode", "end inkcode"}};
-
 /// Looks at what the records say: identifiers that come twice, codes that end before they start.
 class RecordChecks : public RecordVisitor {
  public:
@@ -36,8 +32,9 @@ class RecordChecks : public RecordVisitor {
         m_names = columnNames;
         checkNames(line, findings);
         m_cookie = columnNamed("Cookie");
-        for (const auto& pair : codePairs) {
-            const Pair columns{columnNamed(pair[0]), columnNamed(pair[1])};
+        for (const StandardColumn& standard : StandardColumns::all) {
+            if (standard.end.empty()) continue;
+            const Pair columns{columnNamed(standard.name), columnNamed(standard.end)};
             if (columns.start < m_names.size() && columns.end < m_names.size()) m_pairs.push_back(columns);
         }
     }
@@ -48,6 +45,9 @@ class RecordChecks : public RecordVisitor {
     }
 
  private:
+    struct HashOfCookie {
+        std::size_t operator()(const Cookie& id) const noexcept { return id.hash(); }
+    };
     struct Pair {
         std::size_t start;
         std::size_t end;
@@ -64,8 +64,7 @@ class RecordChecks : public RecordVisitor {
     }
 
     void report(unsigned line, std::size_t column, std::string text, std::vector<Finding>& findings) const {
-        findings.push_back(
-            {line, static_cast<unsigned>(column + 1), m_names[column], std::move(text), false});
+        findings.push_back({line, static_cast<unsigned>(column + 1), {}, std::move(text), false});
     }
 
     void checkNames(unsigned line, std::vector<Finding>& findings) const {
@@ -113,21 +112,22 @@ class RecordChecks : public RecordVisitor {
     std::vector<std::string> m_names;
     std::size_t m_cookie = 0;
     std::vector<Pair> m_pairs;
-    std::map<Cookie, unsigned> m_linesById;
+    std::unordered_map<Cookie, unsigned, HashOfCookie> m_linesById;
 };
 
-Inspection inspected(const std::string& path) {
+LogReading checked(const std::string& path) {
     const Progress progress("checking", path);
     RecordChecks checks;
-    return inspectLog(path, &checks);
+    return readLog(path, &checks);
 }
 
 int run(const Options& options) {
     const auto output = standardOutput();
     const int exitCode = forEveryLog(options.logs, [&](const std::string& path) -> int {
-        const Inspection inspection = inspected(path);
-        for (const Finding& finding : inspection.findings) output->line(harmless(describe(path, finding)));
-        return inspection.findings.empty() ? exitDone : exitFindings;
+        LogReading reading = checked(path);
+        if (reading.trimmed) reading.findings.push_back(*reading.trimmed);
+        for (const Finding& finding : reading.findings) output->line(harmless(describe(path, finding)));
+        return reading.findings.empty() ? exitDone : exitFindings;
     });
     output->finish();
     return exitCode;

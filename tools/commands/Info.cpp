@@ -38,6 +38,22 @@ void printParameters(const kesta& log, LineSink& out) {
     }
 }
 
+/// The columns' widths, as a saved header has them; found in one pass, where get_fieldsize takes one for
+/// each.
+std::vector<unsigned> widthsOf(const kesta& log) {
+    std::vector<unsigned> widths;
+    for (unsigned i = 0; i < log.get_num_fields(); ++i) {
+        widths.push_back(static_cast<unsigned>(kesta::getMinFieldSize(log.get_fieldname(i))));
+    }
+    for (unsigned row = 0; row < log.get_num_records(); ++row) {
+        const Zr::Ptr<dbrecord> record = log.get_record(row);
+        const FieldList& fields = record->fields();
+        const std::size_t count = std::min(fields.size(), widths.size());
+        for (std::size_t i = 0; i < count; ++i) widths[i] = std::max(widths[i], fields[i].length());
+    }
+    return widths;
+}
+
 void printColumns(const kesta& log, LineSink& out) {
     std::vector<std::string> names;
     std::vector<std::string> types;
@@ -46,12 +62,11 @@ void printColumns(const kesta& log, LineSink& out) {
     const std::size_t numberWidth = std::to_string(names.size()).size();
     const std::size_t nameWidth = widest(names);
     const std::size_t typeWidth = widest(types);
+    const std::vector<unsigned> widths = widthsOf(log);
     out.line("columns:");
     for (unsigned i = 0; i < names.size(); ++i) {
-        const auto least = static_cast<unsigned>(kesta::getMinFieldSize(log.get_fieldname(i)));
         out.line("  " + padded(std::to_string(i + 1), numberWidth) + "  " + padded(names[i], nameWidth) +
-                 "  " + padded(types[i], typeWidth) + "  " +
-                 std::to_string(std::max(least, log.get_fieldsize(i))));
+                 "  " + padded(types[i], typeWidth) + "  " + std::to_string(widths[i]));
     }
 }
 

@@ -8,6 +8,7 @@
 #include "tools/forms/Writers.h"
 #include "tools/logs/LogFile.h"
 #include "tools/terminal/DisplayText.h"
+#include "tools/terminal/Messages.h"
 #include "tools/terminal/StandardStreams.h"
 
 namespace {
@@ -25,6 +26,7 @@ struct Container {
 
 Container describe(const std::string& path) {
     const LightweightString<wchar_t> fileName = Zr::WStringFromAscii(readablePath(path).c_str());
+    const LibraryMessagesOff readBefore;
     const ZRContainerFile::Reader reader(fileName, true);
     if (!reader.valid())
         throw Failure(shownName(path) + ": is a log, but no container: it has no column \"Cookie\"");

@@ -12,7 +12,6 @@
 #include "tools/files/FileClaim.h"
 #include "tools/files/Files.h"
 #include "tools/logs/LogForm.h"
-#include "tools/logs/LogInspector.h"
 #include "tools/terminal/DisplayText.h"
 #include "tools/terminal/Messages.h"
 #include "tools/terminal/StandardStreams.h"
@@ -49,6 +48,7 @@ void requireUsable(const std::string& container, bool replace) {
 bool isLeftOver(const std::string& temporary) {
     std::error_code ignored;
     if (!std::filesystem::is_regular_file(std::filesystem::symlink_status(temporary, ignored))) return false;
+    const LibraryMessagesOff itIsOnlyLookedAt;
     return std::filesystem::file_size(temporary, ignored) == 0 ||
            ZRContainerFile::Reader(Zr::WStringFromAscii(temporary.c_str()), true).valid();
 }
@@ -121,7 +121,7 @@ int run(const Options& options) {
     const std::string file = resolved(options.container);
     requireFreeTemporary(file);
     if (!keepsParameter("Name", options.name)) {
-        throw Failure(std::string("a container does not keep this name as it is: ") + parameterRules);
+        throw Failure(std::string("a container does not keep this name as it is: ") + parameterRules());
     }
     const CookieSet identifiers = parseIdentifiers(options.identifiers, options.names);
     const std::string content = counted(identifiers.size(), "item");

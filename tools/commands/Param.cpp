@@ -50,7 +50,7 @@ int set(const Options& options) {
     if (Ascii::equalFolded(*options.key, "KESTA"))
         throw Failure("the parameter KESTA is the log's revision and stays as it is");
     if (!keepsParameter(*options.key, *options.value)) {
-        throw Failure(std::string("a log does not keep this parameter as it is: ") + parameterRules);
+        throw Failure(std::string("a log does not keep this parameter as it is: ") + parameterRules());
     }
     log->add_param(libraryText(*options.key), libraryText(*options.value));
     log.save(options.saving);

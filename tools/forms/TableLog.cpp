@@ -127,7 +127,7 @@ void TableLog::storeChangedParameter(const std::string& place, const std::string
     ++m_changed;
     ++m_lost;
     m_warnings.add(place + "the parameter \"" + key + "\" is stored changed, as \"" + keptKey + ": " +
-                   std::string(cutTo(keptValue, 40)) + "\": " + parameterRules);
+                   std::string(cutTo(keptValue, 40)) + "\": " + parameterRules());
 }
 
 void TableLog::store(unsigned line, const Values& values) {

@@ -4,12 +4,13 @@
 #include <cerrno>
 
 #include "record/ColumnTypes.h"
+#include "record/FileForm.h"
 #include "support/StringFunctions.h"
 #include "support/TextFile.h"
 #include "tools/Failure.h"
 #include "tools/files/Files.h"
 #include "tools/logs/LogForm.h"
-#include "tools/logs/LogInspector.h"
+#include "tools/logs/LogReading.h"
 #include "tools/terminal/DisplayText.h"
 #include "tools/terminal/Messages.h"
 #include "tools/terminal/Output.h"
@@ -20,13 +21,6 @@
 namespace {
 
 constexpr unsigned none = static_cast<unsigned>(-1);
-constexpr int allRecords = 0x7FFFFFFF;
-
-Inspection inspected(const std::string& path) {
-    Inspection inspection = inspectLog(path);
-    if (!inspection.loads) throw Failure(describe(path, inspection.findings.back()));
-    return inspection;
-}
 
 const std::string& editable(const std::string& path) {
     if (isStandardStream(path))
@@ -35,21 +29,15 @@ const std::string& editable(const std::string& path) {
     return path;
 }
 
-void warnOfFindings(const std::string& path, const Inspection& inspection) {
+/// Throws Failure for what is no log, and warns of what a log has lost.
+LogReading readWithWarnings(const std::string& path) {
+    const Progress progress("reading", path);
+    LogReading reading = readLog(path);
+    if (reading.refusal) throw Failure(describe(path, *reading.refusal));
     Warnings warnings;
-    for (const Finding& finding : inspection.findings) warnings.add(describe(path, finding));
+    for (const Finding& finding : reading.findings) warnings.add(describe(path, finding));
     warnings.summarise("kesta check lists them all");
-}
-
-// The second reading must see what the first one saw: another program may be writing the file.
-Zr::Ptr<kesta> loaded(const std::string& path, const Inspection& inspection) {
-    errno = 0;
-    Zr::Ptr<kesta> log(new kesta(Zr::WStringFromAscii(readablePath(path).c_str()), allRecords, true));
-    if (log->get_valid() == 0 && errno != 0) throw fileFailure(shownName(path), errno);
-    if (log->get_valid() == 0 || log->get_num_records() != inspection.records) {
-        throw Failure(shownName(path) + ": the file changed while it was read; try again");
-    }
-    return log;
+    return reading;
 }
 
 // What the loader made of a damaged file may be such that a saved log could not be read back at all.
@@ -85,16 +73,14 @@ Zr::Ptr<kesta> openWhole(const std::string& path, bool force, const std::string&
     if (isCommaSeparated(path)) {
         throw Failure(path + ": is a comma-separated file; make a log of it first: kesta import");
     }
-    const Progress progress("reading", path);
-    const Inspection inspection = inspected(path);
-    warnOfFindings(path, inspection);
-    if (inspection.losesText() && !force) {
+    const LogReading reading = readWithWarnings(path);
+    if (!reading.losesText()) return reading.log;
+    if (!force) {
         throw Failure(shownName(path) + ": " + refusal +
                       " what the warnings name; mend the file first, or use --force");
     }
-    Zr::Ptr<kesta> log = loaded(path, inspection);
-    if (inspection.losesText()) makeReadable(*log);
-    return log;
+    makeReadable(*reading.log);
+    return reading.log;
 }
 
 /// The longest beginning of a list, as far as a comma or its end, that names a column; its first piece when
@@ -114,7 +100,7 @@ void writeFile(kesta& log, const std::string& path, const FileClaim& claim) {
     errno = 0;
     const int written = log.save_text();
     const int error = errno;
-    // Saving no records answers 0 as a failure does, but puts a new file in the place of the old one.
+    // Saving no records returns 0 as a failure does, but puts a new file in the place of the old one.
     const bool saved = log.get_num_records() > 0 ? written > 0 : claim.isChanged();
     if (!saved) throw fileFailure(path, error);
 }
@@ -122,10 +108,8 @@ void writeFile(kesta& log, const std::string& path, const FileClaim& claim) {
 }  // namespace
 
 LogForReading openLog(const std::string& path) {
-    const Progress progress("reading", path);
-    const Inspection inspection = inspected(path);
-    warnOfFindings(path, inspection);
-    return {loaded(path, inspection), inspection.losesText() ? exitFindings : exitDone};
+    const LogReading reading = readWithWarnings(path);
+    return {reading.log, reading.losesText() ? exitFindings : exitDone};
 }
 
 LogForEditing::LogForEditing(const std::string& path, bool force)
@@ -217,7 +201,7 @@ std::string valueObjection(const kesta& log, unsigned column, const std::string&
     if (column == log.get_fieldnum("Tag")) {
         return readTag(value, tag) ? "" : "it is no tag: tags are numbers from 0 to 255";
     }
-    if (log.get_num_fields() == 1 && isHeaderMarker(value))
+    if (log.get_num_fields() == 1 && FileForm::isHeaderMarker(libraryText(value)))
         return "it would be read as the beginning of a header";
     return LineRoundTrip().keeps(value) ? "" : whyNotKept(value);
 }

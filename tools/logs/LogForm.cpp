@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <charconv>
 
+#include "record/FileForm.h"
 #include "record/kesta.h"
 #include "support/Ascii.h"
+#include "support/StringFunctions.h"
 #include "support/TextFile.h"
 #include "tools/terminal/DisplayText.h"
 
@@ -26,8 +28,11 @@ LightweightString<char> libraryText(std::string_view bytes) {
 }
 
 bool sameName(std::string_view a, std::string_view b) noexcept {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return Ascii::fold(x) == Ascii::fold(y); });
+    return Ascii::equalFolded(a, b);
+}
+
+bool isCommaSeparated(const std::string& path) {
+    return FileForm::isCommaSeparated(Zr::WStringFromAscii(path.c_str()));
 }
 
 const dbrecord& LineRoundTrip::operator()(const dbrecord& record) {
@@ -85,6 +90,13 @@ bool keepsParameter(std::string_view key, std::string_view value) {
                       back.params().end(), isSame);
 }
 
+std::string parameterRules() {
+    return "keys and values take no double quotes, line ends, backslash followed by n or white space at "
+           "their "
+           "ends, keys no colon, both together at most " +
+           std::to_string(longestSafeValue) + " bytes";
+}
+
 bool keepsColumnName(std::string_view name) {
     if (holdsLineEnd(name)) return false;
     const kesta log(std::vector<DBFieldDesc>(2, DBFieldDesc(libraryText(name), DBFieldTypes::eText)));
@@ -106,12 +118,8 @@ std::string keepableColumnName(std::string_view name) {
     return result;
 }
 
-bool isHeaderMarker(std::string_view field) noexcept {
-    return sameName(field, "KESTA");
-}
-
 bool readsAsHeader(const dbrecord& record) noexcept {
-    return record.get_num_fields() == 1 && isHeaderMarker(record.getField(0).view());
+    return record.get_num_fields() == 1 && FileForm::isHeaderMarker(record.getField(0));
 }
 
 bool readTag(std::string_view text, int& tag) noexcept {

@@ -1,4 +1,4 @@
-// What a log's file gives back of the texts that are put into it. The answers come from the library itself,
+// What a log's file gives back of the texts that are put into it. It is found out from the library itself,
 // which writes each text and reads it back; only the reasons are worded here.
 //
 // Thread-safety: one thread at a time.
@@ -17,13 +17,16 @@ LightweightString<char> libraryText(std::string_view bytes);
 /// Whether the two names are the same to the library.
 bool sameName(std::string_view a, std::string_view b) noexcept;
 
+/// Whether the library reads the file as plain comma-separated text.
+bool isCommaSeparated(const std::string& path);
+
 /// Writes records as lines of a log and reads them back.
 class LineRoundTrip {
  public:
     /// The record as the log gives it back; valid until the next call. Clears the record's changed mark.
     const dbrecord& operator()(const dbrecord& record);
 
-    /// Whether a log gives `value` back exactly, in a column with others behind it.
+    /// Whether a log gives `value` back exactly, in a column with others after it.
     bool keeps(std::string_view value);
 
  private:
@@ -39,22 +42,17 @@ bool needsNoCare(std::string_view value) noexcept;
 std::string whyNotKept(std::string_view value);
 
 /// The most bytes of a value that every column keeps.
-constexpr std::size_t longestSafeValue = 4094;
+constexpr std::size_t longestSafeValue = dbrecord::longestField - 1;
 
-/// Whether a saved log gives the parameter back exactly.
+/// Whether a saved log gives the parameter back exactly; and what that takes, in words.
 bool keepsParameter(std::string_view key, std::string_view value);
-constexpr const char* parameterRules =
-    "keys and values take no double quotes, line ends, backslash followed by n or white space at their ends, "
-    "keys no colon, both together at most 4094 bytes";
+std::string parameterRules();
 
 /// Whether a saved log gives the column's name back exactly.
 bool keepsColumnName(std::string_view name);
 
 /// The nearest name that a log keeps; empty when nothing is left of it.
 std::string keepableColumnName(std::string_view name);
-
-/// Whether a line that begins with this field is a header's marker.
-bool isHeaderMarker(std::string_view field) noexcept;
 
 /// Whether the loader takes the record for a repeated header, as only a one-column log can have it: it then
 /// drops what follows.

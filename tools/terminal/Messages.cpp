@@ -1,3 +1,4 @@
+// How the program speaks on standard error.
 #include "tools/terminal/Messages.h"
 
 #include <cstdio>
@@ -14,18 +15,14 @@ void say(const std::string& prefix, std::string_view message) {
     Progress::write(line);
 }
 
-bool isAboutLogLines(std::string_view message) noexcept {
-    for (const std::string_view origin : {"kesta::add_text:", "kesta::read_text:"}) {
-        if (message.substr(0, origin.size()) == origin) return true;
-    }
-    return false;
-}
+int libraryMessagesOff = 0;
 
 void passOn(const char* message, void*) noexcept {
+    if (libraryMessagesOff > 0) return;
     try {
         std::string_view text(message);
         while (!text.empty() && text.back() == '\n') text.remove_suffix(1);
-        if (!isAboutLogLines(text)) warn(text);
+        warn(text);
     } catch (...) {
         std::fputs("kesta: warning: a message was lost for want of memory\n", stderr);
     }
@@ -43,6 +40,14 @@ void warn(std::string_view message) {
 
 void tidyLibraryMessages() {
     set_log_sink(passOn, nullptr);
+}
+
+LibraryMessagesOff::LibraryMessagesOff() noexcept {
+    ++libraryMessagesOff;
+}
+
+LibraryMessagesOff::~LibraryMessagesOff() {
+    --libraryMessagesOff;
 }
 
 void Warnings::add(std::string_view message) {

@@ -1,4 +1,6 @@
-// What the program says on standard error, each message one line behind the program's name.
+// What the program says on standard error, each message one line after the program's name.
+//
+// Thread-safety: one thread at a time.
 #pragma once
 
 #include <cstddef>
@@ -9,9 +11,18 @@
 void complain(std::string_view message);
 void warn(std::string_view message);
 
-/// Takes over the library's own messages. Those about lines of a log are left out: the program inspects the
-/// log itself and says more.
+/// Takes over the library's own messages.
 void tidyLibraryMessages();
+
+/// While one lives, the library's messages are left out: for reading logs, of which the program says more
+/// itself.
+class LibraryMessagesOff {
+ public:
+    LibraryMessagesOff() noexcept;
+    LibraryMessagesOff(const LibraryMessagesOff&) = delete;
+    LibraryMessagesOff& operator=(const LibraryMessagesOff&) = delete;
+    ~LibraryMessagesOff();
+};
 
 /// Warnings of one kind of trouble that may come a million times: the first ones are shown, the others
 /// counted.

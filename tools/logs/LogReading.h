@@ -1,14 +1,13 @@
-// Reads a log's file the way the loader does, and says where the loader stops, drops text or warns.
-//
-// Lines are read by the library, so what is found here is what the loader does.
+// A log as the commands read it: once, with all that there is to say about its file.
 //
 // Thread-safety: one thread at a time.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
-class dbrecord;
+#include "record/kesta.h"
 
 /// Something wrong at a place in a log's file.
 struct Finding {
@@ -22,15 +21,17 @@ struct Finding {
 /// "FILE:LINE: column N (Name): what is wrong; what to do".
 std::string describe(const std::string& path, const Finding& finding);
 
-struct Inspection {
-    bool loads = false;  ///< whether the loader takes the file for a log
-    unsigned records = 0;
-    std::vector<Finding> findings;  ///< by line; when it does not load, the last one says why
+struct LogReading {
+    Zr::Ptr<kesta> log;
+    std::optional<Finding> refusal;  ///< why the file is no log, if it is none
+    std::vector<Finding> findings;   ///< by line, the refusal among them
+    std::optional<Finding>
+        trimmed;  ///< the first place where a save drops white space, and how many there are
 
     bool losesText() const noexcept;
 };
 
-/// Sees every record that the loader takes, in order.
+/// Sees every record of a log, in order. The names of findings' columns are filled in later.
 class RecordVisitor {
  public:
     virtual ~RecordVisitor() = default;
@@ -40,9 +41,6 @@ class RecordVisitor {
     virtual void record(unsigned line, const dbrecord& fields, std::vector<Finding>& findings) = 0;
 };
 
-/// Inspects a log, or a comma-separated file when the name ends in ".csv". Throws Failure when the file
-/// cannot be read.
-Inspection inspectLog(const std::string& path, RecordVisitor* visitor = nullptr);
-
-/// Whether the library reads the file as plain comma-separated text.
-bool isCommaSeparated(const std::string& path) noexcept;
+/// Reads a log, or a comma-separated file, which a visitor does not see. Throws Failure when the file cannot
+/// be read.
+LogReading readLog(const std::string& path, RecordVisitor* visitor = nullptr);
