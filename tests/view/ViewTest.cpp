@@ -57,6 +57,14 @@ TEST(View, HasParametersOfItsOwnThatChangeWithWhatItStandsOn) {
     EXPECT_EQ(1u, view->get_num_records()) << "it hears of another database";
     view->kst(second.get());
     EXPECT_EQ(1u, view->get_num_records()) << "attaching to the present database is no change";
+    view->add_param("Own", "y");
+    view->kst(first.get());
+    EXPECT_EQ((Pairs{{"KESTA", "Rev 1"}, {"Mode", "x"}}), paramsOf(*view));
+    EXPECT_EQ((Pairs{{"KESTA", "Rev 1"}}), paramsOf(KSTViewRep(nullptr)));
+    view->init();
+    EXPECT_EQ(nullptr, view->db());
+    EXPECT_EQ("fieldSpec: Name,Scene,Tag\n", described(*view))
+        << "the text of the fields stays, their list goes";
 }
 
 TEST(View, HasNothingWithoutADatabase) {
