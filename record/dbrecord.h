@@ -122,7 +122,7 @@ class KESTA_API dbrecord : public iObject {
     int update(configb* cfg) const;
 
  private:
-    friend class kesta;  // reads whole files
+    friend class LogLoader;  // reads whole files
 
     void markChanged() noexcept;
 

@@ -331,11 +331,10 @@ class KESTA_API kesta : public KSTBase, public Notifier {
     int merge_all_matching(kesta* other);
 
  private:
-    friend class dbrecord;      // marks its database changed
+    friend class dbrecord;  // marks its database changed
+    friend class LogLoader;
+    friend class LogSaver;
     friend class RecordsAhead;  // asks memory for records
-
-    class Loader;
-    class Saver;
 
     // Columns; a column's number is its index.
     std::vector<DBFieldDesc> m_fields;

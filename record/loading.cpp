@@ -55,12 +55,12 @@ std::vector<LightweightString<char>> splitCSV(std::string_view line) {
 }  // namespace
 
 /// Reads from a file into a database.
-class kesta::Loader {
+class LogLoader {
  public:
     /// What becomes of the changed marks: the database and its records get theirs, or are left alone.
     enum class Marks { set, left };
 
-    Loader(kesta& database, TextFile& file, Marks marks, LoadObserver* observer) noexcept
+    LogLoader(kesta& database, TextFile& file, Marks marks, LoadObserver* observer) noexcept
         : m_database(database), m_file(file), m_marks(marks), m_observer(observer) {}
 
     /// Replaces parameters and columns, and appends records.
@@ -110,7 +110,7 @@ class kesta::Loader {
 /// stays that could be taken for the whole log, and saved over it: its records go, and `undo` takes back the
 /// rest.
 template <class Work, class Undo>
-bool kesta::Loader::readWhole(Work work, Undo undo) {
+bool LogLoader::readWhole(Work work, Undo undo) {
     GapVector<Zr::Ptr<dbrecord>>& records = m_database.m_records;
     const std::size_t before = records.size();
     const auto takeBack = [&] {
@@ -130,17 +130,17 @@ bool kesta::Loader::readWhole(Work work, Undo undo) {
     return false;
 }
 
-void kesta::Loader::tellUnreadable(int error) {
+void LogLoader::tellUnreadable(int error) {
     LoadEvent event{LoadEvent::eUnreadable};
     event.count = static_cast<std::size_t>(error);
     tell(event);
     errno = error;
 }
 
-void kesta::Loader::loadFile(kesta& database, int maxRecords, bool strict, LoadObserver* observer) {
+void LogLoader::loadFile(kesta& database, int maxRecords, bool strict, LoadObserver* observer) {
     database.init();
     TextFile file;
-    Loader loader(database, file, Marks::left, observer);
+    LogLoader loader(database, file, Marks::left, observer);
     if (!file.beginLoad(database.m_fileName, lineSeparator)) return loader.tellUnreadable(errno);
     const std::size_t before = database.m_records.size();
     const bool csv = FileForm::isCommaSeparated(database.m_fileName);
@@ -154,18 +154,18 @@ void kesta::Loader::loadFile(kesta& database, int maxRecords, bool strict, LoadO
     database.m_changed = 0;
 }
 
-int kesta::Loader::loadRecords(kesta& database, int maxRecords) {
+int LogLoader::loadRecords(kesta& database, int maxRecords) {
     TextFile file;
     if (!file.beginLoad(database.m_fileName, lineSeparator)) return 0;
     const int changedBefore = database.m_changed;
     int count = 0;
-    Loader loader(database, file, Marks::set, nullptr);
+    LogLoader loader(database, file, Marks::set, nullptr);
     const bool whole = loader.readWhole([&] { count = loader.addRecords(1, maxRecords); },
                                         [&] { database.m_changed = changedBefore; });
     return whole ? count : 0;
 }
 
-void kesta::Loader::readLog(int maxRecords, bool strict) {
+void LogLoader::readLog(int maxRecords, bool strict) {
     dbrecord line(scratchFields);
     readParams(line);
     if (m_database.m_params->empty()) {
@@ -188,20 +188,20 @@ void kesta::Loader::readLog(int maxRecords, bool strict) {
 }
 
 /// Reads the line at the cursor, which stays there.
-int kesta::Loader::read(dbrecord& record, RecentTexts* recent, LoadObserver* observer) {
+int LogLoader::read(dbrecord& record, RecentTexts* recent, LoadObserver* observer) {
     record.m_fields.clear();
     return RecordLine::read(lineText(), record.m_fields, recent, {observer, lineNumber()});
 }
 
 // --- Parameters ---
 
-int kesta::Loader::readParamLine(dbrecord& line) {
+int LogLoader::readParamLine(dbrecord& line) {
     const int count = read(line, nullptr, m_observer);
     if (count != 0) line.markChanged();
     return count;
 }
 
-void kesta::Loader::readParams(dbrecord& line) {
+void LogLoader::readParams(dbrecord& line) {
     m_database.m_params->clear();
     readParamLine(line);
     const bool isLog =
@@ -219,7 +219,7 @@ void kesta::Loader::readParams(dbrecord& line) {
     }
 }
 
-void kesta::Loader::takeParam(const dbrecord& line) {
+void LogLoader::takeParam(const dbrecord& line) {
     const std::string_view text = Ascii::withoutLeadingSpace(line.getField(0).view());
     const std::size_t colon = text.find(':');
     LoadEvent event{LoadEvent::eParameterHasFields, lineNumber()};
@@ -234,7 +234,7 @@ void kesta::Loader::takeParam(const dbrecord& line) {
     tell(event);
 }
 
-void kesta::Loader::appendParam(std::string_view text, std::size_t colon) {
+void LogLoader::appendParam(std::string_view text, std::size_t colon) {
     const std::string_view written = text.substr(colon + 1);
     const std::string_view value = Ascii::withoutLeadingSpace(written);
     if (value.size() != written.size()) tell({LoadEvent::eSpaceTrimmed, lineNumber(), 1});
@@ -243,7 +243,7 @@ void kesta::Loader::appendParam(std::string_view text, std::size_t colon) {
     if (m_observer) m_observer->parameterRead(lineNumber(), m_database.params().back());
 }
 
-void kesta::Loader::takeRevision() {
+void LogLoader::takeRevision() {
     const LightweightString<char>& value = m_database.params().front().value();
     m_database.m_revision = revisionOf(value);
     if (m_database.m_revision == currentRevision) return;
@@ -256,7 +256,7 @@ void kesta::Loader::takeRevision() {
 
 // --- Columns ---
 
-void kesta::Loader::readColumns() {
+void LogLoader::readColumns() {
     dbrecord types(scratchFields);
     dbrecord names(scratchFields);
     const unsigned widthsLine = lineNumber();
@@ -271,7 +271,7 @@ void kesta::Loader::readColumns() {
     }
     for (std::size_t field = 0; field < names.fields().size(); ++field) {
         const LightweightString<char>& token = types.fields()[field];
-        const DBFieldTypes::eType type = fieldTypeFromString(token);
+        const DBFieldTypes::eType type = kesta::fieldTypeFromString(token);
         m_database.m_fields.emplace_back(names.fields()[field], ColumnTypes::stored(type));
         if (type != DBFieldTypes::eNone) continue;
         LoadEvent event{LoadEvent::eTypeUnknown, typesLine, static_cast<unsigned>(field + 1)};
@@ -284,7 +284,7 @@ void kesta::Loader::readColumns() {
     m_database.m_valid = 1;
 }
 
-void kesta::Loader::takeColumnNames(const dbrecord& names) {
+void LogLoader::takeColumnNames(const dbrecord& names) {
     for (const LightweightString<char>& name : names.fields()) {
         m_database.m_fields.emplace_back(name, typeFromName(name));
     }
@@ -293,7 +293,7 @@ void kesta::Loader::takeColumnNames(const dbrecord& names) {
 
 // --- Records ---
 
-int kesta::Loader::addRecords(int skipFirst, int maxRecords) {
+int LogLoader::addRecords(int skipFirst, int maxRecords) {
     if (maxRecords < 1) {
         tellEnd({LoadEvent::eRecordLimit, m_file.cursor()});
         return 0;
@@ -345,7 +345,7 @@ int kesta::Loader::addRecords(int skipFirst, int maxRecords) {
 }
 
 /// Tells an event at which reading ends, with what comes after it. Nothing is lost where nothing comes.
-void kesta::Loader::tellEnd(LoadEvent event) {
+void LogLoader::tellEnd(LoadEvent event) {
     if (!m_observer) return;
     for (; m_file.cursor() < m_file.size(); pass()) {
         if (!Ascii::trimmed(lineText()).empty()) ++event.linesAfter;
@@ -356,7 +356,7 @@ void kesta::Loader::tellEnd(LoadEvent event) {
 
 // --- Comma-separated files ---
 
-void kesta::Loader::readCSV() {
+void LogLoader::readCSV() {
     m_database.m_valid = 1;
     for (const LightweightString<char>& name : splitCSV(lineText())) {
         m_database.m_fields.emplace_back(name, DBFieldTypes::eTextS);
@@ -378,7 +378,7 @@ void kesta::Loader::readCSV() {
     }
 }
 
-void kesta::Loader::tellOfCSVLine(std::size_t pieces) {
+void LogLoader::tellOfCSVLine(std::size_t pieces) {
     if (!m_observer) return;
     const std::size_t columns = m_database.m_fields.size();
     if (pieces > columns) tell({LoadEvent::eValuesDropped, lineNumber(), 0, pieces - columns});
@@ -399,7 +399,7 @@ LightweightString<wchar_t> kesta::get_filename() const {
 }
 
 void kesta::loadFromFile(int maxRecords, bool strict) {
-    Loader::loadFile(*this, maxRecords, strict, nullptr);
+    LogLoader::loadFile(*this, maxRecords, strict, nullptr);
 }
 
 void kesta::loadFromFile(const LightweightString<wchar_t>& fileName, int maxRecords, bool strict) {
@@ -408,18 +408,18 @@ void kesta::loadFromFile(const LightweightString<wchar_t>& fileName, int maxReco
 }
 
 void kesta::loadFromFile(int maxRecords, bool strict, LoadObserver& observer) {
-    Loader::loadFile(*this, maxRecords, strict, &observer);
+    LogLoader::loadFile(*this, maxRecords, strict, &observer);
 }
 
 void kesta::read_params(TextFile& file, dbrecord* line) {
     dbrecord ownLine(scratchFields);
-    Loader(*this, file, Loader::Marks::set, nullptr).readParams(line ? *line : ownLine);
+    LogLoader(*this, file, LogLoader::Marks::set, nullptr).readParams(line ? *line : ownLine);
 }
 
 int kesta::load_text(int maxRecords) {
-    return Loader::loadRecords(*this, maxRecords);
+    return LogLoader::loadRecords(*this, maxRecords);
 }
 
 int kesta::add_text(TextFile& file, int skipFirst, int maxRecords) {
-    return Loader(*this, file, Loader::Marks::set, nullptr).addRecords(skipFirst, maxRecords);
+    return LogLoader(*this, file, LogLoader::Marks::set, nullptr).addRecords(skipFirst, maxRecords);
 }

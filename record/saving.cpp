@@ -89,7 +89,7 @@ unsigned kesta::get_fieldsize(unsigned field) const {
 }
 
 /// Writes a database to its file.
-class kesta::Saver {
+class LogSaver {
  public:
     static int save(kesta& database, bool namesOnly);
 
@@ -97,7 +97,7 @@ class kesta::Saver {
     static int writeRecords(kesta& database, TextFile& file);
 };
 
-int kesta::Saver::save(kesta& database, bool namesOnly) {
+int LogSaver::save(kesta& database, bool namesOnly) {
     TextFile file;
     database.save_params(file);
     database.save_column_header(file, namesOnly);
@@ -110,7 +110,7 @@ int kesta::Saver::save(kesta& database, bool namesOnly) {
     return file.save(database.m_fileName, TextFile::eLF) ? written : 0;
 }
 
-int kesta::Saver::writeRecords(kesta& database, TextFile& file) {
+int LogSaver::writeRecords(kesta& database, TextFile& file) {
     const unsigned tagColumn = database.get_fieldnum("Tag");
     int written = 0;
     for (std::size_t row = 0; row < database.m_records.size(); ++row) {
@@ -128,11 +128,11 @@ int kesta::Saver::writeRecords(kesta& database, TextFile& file) {
 }
 
 int kesta::save_text() {
-    return Saver::save(*this, false);
+    return LogSaver::save(*this, false);
 }
 
 int kesta::save_text_without_header() {
-    return Saver::save(*this, true);
+    return LogSaver::save(*this, true);
 }
 
 void kesta::save_params(TextFile& file) const {

@@ -33,7 +33,7 @@ tools/manual            record tools/CommandLine
 examples                LIBRARY
 bench                   LIBRARY
 fuzz                    LIBRARY record/parts view/parts tests tools/forms tools/CommandLine tools/Failure
-tests                   LIBRARY record/parts view/parts support/misc support/os
+tests                   LIBRARY record/parts view/parts support/misc support/os fuzz/Fuzz.h
 TABLE
 }
 library="support record search view expr fieldmap container"

@@ -6,8 +6,8 @@
 #include "support/Export.h"
 #include "view/KSTView.h"
 
-/// Stands on a view row or on none, which is -1. Holds a use of the view. The view may change meanwhile: a row
-/// that is no longer there has no record, and steps go on from the end.
+/// Stands on a view row or on none, which is -1. Holds a use of the view. The view may change meanwhile: a
+/// row that is no longer there has no record, and steps go on from the end.
 class KESTA_API KSTViewCursor {
  public:
     /// With `taggedOnly`, steps pass over rows that are not tagged.

@@ -23,11 +23,11 @@
 // without a text. A listener may read the view, change it and destroy it, and the source as well. Insertions
 // are not notified: views that do not take part keep their row numbers.
 //
-// Views on views. Where two or more views stand on each other, a deletion reaches the upper one several times,
-// from the database and from its base view, with row numbers of different kinds. It takes each for its source
-// rows, deliberately: other rows than those deleted can go out of it, and what is then deleted through it can
-// be other records. To be safe make views on the log itself, or show a view's rows again (displayAllRecords)
-// after a deletion.
+// Views on views. Where two or more views stand on each other, a deletion reaches the upper one several
+// times, from the database and from its base view, with row numbers of different kinds. It takes each for its
+// source rows, deliberately: other rows than those deleted can go out of it, and what is then deleted through
+// it can be other records. To be safe make views on the log itself, or show a view's rows again
+// (displayAllRecords) after a deletion.
 //
 // Thread-safety: one thread at a time; reading from several threads is safe while nobody changes the view or
 // its source (copying and destroying handles are changes, and so is saveOnlyTagged). Only one sort may run at
@@ -225,8 +225,8 @@ class KESTA_API KSTViewRep : public KSTBase, public Notifier {
     // The fields that the view is about, for its users to see: it restricts nothing.
 
     /// Sets the text, a list of field names with tabs or commas between, and appends references to those
-    /// fields that the source has. A name that it does not have is reported and left out. Deliberately the list keeps
-    /// what earlier calls put there, in reverse. Null only drops the text.
+    /// fields that the source has. A name that it does not have is reported and left out. Deliberately the
+    /// list keeps what earlier calls put there, in reverse. Null only drops the text.
     void fieldSpec(const char* specification);
 
     /// Appends the names of all fields of the source with commas between.

@@ -44,7 +44,7 @@ TEST_F(CheckTest, NamesThePlaceOfEverythingTheLoaderWouldStopAtDropOrWarnOf) {
         {"a field of the greatest length", head + '"' + longest + "\",\"2\"\n", {}},
         {"too few fields",
          head + "\"1\",\"2\"\n\"1\"\n\"3\",\"4\"\n",
-         {":7: column 2 (B): 1 field where the log has 2 columns; reading stops here and 1 line behind it"}},
+         {":7: column 2 (B): 1 field where the log has 2 columns; reading stops here and 1 line after it"}},
         {"too many fields",
          head + "\"1\",\"2\",\"3\"\n",
          {":6: column 3: 3 fields where the log has 2 columns"}},
@@ -96,7 +96,7 @@ TEST_F(CheckTest, NamesThePlaceOfEverythingTheLoaderWouldStopAtDropOrWarnOf) {
         {"parameters that are not read",
          "\"KESTA:Rev 1\"\n\"Mode\"\n\":x\"\n\"a:b\",\"c\"\n" + head.substr(14),
          {":2: a parameter without a colon", ":3: a parameter without a name",
-          ":4: 1 field behind the parameter"}},
+          ":4: 1 field after the parameter"}},
         {"a parameter that saving would change",
          "\"KESTA:Rev 1\"\n\"Mode:\"\"x\"\"\"\n" + head.substr(14),
          {":2: the parameter \"Mode\" would change"}},
@@ -127,7 +127,7 @@ TEST_F(CheckTest, FindsWhatPlainCommaSeparatedFilesLose) {
     expectFindings(table("a,b\n1,\"2,3\"\n1\n"), {});
     expectFindings(table("\na,b\n1,2\n"), {":1: the line names no columns; 2 lines"});
     expectFindings(table("a,b\n1,2,3\n1,\"x\ny\"\n"),
-                   {":2: 1 value behind the last column", ":3: a double quote", ":4: a double quote"});
+                   {":2: 1 value after the last column", ":3: a double quote", ":4: a double quote"});
 }
 
 TEST_F(CheckTest, UnreadableFilesDoNotKeepTheOthersFromBeingChecked) {

@@ -73,7 +73,7 @@ void requireKeptFrom(const kesta& log, unsigned firstRow, const std::string& sou
     }
 }
 
-/// Answers what there is to say about it.
+/// Returns what there is to say about it.
 std::string append(kesta& into, kesta& from, const std::string& source) {
     const std::string said = source + ": " + counted(from.get_num_records(), "record");
     if (into.add_kesta(&from) >= 0) return said + "; all columns matched";

@@ -121,7 +121,7 @@ class LogListener : public LoadObserver {
                 return "a parameter without a name is not read; write it as \"name:value\"";
             case LoadEvent::eParameterHasFields:
                 return counted(event.count, "field") +
-                       " behind the parameter; not read: put the whole parameter into one pair of quotes";
+                       " after the parameter; not read: put the whole parameter into one pair of quotes";
             case LoadEvent::eNotALog:
                 return event.line == 0
                            ? "the file is empty; a log begins with a line \"KESTA:Rev 1\""
@@ -140,7 +140,7 @@ class LogListener : public LoadObserver {
                 return "the type " + quoted(event.text) + " is unknown and read as \"text\"; write that";
             case LoadEvent::eColumnsMissing:
                 return m_isCommaSeparated ? "the line names no columns; " +
-                                                counted(event.linesAfter, "line") + " behind it not read"
+                                                counted(event.linesAfter, "line") + " after it not read"
                                           : "the log has no columns";
             case LoadEvent::eReadAsHeader:
                 return "the value is read as the beginning of a header: this line and the next two are "
@@ -149,15 +149,15 @@ class LogListener : public LoadObserver {
                 return counted(event.count, "field") + " where the log has " +
                        counted(event.expected, "column") + "; reading stops here" +
                        (event.linesAfter > 0
-                            ? " and " + counted(event.linesAfter, "line") + " behind it not read"
+                            ? " and " + counted(event.linesAfter, "line") + " after it not read"
                             : "") +
                        ": give the line one field for each column";
             case LoadEvent::eBlankLine:
                 return "a blank line ends the log; " + counted(event.linesAfter, "line") +
-                       " behind it not read: remove the blank line";
+                       " after it not read: remove the blank line";
             case LoadEvent::eValuesDropped:
                 return counted(event.count, "value") +
-                       " behind the last column; not read: name their columns on line 1, or use kesta import";
+                       " after the last column; not read: name their columns on line 1, or use kesta import";
             case LoadEvent::eQuoteUnmatched:
                 return "a double quote has no partner on the line; use kesta import, which reads values of "
                        "several lines";

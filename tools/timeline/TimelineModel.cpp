@@ -23,7 +23,7 @@ class RangeReader {
           m_start{columns.start, log.get_fieldname(columns.start)},
           m_end{columns.end, log.get_fieldname(columns.end)} {}
 
-    /// Answers the objection, empty when the bar has its range now.
+    /// Returns the objection, empty when the bar has its range now.
     std::string read(const dbrecord& record, TimelineBar& bar) const {
         const time_def start = codeIn(record, m_start);
         const time_def end = codeIn(record, m_end);

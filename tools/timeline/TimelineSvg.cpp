@@ -159,7 +159,7 @@ class Painter {
         return (isCommon() ? 0 : rulerHeight) + bars + laneGap;
     }
 
-    /// Calls `work` with each lane and the upper and lower end of its bars. Answers the end of the lanes.
+    /// Calls `work` with each lane and the upper and lower end of its bars. Returns the end of the lanes.
     template <class Work>
     double forEachLane(Work work) const {
         double top = headerHeight + (isCommon() ? rulerHeight : 0);
