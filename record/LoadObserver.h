@@ -20,6 +20,7 @@ class dbrecord;
 
 /// What does not come into the database as it stands in the file, and where that is.
 struct LoadEvent {
+    /// What happened; where nothing is said, reading goes on.
     enum Kind {
         // A field of a line whose texts are taken: a parameter, a column's name, a value. A line tells of
         // nothing after its first cut: what is read there is not what was meant.
@@ -54,13 +55,13 @@ struct LoadEvent {
         eUnreadable,  ///< nothing is loaded, because the file could not be read; `count` is the errno
     };
 
-    Kind kind;
-    unsigned line = 0;
-    unsigned field = 0;  ///< 0 when it is about the line
-    std::size_t count = 0;
-    std::size_t expected = 0;
-    unsigned linesAfter = 0;  ///< where reading ends: how many lines that are not blank come after `line`
-    std::string_view text = {};
+    Kind kind;                   ///< says which of the following mean something
+    unsigned line = 0;           ///< of the file, from 1
+    unsigned field = 0;          ///< of the line, from 1; 0 when it is about the line
+    std::size_t count = 0;       ///< what there is
+    std::size_t expected = 0;    ///< what there should be
+    unsigned linesAfter = 0;     ///< where reading ends: how many lines that are not blank come after `line`
+    std::string_view text = {};  ///< what stands there
 };
 
 /// What is not overridden does nothing.

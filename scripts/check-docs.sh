@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 
 # The headers that an installation has.
 mapfile -t named < <(sed -n '/^set(public_headers/,/)/p' cmake/Install.cmake | grep -o '[a-z/]*/[A-Za-z]*\.h')
-plumbing=(record/parts/{CookieIndex,FieldList,GapVector,OnDemand,ParamList}.h view/parts/{Attachment,RowArray,RowIndex}.h)
+plumbing=(record/parts/{CookieIndex,FieldList,GapVector,OnDemand,ParamList,Query}.h view/parts/{Attachment,RowArray,RowIndex}.h)
 mapfile -t own < <(printf '%s\n' "${named[@]}" | grep -vxF "$(printf '%s\n' "${plumbing[@]}")")
 
 reference() { # SETTING...

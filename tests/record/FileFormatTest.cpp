@@ -300,7 +300,7 @@ TEST_F(FileLoading, TextsThatComeAgainAreSharedAndNoOthers) {
     // repeats none before it begins to.
     std::mt19937 random(13);
     std::vector<std::string> texts = {"", "\"\"", "Reel 1", "\"Reel 1\"", "\"Reel 2\"", "\"01:00:00:00\""};
-    for (const std::size_t length : {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 18, 40}) {
+    for (const std::size_t length : {1U, 2U, 3U, 4U, 5U, 7U, 8U, 9U, 15U, 16U, 17U, 18U, 40U}) {
         for (std::size_t at = 0; at <= length; ++at) {
             texts.push_back(std::string(length, 'x'));
             if (at != length) texts.back()[at] = 'y';
