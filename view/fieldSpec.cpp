@@ -23,8 +23,8 @@ FieldsByName fieldsByName(const iKST* source) {
     return fields;
 }
 
-void pushFieldRef(std::unique_ptr<SExpr>& list, unsigned field, iKST* source, LifeWatch watch) {
-    auto ref = std::make_unique<SExprRef>(field, source, std::move(watch));
+void pushFieldRef(std::unique_ptr<SExpr>& list, unsigned field, iKST* source, const LifeWatch& watch) {
+    auto ref = std::make_unique<SExprRef>(field, source, watch);
     auto cell = std::make_unique<SExpr>(ref.get(), list.get());
     (void)ref.release();
     (void)list.release();

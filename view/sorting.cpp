@@ -19,6 +19,8 @@ std::vector<const dbrecord*> recordsOf(const KSTViewRep& view) {
     const ViewChain chain(view);
     const std::vector<unsigned> rows = chain.databaseRows();
     const bool plain = chain.hasPlainBases();
+    // A copy, for to ask for a record may end the view that has it.
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
     const WatchedPtr<kesta> database = chain.database();
     std::vector<const dbrecord*> found(rows.size());
     for (std::size_t i = 0; i < rows.size(); ++i) {

@@ -246,7 +246,8 @@ TEST_F(OutOfMemory, ALoadThatCannotBeFinishedLeavesNothingToBeTakenForTheLog) {
     database.set_filename(log);
     const auto load = [&] { database.loadFromFile(INT_MAX, true); };
     const auto isEmpty = [&] {
-        EXPECT_EQ(database.get_valid() + database.get_num_fields() + database.get_num_records(), 0U);
+        EXPECT_EQ(database.get_valid(), 0);
+        EXPECT_EQ(database.get_num_fields() + database.get_num_records(), 0U);
         EXPECT_TRUE(database.params().empty());
     };
     EXPECT_GT(failEachRequest(load, isEmpty), 10U);
