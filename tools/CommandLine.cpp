@@ -60,7 +60,7 @@ CommandLine::CommandLine() : m_app(std::make_unique<CLI::App>(description, "kest
     for (const Command& command : Commands::all()) {
         CLI::App* const app = m_app->add_subcommand(command.name, command.what);
         app->footer("Example:\n  " + command.notes);
-        m_works.push_back({app, command.declare(*app)});
+        m_works.emplace_back(app, command.declare(*app));
         addPresentation(*app, m_presentation);
     }
 }
