@@ -72,6 +72,7 @@ TEST_F(ContainerFile, AFileThatIsNoContainerGivesDefaults) {
     } cases[] = {
         {folder / "missing.sg", ENOENT, 0},
         {folder.path(), EISDIR, 0},
+        {"/dev/zero", EINVAL, 0},
         {{}, ENOENT, 0},
         {folder.with("empty.sg", ""), 0, 0},
         {folder.with("prose.sg", "Dear all,\nno container here.\n"), 0, 0},
@@ -232,10 +233,10 @@ TEST_F(ContainerFile, SavingOverOneGoesThroughATemporaryNameAndANewOneDoesNot) {
         EXPECT_EQ(fs::status(box).permissions(), unusual) << count;
         EXPECT_EQ(folder.names(), Fields{"box.sg"}) << count;
     }
-    fs::permissions(box, fs::perms(0444));
+    fs::permissions(box, fs::perms(01444));
     saveClips(box, 3);
     EXPECT_TRUE(holdsClips(box, 3)) << "replacing a file needs its folder only";
-    EXPECT_EQ(fs::status(box).permissions(), fs::perms(0444));
+    EXPECT_EQ(fs::status(box).permissions(), fs::perms(01444));
 }
 
 TEST_F(ContainerFile, AFailedSaveLeavesTheOldFileAndNothingElseAndTheReason) {

@@ -43,10 +43,10 @@ TEST(Cookie, OtherTextIsAName) {
     EXPECT_EQ(Cookie(LightweightString<wchar_t>(L"h\u00E9"), false), read("h\xC3\xA9"));
 
     // Almost, but not, a text form.
-    for (const char* text :
-         {"M00112233445566778899aabbccddeeff5", "M00112233445566778899aabbccddeeff5aa",
-          "M00112233445566778899aabbccddeefg5a", "700112233445566778899aabbccddeeff5a",
-          "M00112233+4455-6677-8899-aabbccddeeff5a", "M0011223-34455-6677-8899-aabbccddeeff5a"}) {
+    for (const char* text : {"M00112233445566778899aabbccddeeff5", "M00112233445566778899aabbccddeeff5aa",
+                             "M00112233445566778899aabbccddeefg5a", "M00112233445566778899aabbccddeegf5a",
+                             "700112233445566778899aabbccddeeff5a", "M00112233+4455-6677-8899-aabbccddeeff5a",
+                             "M0011223-34455-6677-8899-aabbccddeeff5a"}) {
         EXPECT_EQ(read(text).type(), 'N') << text;
         EXPECT_NE(read(text), read(plain)) << text;
     }

@@ -21,6 +21,7 @@ TEST(LightweightString, StringsThatShareWhatTheyHoldDoWhatPlainOnesDoAndGiveBack
                 ASSERT_TRUE(model.holds()) << "sequence " << sequence << ", step " << step;
             }
         }
+        Zr::SharedBlock::make(8, 3)->release(3);
         ASSERT_EQ(memory.held(), 0U) << "sequence " << sequence;
     }
 }

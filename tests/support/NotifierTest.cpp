@@ -148,7 +148,7 @@ TEST_F(NotifierTest, CallbacksMayOwnGuardsOfTheirNotifier) {
 
 TEST_F(NotifierTest, WhatAListenerThrowsIsPassedOnAndKeepsNoOtherFromHearing) {
     const GuardPtr a = listen('a', [] { throw Zr::Exception::BadAlloc(); });
-    const GuardPtr b = listen('b');
+    const GuardPtr b = listen('b', [] { throw std::runtime_error("later"); });
     EXPECT_THROW(notifier->issueNotification(message, deleted), Zr::Exception::BadAlloc);
     EXPECT_EQ(heard, "ab");
 }
