@@ -119,7 +119,7 @@ TEST(FieldMapColumns, RunningOutOfMemoryAddsNone) {
                             ASSERT_EQ(columnsOf(map), (Fields{"Start", "-Name"}));
                             ASSERT_EQ(map.numVisible(), 1);
                         });
-    EXPECT_GT(failures, 1u);
+    EXPECT_GT(failures, 0u);
     EXPECT_EQ(columnsOf(map).back(), "a name too long to be anywhere else");
 }
 
